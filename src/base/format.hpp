@@ -1,0 +1,59 @@
+// Objective-C style formatting for log lines. Log lines keep their Objective-C
+// format strings ("[QB] reveal ex: %@") so they read the same in both worlds;
+// this fills them in.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace base {
+
+// One argument of a format. %@ takes a string (callers describe objects and
+// exceptions to text first); %s a C string; %d %i %ld %lld %lu %u %x %X %c an
+// integer; %f %g %e a real. A bool is an integer 0/1, as BOOL is.
+class FormatArg {
+ public:
+  enum class Kind { Signed, Unsigned, Real, Text };
+  FormatArg(bool b) : kind_(Kind::Signed), i_(b ? 1 : 0) {}
+  FormatArg(char c) : kind_(Kind::Signed), i_(c) {}
+  FormatArg(int i) : kind_(Kind::Signed), i_(i) {}
+  FormatArg(long i) : kind_(Kind::Signed), i_(i) {}
+  FormatArg(long long i) : kind_(Kind::Signed), i_(i) {}
+  FormatArg(unsigned i) : kind_(Kind::Unsigned), u_(i) {}
+  FormatArg(unsigned long i) : kind_(Kind::Unsigned), u_(i) {}
+  FormatArg(unsigned long long i) : kind_(Kind::Unsigned), u_(i) {}
+  FormatArg(double d) : kind_(Kind::Real), d_(d) {}
+  FormatArg(const char* s) : kind_(Kind::Text), s_(s ? std::string_view(s) : std::string_view("(null)")) {}
+  FormatArg(std::string_view s) : kind_(Kind::Text), s_(s) {}
+  FormatArg(const std::string& s) : kind_(Kind::Text), s_(s) {}
+
+  Kind kind() const { return kind_; }
+  std::int64_t asSigned() const { return kind_ == Kind::Unsigned ? static_cast<std::int64_t>(u_) : kind_ == Kind::Real ? static_cast<std::int64_t>(d_) : i_; }
+  std::uint64_t asUnsigned() const { return kind_ == Kind::Unsigned ? u_ : kind_ == Kind::Real ? static_cast<std::uint64_t>(d_) : static_cast<std::uint64_t>(i_); }
+  double asReal() const { return kind_ == Kind::Real ? d_ : kind_ == Kind::Unsigned ? static_cast<double>(u_) : static_cast<double>(i_); }
+  std::string_view asText() const { return s_; }
+
+ private:
+  Kind kind_;
+  std::int64_t i_ = 0;
+  std::uint64_t u_ = 0;
+  double d_ = 0;
+  std::string_view s_;
+};
+
+// Fills in `fmt`. Supports flags (- + space 0 #), width, precision, the length
+// modifiers h hh l ll q z t j, and the conversions @ d i u x X o c s f F e E g G
+// and %%. A %@ whose argument is not text prints its number; a missing argument
+// prints "(null)" for %@ and %s and 0 otherwise; surplus arguments are ignored.
+// An unknown conversion is copied through as written.
+std::string formatv(std::string_view fmt, std::initializer_list<FormatArg> args);
+
+template <typename... Args>
+std::string format(std::string_view fmt, const Args&... args) {
+  return formatv(fmt, {FormatArg(args)...});
+}
+
+}  // namespace base
