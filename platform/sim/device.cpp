@@ -1,0 +1,70 @@
+#include "sim/device.hpp"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace sim {
+namespace {
+
+// 2026-11-23 12:00:00 UTC in seconds since 2001-01-01.
+constexpr double kStartAbsolute = 817128000.0;
+
+std::string makeTemporaryContainer() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "quenby-device-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) {
+    std::perror("mkdtemp");
+    std::abort();
+  }
+  return pattern;
+}
+
+}  // namespace
+
+Device::Device(DeviceOptions options)
+    : options_(std::move(options)), wallOffset_(kStartAbsolute), random_(options_.seed) {
+  if (options_.container.empty()) {
+    container_ = makeTemporaryContainer();
+    ownsContainer_ = true;
+  } else {
+    container_ = std::filesystem::absolute(options_.container).lexically_normal().string();
+    if (container_.size() > 1 && container_.back() == '/') container_.pop_back();
+  }
+  std::error_code ec;
+  std::filesystem::create_directories(documentsPath(), ec);
+}
+
+Device::~Device() {
+  if (ownsContainer_) {
+    std::error_code ec;
+    std::filesystem::remove_all(container_, ec);
+  }
+}
+
+double Device::absoluteTime() const { return wallOffset_ + elapsed_; }
+
+double Device::localSecondOfDay() const {
+  double s = std::fmod(absoluteTime(), 86400.0);
+  return s < 0 ? s + 86400.0 : s;
+}
+
+void Device::setLocalTime(int hour, int minute) {
+  double dayStart = absoluteTime() - localSecondOfDay();
+  wallOffset_ = dayStart + hour * 3600.0 + minute * 60.0 - elapsed_;
+}
+
+void Device::writeLog(std::string line) {
+  std::lock_guard lock(logMutex_);
+  LogLine l;
+  l.elapsed = elapsed_;
+  double sod = localSecondOfDay();
+  l.secondOfDay = int(std::floor(sod));
+  l.fraction = sod - std::floor(sod);
+  l.text = std::move(line);
+  log_.push_back(std::move(l));
+  if (logListener_) logListener_(log_.back());
+}
+
+}  // namespace sim

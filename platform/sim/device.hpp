@@ -1,0 +1,85 @@
+// A simulated device: what outlives one run of the app. Its virtual clock,
+// the app container on disk, the log, the locale, the seeded random source
+// and the named fault options. Processes come and go on it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+struct LogLine {
+  double elapsed = 0;     // device seconds when it was written
+  int secondOfDay = 0;    // local wall-clock time then
+  double fraction = 0;    // sub-second part, for printing
+  std::string text;
+};
+
+struct DeviceOptions {
+  // The app container; empty makes a fresh temporary one, removed with the device.
+  std::string container;
+  std::uint64_t seed = 1;
+  std::string locale = "zh_CN";
+};
+
+// Fault options. Each is named, off by default, and switched on per test.
+struct Faults {
+  // The next settings-style atomic write "crashes" after writing its temporary
+  // file and before the rename.
+  bool crashBeforeRename = false;
+};
+
+class Device {
+ public:
+  explicit Device(DeviceOptions options = {});
+  ~Device();
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  // --- Virtual time. Nothing sleeps: time moves only when told to.
+  double elapsed() const { return elapsed_; }
+  void setElapsed(double t) { elapsed_ = t; }
+  // Monotonic, since boot (the device booted a while before the app starts,
+  // as a phone has).
+  double mediaTime() const { return kBootUptime + elapsed_; }
+  // Seconds since 2001-01-01 00:00 UTC; local time is UTC on this device.
+  double absoluteTime() const;
+  // Local seconds since midnight.
+  double localSecondOfDay() const;
+  // Sets the wall clock to HH:MM:00 today; the monotonic clock is untouched.
+  void setLocalTime(int hour, int minute);
+
+  // --- The container.
+  const std::string& containerPath() const { return container_; }
+  std::string documentsPath() const { return container_ + "/Documents"; }
+
+  // --- The log every NSLog line reaches.
+  void writeLog(std::string line);
+  const std::vector<LogLine>& log() const { return log_; }
+  void setLogListener(std::function<void(const LogLine&)> listener) { logListener_ = std::move(listener); }
+
+  const std::string& locale() const { return options_.locale; }
+  std::mt19937_64& random() { return random_; }
+  std::uint64_t seed() const { return options_.seed; }
+  Faults& faults() { return faults_; }
+
+  static constexpr double kBootUptime = 86400.0 * 3 + 1234.5;
+
+ private:
+  DeviceOptions options_;
+  std::string container_;
+  bool ownsContainer_ = false;
+  double elapsed_ = 0;
+  double wallOffset_;  // absolute time at elapsed 0
+  std::mutex logMutex_;  // lines may come from any thread
+  std::vector<LogLine> log_;
+  std::function<void(const LogLine&)> logListener_;
+  std::mt19937_64 random_;
+  Faults faults_;
+};
+
+}  // namespace sim

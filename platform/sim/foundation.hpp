@@ -1,0 +1,66 @@
+// The simulated Foundation classes: the C++ state behind each kind of value
+// object, and the registration of the classes with their selectors.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/value.hpp"
+#include "rt/types.hpp"
+
+namespace sim {
+
+class Runtime;
+
+struct StringData {
+  std::string utf8;
+};
+struct NumberData {
+  base::Value value;  // Bool, Integer or Real
+};
+struct ArrayData {
+  std::vector<rt::Id> items;
+};
+struct DictionaryData {
+  std::vector<std::pair<rt::Id, rt::Id>> entries;  // insertion order
+};
+struct SetData {
+  std::vector<rt::Id> items;
+};
+struct IndexPathData {
+  long row = 0;
+  long section = 0;
+};
+struct DateData {
+  double referenceSeconds = 0;
+};
+
+struct FoundationClasses {
+  rt::Class object = nullptr, string = nullptr, number = nullptr, null = nullptr, array = nullptr,
+            mutableArray = nullptr, dictionary = nullptr, mutableDictionary = nullptr, set = nullptr,
+            indexPath = nullptr, date = nullptr;
+};
+
+// Defines NSObject and the value classes in `rtm` (called once per process).
+void registerFoundation(Runtime& rtm);
+const FoundationClasses& foundation();
+
+// Lookup of a key in a dictionary's entries with isEqual: semantics (strings
+// compared by text without a message).
+rt::Id dictionaryLookup(const DictionaryData& d, rt::Id key);
+bool sameObjectValue(rt::Id a, rt::Id b);
+
+// Makers that skip interning, for the registration code and the facade.
+rt::Id makeString(std::string utf8);
+rt::Id makeNumber(base::Value v);
+rt::Id makeArray(rt::Class cls, std::vector<rt::Id> items);
+rt::Id makeDictionary(rt::Class cls, std::vector<std::pair<rt::Id, rt::Id>> entries);
+
+void registerNSObject(Runtime& rtm);  // with key-value coding
+void registerStrings(Runtime& rtm);
+void registerNumbers(Runtime& rtm);
+void registerCollections(Runtime& rtm);
+void registerMiscValues(Runtime& rtm);  // NSNull, NSIndexPath, NSDate
+
+}  // namespace sim

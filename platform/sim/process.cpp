@@ -1,0 +1,127 @@
+#include "sim/process.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "rt/exception.hpp"
+#include "sim/foundation.hpp"
+#include "sys/notifications.hpp"
+
+namespace sim {
+namespace {
+
+// The one process the facades act on, as a real library has exactly one.
+Process* gCurrent = nullptr;
+
+}  // namespace
+
+const char* appStateName(AppState s) {
+  switch (s) {
+    case AppState::NotLaunched: return "not launched";
+    case AppState::Active: return "active";
+    case AppState::Inactive: return "inactive";
+    case AppState::Background: return "background";
+  }
+  return "?";
+}
+
+Process& currentProcess() {
+  if (!gCurrent) {
+    std::fprintf(stderr, "quenby: the runtime was used with no simulated process running\n");
+    std::abort();
+  }
+  return *gCurrent;
+}
+
+bool hasCurrentProcess() { return gCurrent != nullptr; }
+
+Runtime& runtime() { return currentProcess().runtime(); }
+
+Process::Process(Device& device)
+    : device_(device), previous_(gCurrent), runtime_(std::make_unique<Runtime>()),
+      mainThread_(std::this_thread::get_id()) {
+  gCurrent = this;
+  registerFoundation(*runtime_);
+}
+
+Process::~Process() {
+  // The library's state goes first: it may hold blocks and objects of this
+  // process; then pending blocks; the runtime and its objects last.
+  state_ptr_.reset();
+  queue_.clear();
+  notifications_ = NotificationCenter();
+  runtime_.reset();
+  gCurrent = previous_;
+}
+
+void Process::runGuarded(const std::function<void()>& work) {
+  if (crashed()) return;
+  try {
+    work();
+  } catch (...) {
+    crash_ = "uncaught exception " + rt::currentExceptionName() + ": " + rt::describeCurrentException();
+  }
+}
+
+void Process::post(const std::string& name) {
+  runGuarded([&] { notifications_.post(sys::Notification{name, nullptr, nullptr}); });
+}
+
+void Process::launch(const LaunchHooks& hooks) {
+  state_ = AppState::Inactive;
+  if (hooks.defineHostClasses) hooks.defineHostClasses();
+  if (hooks.libraryEntry) runGuarded(hooks.libraryEntry);
+  if (hooks.hostDidFinishLaunching) runGuarded(hooks.hostDidFinishLaunching);
+  post(sys::kDidFinishLaunching);
+  post(sys::kSceneWillConnect);
+  post(sys::kSceneWillEnterForeground);
+  runDue();
+  state_ = AppState::Active;
+  post(sys::kSceneDidActivate);
+  post(sys::kDidBecomeActive);
+  if (hooks.hostDidBecomeActive) runGuarded(hooks.hostDidBecomeActive);
+  runDue();
+}
+
+bool Process::enterBackground() {
+  if (state_ != AppState::Active) return false;
+  post(sys::kSceneWillDeactivate);
+  post(sys::kWillResignActive);
+  state_ = AppState::Background;
+  post(sys::kSceneDidEnterBackground);
+  post(sys::kDidEnterBackground);
+  runDue();
+  return true;
+}
+
+bool Process::enterForeground() {
+  if (state_ != AppState::Background) return false;
+  post(sys::kSceneWillEnterForeground);
+  post(sys::kWillEnterForeground);
+  state_ = AppState::Active;
+  post(sys::kSceneDidActivate);
+  post(sys::kDidBecomeActive);
+  runDue();
+  return true;
+}
+
+void Process::runDue() { advance(0); }
+
+void Process::advance(double seconds) {
+  double until = device_.elapsed() + (seconds > 0 ? seconds : 0);
+  double due;
+  sys::Block block;
+  while (!crashed() && queue_.takeNext(until, due, block)) {
+    if (due > device_.elapsed()) device_.setElapsed(due);
+    runGuarded(block);
+  }
+  device_.setElapsed(until);
+}
+
+void* Process::stateSlot(std::shared_ptr<void> (*make)()) {
+  std::lock_guard lock(stateMutex_);
+  if (!state_ptr_) state_ptr_ = make();
+  return state_ptr_.get();
+}
+
+}  // namespace sim

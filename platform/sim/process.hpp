@@ -1,0 +1,96 @@
+// A simulated process of the host app on a simulated device. Each one starts
+// with a fresh runtime (Foundation registered, nothing hooked), a fresh main
+// queue and notification centre, and fresh library state, so every test and
+// every `launch` is a cold start. Exactly one process is current at a time:
+// the facades of rt and sys act on it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "sim/device.hpp"
+#include "sim/main_queue.hpp"
+#include "sim/notification_center.hpp"
+#include "sim/runtime.hpp"
+
+namespace sim {
+
+enum class AppState { NotLaunched, Active, Inactive, Background };
+const char* appStateName(AppState s);
+
+// What the host app and the library do at launch. Each is optional.
+struct LaunchHooks {
+  // The host binary's own classes (they exist before any code runs).
+  std::function<void()> defineHostClasses;
+  // The library's single static initialiser.
+  std::function<void()> libraryEntry;
+  // application:didFinishLaunchingWithOptions: — builds the window and first screen.
+  std::function<void()> hostDidFinishLaunching;
+  // After the app first becomes active (the first screen has appeared).
+  std::function<void()> hostDidBecomeActive;
+};
+
+class Process {
+ public:
+  explicit Process(Device& device);
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  Device& device() { return device_; }
+  Runtime& runtime() { return *runtime_; }
+  MainQueue& mainQueue() { return queue_; }
+  NotificationCenter& notifications() { return notifications_; }
+
+  // Launches the app: host classes, the library's initialiser, then the
+  // platform's launch sequence: didFinishLaunching (with the host's first
+  // screen), the scene connecting and entering the foreground, the main queue
+  // drained, the scene activating and the app becoming active. Does not
+  // advance time.
+  void launch(const LaunchHooks& hooks);
+  // Resign active and enter the background / come back, with the application
+  // and scene notifications in platform order. False when the app is not in
+  // the state to do so.
+  bool enterBackground();
+  bool enterForeground();
+  AppState appState() const { return state_; }
+
+  // Runs everything due now / advances virtual time, running every block in
+  // order of due time, then of submission.
+  void runDue();
+  void advance(double seconds);
+
+  // Posts a platform notification now, on the main thread.
+  void post(const std::string& name);
+
+  // Runs one piece of host event handling. An exception that escapes it would
+  // terminate the app on a phone: the process is marked crashed and does
+  // nothing more.
+  void runGuarded(const std::function<void()>& work);
+  bool crashed() const { return !crash_.empty(); }
+  const std::string& crashReason() const { return crash_; }
+
+  std::thread::id mainThread() const { return mainThread_; }
+  void* stateSlot(std::shared_ptr<void> (*make)());
+
+ private:
+  Device& device_;
+  Process* previous_;
+  std::unique_ptr<Runtime> runtime_;
+  MainQueue queue_;
+  NotificationCenter notifications_;
+  AppState state_ = AppState::NotLaunched;
+  std::string crash_;
+  std::thread::id mainThread_;
+  std::mutex stateMutex_;
+  std::shared_ptr<void> state_ptr_;
+};
+
+// The current process; aborts when there is none.
+Process& currentProcess();
+bool hasCurrentProcess();
+
+}  // namespace sim

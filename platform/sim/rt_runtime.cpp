@@ -1,0 +1,136 @@
+// The runtime facade on the simulated runtime: class and selector lookup,
+// method records, instance variables, class definition, associated objects.
+#include <algorithm>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "rt/runtime.hpp"
+#include "sim/runtime.hpp"
+
+namespace rt {
+namespace {
+
+// Selectors are unique for the life of the program, as in the real runtime,
+// so they outlive any one simulated process.
+struct SelectorTable {
+  std::mutex mutex;
+  std::unordered_map<std::string, std::unique_ptr<Selector>> byName;
+};
+
+SelectorTable& selectors() {
+  static SelectorTable table;
+  return table;
+}
+
+}  // namespace
+
+Class getClass(std::string_view name) { return sim::runtime().findClass(name); }
+
+SEL sel(std::string_view name) {
+  if (name.empty()) return nullptr;
+  SelectorTable& t = selectors();
+  std::lock_guard lock(t.mutex);
+  auto it = t.byName.find(std::string(name));
+  if (it != t.byName.end()) return it->second.get();
+  auto s = std::make_unique<Selector>();
+  s->name = std::string(name);
+  SEL result = s.get();
+  t.byName.emplace(std::string(name), std::move(s));
+  return result;
+}
+
+std::string_view selName(SEL s) { return s ? std::string_view(s->name) : std::string_view(); }
+
+Class classOf(Id obj) { return obj ? obj->isa : nullptr; }
+Class superclass(Class cls) { return cls ? cls->super : nullptr; }
+bool isMetaclass(Class cls) { return cls && cls->meta; }
+std::string_view className(Class cls) { return cls ? std::string_view(cls->name) : std::string_view("nil"); }
+
+std::string_view className(Id obj) {
+  if (!obj) return "nil";
+  return className(obj->isa);
+}
+
+Id toId(Class cls) { return cls; }
+
+bool isKindOf(Id obj, Class cls) {
+  if (!obj || !cls) return false;
+  for (Class c = obj->isa; c; c = c->super)
+    if (c == cls) return true;
+  return false;
+}
+
+bool isKindOf(Id obj, std::string_view name) { return isKindOf(obj, getClass(name)); }
+
+bool respondsTo(Id obj, SEL s) { return obj && s && sim::runtime().lookup(obj->isa, s) != nullptr; }
+bool instancesRespondTo(Class cls, SEL s) { return cls && s && sim::runtime().lookup(cls, s) != nullptr; }
+
+Method getInstanceMethod(Class cls, SEL s) { return sim::runtime().lookup(cls, s); }
+Method getClassMethod(Class cls, SEL s) { return cls ? sim::runtime().lookup(cls->isa, s) : nullptr; }
+SEL methodName(Method m) { return m ? m->name : nullptr; }
+IMP methodImplementation(Method m) { return m ? m->imp : nullptr; }
+const char* typeEncoding(Method m) { return m && m->hasTypes ? m->types.c_str() : nullptr; }
+
+IMP setImplementation(Method m, IMP imp) {
+  if (!m || !imp) return nullptr;
+  IMP old = m->imp;
+  m->imp = imp;
+  sim::runtime().noteImplementation(imp, m->normalized);
+  sim::runtime().methodsChanged();
+  return old;
+}
+
+void exchangeImplementations(Method a, Method b) {
+  if (!a || !b) return;
+  std::swap(a->imp, b->imp);
+  sim::runtime().noteImplementation(a->imp, a->normalized);
+  sim::runtime().noteImplementation(b->imp, b->normalized);
+  sim::runtime().methodsChanged();
+}
+
+bool addMethod(Class cls, SEL s, IMP imp, const char* types) { return sim::runtime().addMethod(cls, s, imp, types); }
+
+Ivar getInstanceVariable(Class cls, std::string_view name) { return cls ? sim::runtime().findIvar(cls, name) : nullptr; }
+std::string_view ivarName(Ivar iv) { return iv ? std::string_view(iv->name) : std::string_view(); }
+const char* ivarTypeEncoding(Ivar iv) { return iv ? iv->types.c_str() : nullptr; }
+
+Id ivarObject(Id obj, Ivar iv) {
+  if (!obj || !iv || iv->types.empty() || iv->types[0] != '@' || iv->index >= obj->ivars.size()) return nullptr;
+  return obj->ivars[iv->index].object;
+}
+
+void setIvarObject(Id obj, Ivar iv, Id value) {
+  if (!obj || !iv || iv->types.empty() || iv->types[0] != '@' || iv->index >= obj->ivars.size()) return;
+  obj->ivars[iv->index].object = value;
+}
+
+Class allocateClassPair(Class super, std::string_view name) { return sim::runtime().allocateClass(super, name); }
+bool addIvar(Class cls, std::string_view name, const char* types) {
+  return sim::runtime().addIvar(cls, name, types ? types : "");
+}
+void registerClassPair(Class cls) { sim::runtime().registerClass(cls); }
+Id createInstance(Class cls) { return cls ? sim::runtime().allocate(cls) : nullptr; }
+
+void setAssociatedObject(Id obj, const void* key, Id value, Association) {
+  if (!obj) return;
+  auto& list = obj->associated;
+  auto it = std::find_if(list.begin(), list.end(), [&](const auto& e) { return e.first == key; });
+  if (!value) {
+    if (it != list.end()) list.erase(it);
+  } else if (it != list.end()) {
+    it->second = value;
+  } else {
+    list.emplace_back(key, value);
+  }
+}
+
+Id getAssociatedObject(Id obj, const void* key) {
+  if (!obj) return nullptr;
+  for (const auto& [k, v] : obj->associated)
+    if (k == key) return v;
+  return nullptr;
+}
+
+}  // namespace rt

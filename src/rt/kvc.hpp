@@ -1,0 +1,23 @@
+// Key-value coding, as Foundation does it: valueForKey: tries the accessor
+// methods get<Key>, <key>, is<Key>, _<key>, then the instance variables
+// _<key>, _is<Key>, <key>, is<Key>, boxing scalars in NSNumber; dictionaries
+// answer with objectForKey:; an unknown key raises NSUnknownKeyException.
+#pragma once
+
+#include <string_view>
+
+#include "rt/types.hpp"
+
+namespace rt {
+
+// [obj valueForKey:key]. Nil for a nil object. Raises as the object does.
+Id valueForKey(Id obj, std::string_view key);
+// [obj setValue:value forKey:key]: set<Key>: then the same instance variables;
+// scalars are unboxed. Raises NSUnknownKeyException for an unknown key.
+void setValueForKey(Id obj, Id value, std::string_view key);
+
+// valueForKey: that swallows the exception of an unknown or failing key and
+// answers nil, the way the system probes host objects key by key.
+Id probeKey(Id obj, std::string_view key);
+
+}  // namespace rt

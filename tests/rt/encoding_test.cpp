@@ -1,0 +1,62 @@
+// The type-encoding walker and the C++-to-encoding mapping.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "rt/encoding.hpp"
+
+namespace {
+
+std::vector<std::string> walk(const char* types) {
+  std::vector<std::string> out;
+  for (const char* p = types; *p;) {
+    const char* next = rt::skipType(p);
+    out.emplace_back(p, next);
+    if (next == p) break;
+    p = next;
+  }
+  return out;
+}
+
+TEST(Encoding, WalksMethodEncodingsWithTheirOffsets) {
+  EXPECT_EQ(walk("v24@0:8I16"), (std::vector<std::string>{"v24", "@0", ":8", "I16"}));
+  EXPECT_EQ(walk("B32@0:8@16@?24"), (std::vector<std::string>{"B32", "@0", ":8", "@16", "@?24"}));
+  EXPECT_EQ(walk("v40@0:8{CGRect={CGPoint=dd}{CGSize=dd}}16"),
+            (std::vector<std::string>{"v40", "@0", ":8", "{CGRect={CGPoint=dd}{CGSize=dd}}16"}));
+  EXPECT_EQ(walk("r^v16@0:8"), (std::vector<std::string>{"r^v16", "@0", ":8"}));
+  EXPECT_EQ(walk("@\"NSString\"16@0:8"), (std::vector<std::string>{"@\"NSString\"16", "@0", ":8"}));
+  EXPECT_EQ(walk("v@:[4i](u=iq)^^{s}b3"),
+            (std::vector<std::string>{"v", "@", ":", "[4i]", "(u=iq)", "^^{s}", "b3"}));
+  EXPECT_EQ(walk("@?<v@?@>16"), (std::vector<std::string>{"@?<v@?@>16"}));
+}
+
+TEST(Encoding, MalformedEncodingsEndAtTheEndOfTheString) {
+  const char* unclosed = "{CGRect=dd";
+  EXPECT_EQ(*rt::skipType(unclosed), '\0');
+  const char* quote = "@\"NSStr";
+  EXPECT_EQ(*rt::skipType(quote), '\0');
+  const char* empty = "";
+  EXPECT_EQ(rt::skipType(empty), empty);
+  EXPECT_EQ(rt::skipType(nullptr), nullptr);
+  const char* onlyQualifiers = "rn";
+  EXPECT_EQ(*rt::skipType(onlyQualifiers), '\0');
+}
+
+TEST(Encoding, NormalizedFormDropsOffsetsQualifiersAndObjectDetail) {
+  EXPECT_EQ(rt::normalizedEncoding("v24@0:8I16"), "v@:I");
+  EXPECT_EQ(rt::normalizedEncoding("v32@0:8@?16@\"NSString\"24"), "v@:@@");
+  EXPECT_EQ(rt::normalizedEncoding("r*16@0:8"), "*@:");
+  EXPECT_EQ(rt::normalizedEncoding(""), "");
+}
+
+TEST(Encoding, SignaturesOfCppFunctionTypes) {
+  EXPECT_EQ((rt::signature<void>()), "v@:");
+  EXPECT_EQ((rt::signature<bool, rt::Id, long>()), "B@:@q");
+  EXPECT_EQ((rt::signature<rt::Id, unsigned, unsigned long, rt::SEL, rt::Class>()), "@@:IQ:#");
+  EXPECT_EQ((rt::signature<void, rt::CGRect, double, const char*>()), "v@:{CGRect={CGPoint=dd}{CGSize=dd}}d*");
+  EXPECT_EQ((rt::signature<void, rt::IMP*, int*>()), "v@:^^?^i");
+  EXPECT_EQ(rt::normalizedEncoding("v24@0:8Q16"), (rt::signature<void, unsigned long>()));
+}
+
+}  // namespace

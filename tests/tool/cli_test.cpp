@@ -1,0 +1,142 @@
+// The simulator's command line: exit statuses, FILE:LINE errors, the summary
+// line and the lifecycle commands.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <unistd.h>
+
+#include "runner.hpp"
+#include "sys/files.hpp"
+
+namespace {
+
+class Cli : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir = std::filesystem::temp_directory_path() / ("quenby-cli-" + std::to_string(::getpid()) + "-" +
+                                                     ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::create_directories(dir);
+  }
+  void TearDown() override { std::filesystem::remove_all(dir); }
+
+  std::string script(const std::string& name, const std::string& text) {
+    std::string path = (dir / name).string();
+    std::ofstream(path) << text;
+    return path;
+  }
+  int run(const std::vector<std::string>& files, qbsim::SimOptions options = {}) {
+    out.str("");
+    return qbsim::runFiles(files, options, out);
+  }
+
+  std::filesystem::path dir;
+  std::ostringstream out;
+};
+
+TEST_F(Cli, APassingScriptExitsZeroWithTheSummary) {
+  std::string f = script("ok.qbs",
+                         "# a comment\n"
+                         "clock 07:59   # trailing comment\n"
+                         "launch\n"
+                         "wait 0.5\n"
+                         "background\n"
+                         "foreground\n"
+                         "quit\n"
+                         "launch\n"
+                         "expect no-log \"never written\"\n");
+  EXPECT_EQ(run({f}), 0) << out.str();
+  EXPECT_NE(out.str().find("PASS " + f), std::string::npos);
+  EXPECT_NE(out.str().find("\n1 passed, 0 failed\n"), std::string::npos) << out.str();
+}
+
+TEST_F(Cli, AFailingExpectationExitsOneNamingFileAndLine) {
+  std::string f = script("fail.qbs", "launch\n\nexpect log \"[QB] nothing like this\"\nquit\n");
+  EXPECT_EQ(run({f}), 1);
+  EXPECT_NE(out.str().find(f + ":3: expect log \"[QB] nothing like this\": got "), std::string::npos) << out.str();
+  EXPECT_NE(out.str().find("0 passed, 1 failed"), std::string::npos);
+}
+
+TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
+  struct Case {
+    const char* text;
+    const char* message;
+  } cases[] = {
+      {"frobnicate\n", ":1: unknown command 'frobnicate'"},
+      {"launch\nlaunch\n", ":2: launch: the app is already running"},
+      {"background\n", ":1: background: the app is not running"},
+      {"launch\nforeground\n", ":2: foreground: the app is already in the foreground"},
+      {"clock 25:00\n", ":1: bad time '25:00'"},
+      {"clock 7\n", ":1: bad time '7'"},
+      {"wait soon\n", ":1: bad duration 'soon'"},
+      {"wait -1\n", ":1: bad duration '-1'"},
+      {"expect log \"unterminated\n", ":1: missing closing quote"},
+      {"show nothing\n", ":1: unknown show 'nothing'"},
+      {"quit\n", ":1: quit: the app is not running"},
+      {"expect file\n", ":1: usage: expect file KEY VALUE"},
+  };
+  for (const Case& c : cases) {
+    std::string f = script("err.qbs", c.text);
+    EXPECT_EQ(run({f}), 2) << c.text;
+    EXPECT_NE(out.str().find(f + c.message), std::string::npos) << c.text << " → " << out.str();
+  }
+}
+
+TEST_F(Cli, SeveralFilesRunOnNewDevicesAndTheWorstStatusWins) {
+  std::string ok = script("a.qbs", "launch\n");
+  std::string bad = script("b.qbs", "launch\nexpect log \"x\"\n");
+  std::string err = script("c.qbs", "nope\n");
+  EXPECT_EQ(run({ok, bad, ok}), 1);
+  EXPECT_NE(out.str().find("2 passed, 1 failed"), std::string::npos);
+  EXPECT_EQ(run({bad, err}), 2);
+  EXPECT_EQ(run({(dir / "missing.qbs").string()}), 2);
+}
+
+TEST_F(Cli, ExpectFileReadsTheSettingsFileInTheContainer) {
+  std::string container = (dir / "container").string();
+  std::filesystem::create_directories(container + "/Documents/Quenby");
+  base::Dictionary d;
+  d.emplace_back("password", base::Value("7351"));
+  d.emplace_back("shakeHide", base::Value(false));
+  d.emplace_back("secretNotifyMode", base::Value(1));
+  d.emplace_back("secrets", base::Value(base::Array{base::Value("bob"), base::Value("alice")}));
+  d.emplace_back("tags", base::Value(base::Array{base::Value("x"), base::Value("y")}));
+  ASSERT_TRUE(sys::writePropertyList(container + "/Documents/Quenby/config.plist", base::Value(d),
+                                     sys::PlistFormat::Binary));
+  qbsim::SimOptions options;
+  options.container = container;
+  std::string good = script("good.qbs",
+                            "expect file password 7351\n"
+                            "expect file shakeHide false\n"
+                            "expect file secretNotifyMode 1\n"
+                            "expect file secrets [alice bob]\n"
+                            "expect file tags [x y]\n");
+  EXPECT_EQ(run({good}, options), 0) << out.str();
+  for (const char* line : {"expect file shakeHide true\n", "expect file secretNotifyMode 2\n",
+                           "expect file secrets [alice]\n", "expect file tags [y x]\n", "expect file password 1234\n",
+                           "expect file missingKey 1\n"}) {
+    std::string f = script("bad.qbs", line);
+    EXPECT_EQ(run({f}, options), 1) << line << out.str();
+  }
+  std::string noFile = script("nofile.qbs", "expect file password 7351\n");
+  EXPECT_EQ(run({noFile}), 1);
+  EXPECT_NE(out.str().find("got no settings file"), std::string::npos);
+}
+
+TEST_F(Cli, TheReplReportsErrorsAndGoesOn) {
+  std::istringstream in("launch\nnope\nwait 1\nexpect log \"x\"\n");
+  std::ostringstream o;
+  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 2);
+  EXPECT_NE(o.str().find("repl:2: unknown command 'nope'"), std::string::npos) << o.str();
+  EXPECT_NE(o.str().find("repl:4: expect log \"x\": got"), std::string::npos) << o.str();
+}
+
+TEST_F(Cli, TheDemoRunsToTheEnd) {
+  std::ostringstream o;
+  EXPECT_EQ(qbsim::runDemo({}, o), 0) << o.str();
+  EXPECT_NE(o.str().find("The demo ran to the end."), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,65 @@
+// One simulated device and the app process running on it, driven command by
+// command. A script file, the REPL and the demo each run on their own session.
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sim/device.hpp"
+#include "sim/process.hpp"
+
+namespace qbsim {
+
+struct SimOptions {
+  std::string container;  // empty: a fresh temporary container
+  bool trace = false;
+  std::uint64_t seed = 1;
+};
+
+// A command that cannot be run as written: exit status 2.
+struct ScriptError {
+  std::string message;
+};
+// An expectation that did not hold, or an app that crashed: exit status 1.
+struct ExpectFailure {
+  std::string message;
+};
+
+class Session {
+ public:
+  Session(const SimOptions& options, std::ostream& out);
+  ~Session();
+
+  sim::Device& device() { return *device_; }
+  // The running app's process, or null when the app is not running.
+  sim::Process* process() { return process_.get(); }
+  // The running process; a script error naming `command` when there is none.
+  sim::Process& requireProcess(std::string_view command);
+
+  void launch();
+  void quit();
+  // Runs what is due now, then fails if the app crashed or a call broke the
+  // runtime's type rules.
+  void settle();
+  // Advances virtual time with the app running or not.
+  void advance(double seconds);
+
+  std::ostream& out() { return out_; }
+  bool trace() const { return options_.trace; }
+  // The settings file of the app in this device's container.
+  std::string settingsPath() const;
+
+ private:
+  SimOptions options_;
+  std::ostream& out_;
+  std::unique_ptr<sim::Device> device_;
+  std::unique_ptr<sim::Process> process_;
+  std::size_t violationsSeen_ = 0;
+};
+
+std::string formatLogTime(const sim::LogLine& line);
+
+}  // namespace qbsim
