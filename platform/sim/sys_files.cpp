@@ -30,11 +30,13 @@ std::optional<base::Value> readPropertyList(const std::string& path) {
 }
 
 bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format) {
-  sim::Faults& faults = sim::currentProcess().device().faults();
   sim::WriteFault fault = sim::WriteFault::None;
-  if (faults.crashBeforeRename) {
-    faults.crashBeforeRename = false;
-    fault = sim::WriteFault::CrashBeforeRename;
+  if (sim::hasCurrentProcess()) {
+    sim::Faults& faults = sim::currentProcess().device().faults();
+    if (faults.crashBeforeRename) {
+      faults.crashBeforeRename = false;
+      fault = sim::WriteFault::CrashBeforeRename;
+    }
   }
   return sim::writeFileAtomically(path, sim::encodePlist(value, format), fault);
 }
