@@ -10,6 +10,7 @@ const CommandTable& commandTable() {
     addLifecycleCommands(t);
     addLogCommands(t);
     addFileCommands(t);
+    addStateCommands(t);
     return t;
   }();
   return table;

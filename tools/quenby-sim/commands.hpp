@@ -44,5 +44,6 @@ void requireWords(const Command& c, std::size_t min, std::size_t max, const std:
 void addLifecycleCommands(CommandTable& table);
 void addLogCommands(CommandTable& table);
 void addFileCommands(CommandTable& table);
+void addStateCommands(CommandTable& table);
 
 }  // namespace qbsim

@@ -1,11 +1,13 @@
 #include "launch_hooks.hpp"
 
+#include "core/startup.hpp"
+
 namespace qbsim {
 
 sim::LaunchHooks launchHooks(Session&) {
-  // The library's entry point and the simulated host app join here as they
-  // are built; until then a launch is the bare platform launch sequence.
-  return sim::LaunchHooks{};
+  sim::LaunchHooks hooks;
+  hooks.libraryEntry = core::libraryEntry;
+  return hooks;
 }
 
 }  // namespace qbsim

@@ -73,6 +73,17 @@ void Session::advance(double seconds) {
   settle();
 }
 
+void Session::withLibrary(const std::function<void()>& work) {
+  if (process_) {
+    process_->runGuarded(work);
+    settle();
+    return;
+  }
+  sim::Process scratch(*device_);
+  scratch.runGuarded(work);
+  if (scratch.crashed()) throw ExpectFailure{"app crashed: " + scratch.crashReason()};
+}
+
 std::string Session::settingsPath() const { return device_->documentsPath() + "/Quenby/config.plist"; }
 
 }  // namespace qbsim

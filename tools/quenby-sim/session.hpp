@@ -2,6 +2,7 @@
 // command. A script file, the REPL and the demo each run on their own session.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -46,6 +47,10 @@ class Session {
   void settle();
   // Advances virtual time with the app running or not.
   void advance(double seconds);
+  // Runs library code the way the panel would: in the running app, or, when
+  // the app is not running, in a short-lived process that only loads the
+  // library's settings (as a panel edit before launch would leave the file).
+  void withLibrary(const std::function<void()>& work);
 
   std::ostream& out() { return out_; }
   bool trace() const { return options_.trace; }

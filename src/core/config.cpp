@@ -1,0 +1,172 @@
+// The settings file: where it lives, how load migrates and repairs what it
+// finds there, and the 17 keys save writes.
+#include "core/config.hpp"
+
+#include "core/process_state.hpp"
+#include "sys/files.hpp"
+
+namespace core {
+namespace {
+
+struct ConfigSlot {
+  std::once_flag once;
+  std::unique_ptr<QBConfig> config;
+};
+
+bool boolOr(const base::Value& root, const char* key, bool fallback) {
+  const base::Value* v = root.find(key);
+  return v ? v->boolValue().value_or(fallback) : fallback;
+}
+
+// integerValue of a present key that answers it; nullopt otherwise.
+std::optional<long> integerOf(const base::Value& root, const char* key) {
+  const base::Value* v = root.find(key);
+  return v ? v->integerValue() : std::nullopt;
+}
+
+// Modes are compared unsigned, so a negative one is out of range too.
+long inRange(long v, unsigned long max) { return static_cast<unsigned long>(v) <= max ? v : 0; }
+
+bool hasKey(const base::Value& root, const char* key) { return root.find(key) != nullptr; }
+
+}  // namespace
+
+QBConfig& QBConfig::shared() {
+  ConfigSlot& slot = state<ConfigSlot>();
+  std::call_once(slot.once, [&] {
+    slot.config = std::make_unique<QBConfig>();
+    slot.config->load();
+  });
+  return *slot.config;
+}
+
+std::string QBConfig::configURL() {
+  std::string folder = sys::documentsDirectory() + "/Quenby";
+  sys::createDirectories(folder);
+  return folder + "/config.plist";
+}
+
+std::string QBConfig::password() const {
+  std::lock_guard lock(lock_);
+  return password_;
+}
+
+void QBConfig::setPassword(std::string v) {
+  std::lock_guard lock(lock_);
+  password_ = std::move(v);
+}
+
+DailyWindows QBConfig::dailyWindows() const {
+  std::lock_guard lock(lock_);
+  return dailyWindows_;
+}
+
+void QBConfig::setDailyWindowsField(DailyWindows v) {
+  std::lock_guard lock(lock_);
+  dailyWindows_ = std::move(v);
+}
+
+void QBConfig::load() {
+  std::optional<base::Value> file = sys::readPropertyList(configURL());
+  applySettings(file ? *file : base::Value());
+}
+
+void QBConfig::applySettings(const base::Value& file) {
+  static const base::Value kEmpty{base::Dictionary{}};
+  const base::Value& root = file.isDictionary() ? file : kEmpty;
+  std::lock_guard lock(lock_);
+
+  const base::Value* pw = root.find("password");
+  password_ = pw && pw->isString() ? *pw->asString() : kDefaultPassword;
+  unlocked_ = false;
+
+  bool toggle = boolOr(root, "shakeToggle", true);
+  shakeHide_ = boolOr(root, "shakeHide", toggle);
+  shakeShow_ = boolOr(root, "shakeShow", toggle);
+  showNeedsAuth_ = boolOr(root, "showNeedsAuth", true);
+  longPress_ = boolOr(root, "longPressUnlock", true);
+  passwordFallback_ = boolOr(root, "passwordFallback", true);
+
+  long legacy = inRange(integerOf(root, "authMode").value_or(0), 1);
+  panelAuthMode_ = inRange(integerOf(root, "panelAuthMode").value_or(legacy), 1);
+  revealAuthMode_ = inRange(integerOf(root, "revealAuthMode").value_or(legacy), 1);
+
+  secretNotifyMode_ = inRange(integerOf(root, "secretNotifyMode").value_or(0), 2);
+  // Always re-derived from the notify mode; the stored key is not read.
+  backgroundNotify_ = secretNotifyMode_ != 0;
+  voipVoice_ = boolOr(root, "voipVoiceNotify", false);
+  voipVideo_ = boolOr(root, "voipVideoNotify", false);
+  visibilityControl_ = inRange(integerOf(root, "visibilityControl").value_or(0), 1);
+
+  const base::Value* stored = root.find("dailyWindows");
+  std::optional<DailyWindows> windows = sanitizeWindowsArray(stored ? *stored : base::Value());
+  if (!windows && (hasKey(root, "dailyShowMinute") || hasKey(root, "dailyHideMinute"))) {
+    long show = clampMinute(integerOf(root, "dailyShowMinute").value_or(480));
+    long hide = clampMinute(integerOf(root, "dailyHideMinute").value_or(1320));
+    if (show != hide) windows = DailyWindows{QBWindow(show, hide, 0)};
+  }
+  if (windows && !validateDailyWindows(windowsValue(*windows), nullptr)) {
+    DailyWindows kept;
+    for (const DailyWindow& w : *windows) {
+      DailyWindows trial = kept;
+      trial.push_back(w);
+      if (validateDailyWindows(windowsValue(trial), nullptr)) kept = std::move(trial);
+    }
+    windows = kept.empty() ? std::nullopt : std::optional<DailyWindows>(std::move(kept));
+  }
+  if (!windows || !validateDailyWindows(windowsValue(*windows), nullptr)) windows = defaultDailyWindows();
+  dailyWindows_ = std::move(*windows);
+
+  suppressAutoLock_ = false;
+  suppressSessionApply_ = false;
+
+  std::unordered_set<std::string> secrets;
+  if (const base::Value* s = root.find("secrets"); s && s->isArray()) {
+    for (const base::Value& e : *s->asArray())
+      if (const std::string* name = e.asString(); name && !name->empty()) secrets.insert(*name);
+  }
+  secrets_ = std::move(secrets);
+}
+
+base::Value QBConfig::settingsDictionary() {
+  DailyWindows windows;
+  std::string pw;
+  base::Array secrets;
+  {
+    std::lock_guard lock(lock_);
+    windows = dailyWindows_;
+    pw = password_;
+    secrets.reserve(secrets_.size());
+    for (const std::string& s : secrets_) secrets.emplace_back(s);
+  }
+  base::Value storedWindows = windowsValue(windows);
+  if (!validateDailyWindows(storedWindows, nullptr)) storedWindows = windowsValue(defaultDailyWindows());
+  long panel = panelAuthMode();
+  return base::Value(base::Dictionary{
+      {"password", base::Value(pw)},
+      {"secrets", base::Value(std::move(secrets))},
+      {"shakeToggle", base::Value(shakeToggleEnabled())},
+      {"shakeHide", base::Value(shakeHideEnabled())},
+      {"shakeShow", base::Value(shakeShowEnabled())},
+      {"showNeedsAuth", base::Value(showNeedsAuth())},
+      {"longPressUnlock", base::Value(longPressUnlockEnabled())},
+      {"passwordFallback", base::Value(passwordFallbackEnabled())},
+      {"panelAuthMode", base::Value(panel)},
+      {"revealAuthMode", base::Value(revealAuthMode())},
+      {"authMode", base::Value(panel)},
+      {"secretNotifyMode", base::Value(secretNotifyMode())},
+      {"backgroundNotify", base::Value(backgroundNotifyEnabled())},
+      {"voipVoiceNotify", base::Value(voipVoiceNotifyEnabled())},
+      {"voipVideoNotify", base::Value(voipVideoNotifyEnabled())},
+      {"visibilityControl", base::Value(visibilityControlMode())},
+      {"dailyWindows", std::move(storedWindows)},
+  });
+}
+
+void QBConfig::save() {
+  // The snapshot is taken under the lock; the write happens outside it.
+  base::Value dict = settingsDictionary();
+  sys::writePropertyList(configURL(), dict);
+}
+
+}  // namespace core

@@ -1,0 +1,47 @@
+// The library's process-wide state. Each class keeps its own small struct
+// (stored originals, throttle times, once-only flags); all of them hang off
+// one ProcessState that the process creates once, so a new process, on the
+// phone or in the simulation, starts from scratch.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace core {
+
+class ProcessState {
+ public:
+  // The state struct of type T, default-constructed on first use; it lives as
+  // long as the process.
+  template <typename T>
+  T& get() {
+    std::size_t slot = slotOf<T>();
+    std::lock_guard lock(mutex_);
+    if (slots_.size() <= slot) slots_.resize(slot + 1);
+    if (!slots_[slot]) slots_[slot] = std::make_shared<T>();
+    return *static_cast<T*>(slots_[slot].get());
+  }
+
+ private:
+  static std::size_t nextSlot();
+  template <typename T>
+  static std::size_t slotOf() {
+    static const std::size_t slot = nextSlot();
+    return slot;
+  }
+
+  std::mutex mutex_;
+  std::vector<std::shared_ptr<void>> slots_;
+};
+
+ProcessState& processState();
+
+template <typename T>
+T& state() {
+  return processState().get<T>();
+}
+
+}  // namespace core

@@ -1,0 +1,92 @@
+// The secret set and the hidden/revealed state: the password check that
+// reveals, and the one deferred notification by which every hook learns that
+// the state changed.
+#include "core/config.hpp"
+#include "rt/exception.hpp"
+#include "sys/log.hpp"
+#include "sys/notifications.hpp"
+#include "sys/queue.hpp"
+
+namespace core {
+
+bool QBConfig::isSecretUser(std::string_view username) const {
+  if (username.empty()) return false;
+  std::lock_guard lock(lock_);
+  return secrets_.count(std::string(username)) != 0;
+}
+
+void QBConfig::addSecretUser(std::string_view username) {
+  if (username.empty()) return;
+  {
+    std::lock_guard lock(lock_);
+    secrets_.insert(std::string(username));
+  }
+  save();
+}
+
+void QBConfig::removeSecretUser(std::string_view username) {
+  if (username.empty()) return;
+  {
+    std::lock_guard lock(lock_);
+    secrets_.erase(std::string(username));
+  }
+  save();
+}
+
+void QBConfig::clearAllSecretUsers() {
+  {
+    std::lock_guard lock(lock_);
+    secrets_.clear();
+  }
+  save();
+}
+
+std::unordered_set<std::string> QBConfig::secretSnapshot() const {
+  std::lock_guard lock(lock_);
+  return secrets_;
+}
+
+long QBConfig::secretCount() const {
+  std::lock_guard lock(lock_);
+  return long(secrets_.size());
+}
+
+bool QBConfig::shouldHideSecrets() const { return secretCount() > 0 && !unlocked(); }
+
+void QBConfig::lock() {
+  if (!unlocked()) return;
+  setUnlocked(false);
+  notifyStateChangedDeferred();
+}
+
+bool QBConfig::tryUnlockSilentWithPassword(std::string_view entered) {
+  std::string expected = password();
+  if (expected.empty()) expected = kDefaultPassword;
+  if (entered != expected) return false;
+  setUnlocked(true);
+  return true;
+}
+
+bool QBConfig::tryUnlockWithPassword(std::string_view entered) {
+  if (!tryUnlockSilentWithPassword(entered)) return false;
+  notifyStateChangedDeferred();
+  return true;
+}
+
+void QBConfig::requestVisibilitySync() { notifyStateChangedDeferred(); }
+
+void QBConfig::notifyStateChangedDeferred() {
+  // The hop and the delay let the transition under way (an alert closing, a
+  // view appearing) finish before the lists are rebuilt. Never coalesced.
+  sys::async([] {
+    sys::after(0.35, [] {
+      try {
+        sys::postNotification(kSecretStateChanged);
+      } catch (...) {
+        sys::log("[QB] notify ex: %@", rt::describeCurrentException());
+      }
+    });
+  });
+}
+
+}  // namespace core

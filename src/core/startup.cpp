@@ -1,0 +1,82 @@
+#include "core/startup.hpp"
+
+#include "core/config.hpp"
+#include "core/process_state.hpp"
+#include "hiding/contact_hooks.hpp"
+#include "hiding/extra_hooks.hpp"
+#include "hiding/session_hooks.hpp"
+#include "notify/notify_hooks.hpp"
+#include "rt/exception.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/log.hpp"
+#include "sys/queue.hpp"
+#include "triggers/auto_lock.hpp"
+#include "triggers/entry_hooks.hpp"
+#include "triggers/schedule.hpp"
+#include "triggers/shake_hooks.hpp"
+#include "triggers/unlock.hpp"
+
+namespace core {
+namespace {
+
+using hiding::QBSessionHooks;
+
+struct StartupState {
+  bool fullInstallDone = false;  // step C runs at most once per process
+};
+
+void delayedReapply() {
+  QBConfig& c = QBConfig::shared();
+  // Read afresh: a reveal or an authentication screen since step C cancels it.
+  if (!c.suppressAutoLock() && !c.suppressSessionApply() && !c.unlocked() && c.secretCount() > 0) {
+    QBSessionHooks::refreshFilterCache();
+    QBSessionHooks::softReloadMainFrame();
+  }
+}
+
+void stepC() {
+  StartupState& s = state<StartupState>();
+  if (s.fullInstallDone) return;
+  s.fullInstallDone = true;
+  QBConfig& c = QBConfig::shared();
+  c.setUnlocked(false);
+  QBSessionHooks::install();
+  QBSessionHooks::refreshFilterCache();
+  hiding::QBContactHooks::install();
+  hiding::QBExtraHooks::install();
+  notify::QBNotifyHooks::install();
+  triggers::QBAutoLock::install();
+  triggers::QBSchedule::install();
+  triggers::QBUnlock::installLongPressWake();
+  // The shake hooks are reached only through their runtime class's name.
+  rt::Class shake = rt::getClass("QBShakeHooks");
+  if (shake && rt::respondsTo(rt::toId(shake), rt::sel("install"))) rt::send<void>(shake, "install");
+  if (c.shouldHideSecrets()) QBSessionHooks::softReloadMainFrame();
+  for (double delay : kReapplyDelays) sys::after(delay, delayedReapply);
+}
+
+void stepB() {
+  try {
+    triggers::QBEntryHooks::install();
+    stepC();
+  } catch (...) {
+    sys::log("[QB] init FATAL: %@", rt::describeCurrentException());
+  }
+}
+
+}  // namespace
+
+void libraryEntry() {
+  // The library's runtime classes exist from the moment it is loaded.
+  triggers::QBShakeHooks::registerRuntimeClass();
+  try {
+    QBConfig::shared().setUnlocked(false);
+    QBSessionHooks::install();
+  } catch (...) {
+    sys::log("[QB] early FATAL: %@", rt::describeCurrentException());
+  }
+  sys::async(stepB);
+}
+
+}  // namespace core
