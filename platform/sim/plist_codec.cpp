@@ -2,6 +2,8 @@
 
 #include <plist/plist.h>
 
+#include "base/utf8.hpp"
+
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -18,6 +20,15 @@ struct PlistFree {
   void operator()(plist_t p) const { plist_free(p); }
 };
 using PlistPtr = std::unique_ptr<void, PlistFree>;
+
+// Foundation refuses a property list whose text is not UTF-8; so does this
+// reader, rather than carry bytes it could never write back.
+struct Malformed {};
+
+std::string checkedText(std::string text) {
+  if (!base::isValidUtf8(text)) throw Malformed{};
+  return text;
+}
 
 std::optional<base::Value> toValue(plist_t node, int depth) {
   if (!node || depth > kMaxDepth) return std::nullopt;
@@ -39,11 +50,11 @@ std::optional<base::Value> toValue(plist_t node, int depth) {
       return base::Value(d);
     }
     case PLIST_STRING: {
-      char* s = nullptr;
-      plist_get_string_val(node, &s);
-      base::Value v(std::string(s ? s : ""));
-      std::free(s);
-      return v;
+      // The pointer form: the copying getter asserts on a string with a NUL
+      // inside, which a damaged binary file can hold.
+      uint64_t length = 0;
+      const char* s = plist_get_string_ptr(node, &length);
+      return base::Value(checkedText(std::string(s ? s : "", s ? length : 0)));
     }
     case PLIST_DATA: {
       char* d = nullptr;
@@ -70,6 +81,7 @@ std::optional<base::Value> toValue(plist_t node, int depth) {
       base::Dictionary out;
       plist_dict_iter it = nullptr;
       plist_dict_new_iter(node, &it);
+      std::unique_ptr<void, decltype(&std::free)> ownedIt(it, &std::free);
       while (it) {
         char* key = nullptr;
         plist_t item = nullptr;
@@ -78,12 +90,12 @@ std::optional<base::Value> toValue(plist_t node, int depth) {
           std::free(key);
           break;
         }
+        std::unique_ptr<char, decltype(&std::free)> ownedKey(key, &std::free);
         if (key) {
-          if (auto v = toValue(item, depth + 1)) out.emplace_back(key, std::move(*v));
+          std::string k = checkedText(key);  // keys come NUL-terminated
+          if (auto v = toValue(item, depth + 1)) out.emplace_back(std::move(k), std::move(*v));
         }
-        std::free(key);
       }
-      std::free(it);
       return base::Value(std::move(out));
     }
     default:
@@ -138,7 +150,11 @@ std::optional<base::Value> decodePlist(std::string_view bytes) {
   }
   PlistPtr owner(root);
   if (!root) return std::nullopt;
-  return toValue(root, 0);
+  try {
+    return toValue(root, 0);
+  } catch (const Malformed&) {
+    return std::nullopt;
+  }
 }
 
 std::string encodePlist(const base::Value& value, sys::PlistFormat format) {

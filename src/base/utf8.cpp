@@ -53,6 +53,14 @@ void appendUtf8(std::string& out, char32_t cp) {
   }
 }
 
+bool isValidUtf8(std::string_view s) {
+  for (std::size_t i = 0; i < s.size();) {
+    std::size_t at = i;
+    if (decodeUtf8(s, i) == 0xFFFD && !(i - at == 3 && s.substr(at, 3) == "\xEF\xBF\xBD")) return false;
+  }
+  return true;
+}
+
 std::size_t codePointCount(std::string_view s) {
   std::size_t n = 0;
   for (std::size_t i = 0; i < s.size(); ++n) decodeUtf8(s, i);

@@ -15,6 +15,8 @@ char32_t decodeUtf8(std::string_view s, std::size_t& i);
 void appendUtf8(std::string& out, char32_t cp);
 
 std::size_t codePointCount(std::string_view s);
+// True when every byte sequence is a well-formed UTF-8 code point.
+bool isValidUtf8(std::string_view s);
 
 // Simple (one-to-one) case mapping for Latin (ASCII, Latin-1, Latin
 // Extended-A), Greek and Cyrillic; other characters are unchanged. Enough for

@@ -6,6 +6,7 @@
 
 #include "sim/device.hpp"
 #include "sim/process.hpp"
+#include "support/value_printer.hpp"
 
 namespace qbtest {
 

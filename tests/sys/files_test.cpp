@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "sim/plist_codec.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
 
@@ -57,6 +58,45 @@ TEST_F(ContainerFiles, ADamagedFileReadsAsNothing) {
   EXPECT_EQ(sys::readPropertyList(file()), std::nullopt);
   std::ofstream(file()) << "not a property list";
   EXPECT_EQ(sys::readPropertyList(file()), std::nullopt);
+}
+
+TEST(PlistCodec, TextThatIsNotUtf8IsNotAPropertyList) {
+  std::string xml = sim::encodePlist(base::Value(base::Dictionary{{"password", base::Value("alice")}}),
+                                     sys::PlistFormat::Xml);
+  ASSERT_TRUE(sim::decodePlist(xml));
+  std::string broken = xml;
+  broken[broken.find("alice")] = '\xff';
+  EXPECT_EQ(sim::decodePlist(broken), std::nullopt) << "Foundation refuses it; so do we";
+}
+
+TEST(PlistCodec, AStringWithANulInsideDoesNotCrashTheReader) {
+  // A binary list whose string holds "a\0b" (as a damaged or hostile file can).
+  const unsigned char bytes[] = {
+      'b', 'p', 'l', 'i', 's', 't', '0', '0', 0xd1, 0x01, 0x02, 0x58, 'p', 'a', 's', 's', 'w', 'o', 'r', 'd',
+      0x53, 'a', 0x00, 'b', 0x08, 0x0b, 0x14, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0,
+      0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x18};
+  auto v = sim::decodePlist(std::string_view(reinterpret_cast<const char*>(bytes), sizeof bytes));
+  ASSERT_TRUE(v);
+  ASSERT_TRUE(v->find("password"));
+  EXPECT_EQ(v->find("password")->asString()->substr(0, 1), "a") << "libplist keeps the text up to the NUL";
+}
+
+TEST(PlistCodec, EveryTypeRoundTripsInBothForms) {
+  base::Value v(base::Dictionary{
+      {"b", base::Value(true)},
+      {"i", base::Value(-42)},
+      {"big", base::Value(9223372036854775807LL)},
+      {"r", base::Value(0.25)},
+      {"s", base::Value("密友 ✓")},
+      {"d", base::Value(base::Data{0, 1, 255})},
+      {"t", base::Value(base::Date{817128000})},
+      {"a", base::Value(base::Array{base::Value(1), base::Value(base::Array{}), base::Value(base::Dictionary{})})},
+  });
+  for (sys::PlistFormat f : {sys::PlistFormat::Xml, sys::PlistFormat::Binary})
+    EXPECT_EQ(sim::decodePlist(sim::encodePlist(v, f)), v);
+  base::Value withNull(base::Array{base::Value(1), base::Value(), base::Value(2)});
+  EXPECT_EQ(sim::decodePlist(sim::encodePlist(withNull, sys::PlistFormat::Binary)),
+            base::Value(base::Array{base::Value(1), base::Value(2)})) << "property lists have no null";
 }
 
 }  // namespace

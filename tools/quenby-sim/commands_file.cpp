@@ -35,12 +35,12 @@ bool matches(const std::string& key, const base::Value& v, const std::string& te
   if (const std::string* s = v.asString()) return *s == text;
   if (const base::Array* a = v.asArray()) {
     if (text.size() < 2 || text.front() != '[' || text.back() != ']') return false;
-    std::vector<std::string> want = arrayWords(text);
     std::vector<std::string> got;
     for (const base::Value& e : *a) {
-      if (!e.isString()) return false;
+      if (!e.isString()) return base::describe(v) == text;  // e.g. the window dictionaries
       got.push_back(*e.asString());
     }
+    std::vector<std::string> want = arrayWords(text);
     if (key == "secrets") {
       std::sort(want.begin(), want.end());
       want.erase(std::unique(want.begin(), want.end()), want.end());

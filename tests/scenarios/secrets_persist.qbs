@@ -1,0 +1,21 @@
+# Secrets marked before launch and while running survive a restart; every
+# launch starts hidden, whatever the last run ended in.
+secret alice
+secret team@chatroom
+launch
+expect hidden
+secret bob
+unsecret team@chatroom
+quit
+launch
+expect hidden
+expect file secrets [alice bob]
+setting secretNotifyMode 2
+expect file backgroundNotify true
+setting password 123
+expect file password 7351
+setting password 2468
+expect file password 2468
+quit
+launch
+expect hidden
