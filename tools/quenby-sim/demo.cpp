@@ -18,14 +18,20 @@ struct Step {
 const std::vector<Step>& demoSteps() {
   static const std::vector<Step> steps = {
       {"A simulated phone. Its clock reads 08:00; time only moves when the script says so.", {"clock 08:00"}},
-      {"The host app starts cold, with the library loaded, and comes to the foreground.", {"launch"}},
-      {"Half a minute passes in virtual time: nothing sleeps, the queue just runs what falls due.",
-       {"wait 30"}},
-      {"The user leaves the app and comes back: the platform posts its application and scene "
-       "notifications in order.",
-       {"background", "wait 5", "foreground"}},
-      {"The app is ended; the container on disk survives, and the next launch is a cold start.",
-       {"quit", "launch"}},
+      {"Before the app starts, the user has marked two contacts as secret (密友): a friend and a group chat. "
+       "The settings file in the app's container now holds them.",
+       {"secret alice", "secret team@chatroom", "expect file secrets [alice team@chatroom]"}},
+      {"The host app starts cold with the library loaded. Every start is hidden, whatever the last run ended in.",
+       {"launch", "expect hidden", "show state"}},
+      {"Messages from secrets should only vibrate while hidden; the change is saved at once.",
+       {"setting secretNotifyMode 1", "expect file secretNotifyMode 1", "expect file backgroundNotify true"}},
+      {"A schedule for later: show the secrets from 08:00 to 13:00, hide them across the night.",
+       {"setting dailyWindows 08:00-13:00 show 22:00-06:00 hide",
+        "expect file dailyWindows [{start = 480; end = 780; mode = 0}, {start = 1320; end = 360; mode = 1}]"}},
+      {"The user leaves the app and comes back; half a minute passes in virtual time.",
+       {"background", "wait 30", "foreground"}},
+      {"The app is ended and started again: the settings survive, and the secrets are hidden again.",
+       {"quit", "launch", "expect hidden", "show config"}},
       {"Everything the library wrote to the log so far:", {"show log"}},
   };
   return steps;
