@@ -87,7 +87,7 @@ char32_t toLower(char32_t cp) {
   if (cp == 0x130) return 'i';
   if (pairedEvenOdd(cp)) return cp % 2 == 0 ? cp + 1 : cp;
   if (pairedOddEven(cp)) return cp % 2 == 1 ? cp + 1 : cp;
-  if (cp >= 0x391 && cp <= 0x3A9 && cp != 0x3A2) return cp + 32;
+  if (cp >= 0x391 && cp <= 0x3AB && cp != 0x3A2) return cp + 32;
   switch (cp) {
     case 0x386: return 0x3AC;
     case 0x388: return 0x3AD;
@@ -113,7 +113,7 @@ char32_t toUpper(char32_t cp) {
   if (pairedEvenOdd(cp)) return cp % 2 == 1 ? cp - 1 : cp;
   if (pairedOddEven(cp)) return cp % 2 == 0 ? cp - 1 : cp;
   if (cp == 0x3C2) return 0x3A3;
-  if (cp >= 0x3B1 && cp <= 0x3C9) return cp - 32;
+  if (cp >= 0x3B1 && cp <= 0x3CB) return cp - 32;
   switch (cp) {
     case 0x3AC: return 0x386;
     case 0x3AD: return 0x388;

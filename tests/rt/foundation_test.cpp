@@ -3,11 +3,13 @@
 
 #include <algorithm>
 
+#include "base/utf8.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/icu_text.hpp"
 #include "support/sim_world.hpp"
 
 namespace {
@@ -49,6 +51,27 @@ TEST_F(Foundation, StringsCompareByTextAndCountUtf16) {
   EXPECT_EQ(rt::lowercase("VERSION Ünïcode ΣΑΣ"), "version ünïcode σας") << "full Unicode mapping, final sigma";
   EXPECT_EQ(rt::nonEmptyString(rt::str("")), std::nullopt);
   EXPECT_EQ(rt::asString(rt::number(1)), std::nullopt);
+}
+
+TEST_F(Foundation, TheBaseCaseMappingAgreesWithIcuWhereItClaimsCoverage) {
+  const std::pair<char32_t, char32_t> ranges[] = {{0x41, 0x7A}, {0xC0, 0xFE}, {0x100, 0x17F}, {0x386, 0x3CE},
+                                                  {0x400, 0x45F}, {0x460, 0x481}, {0x48A, 0x4BF}};
+  int compared = 0;
+  for (auto [from, to] : ranges) {
+    for (char32_t cp = from; cp <= to; ++cp) {
+      if (cp == 0x130 || cp == 0x149) continue;  // ICU expands these to two characters
+      std::string one;
+      base::appendUtf8(one, cp);
+      EXPECT_EQ(base::lowercase(one), rt::lowercase(one)) << "U+" << std::hex << unsigned(cp);
+      // ICU's full mapping expands these to several characters.
+      bool expands = cp == 0xDF || cp == 0x390 || cp == 0x3B0;
+      if (!expands) {
+        EXPECT_EQ(base::uppercase(one), sim::icuUppercase(one)) << "U+" << std::hex << unsigned(cp);
+      }
+      ++compared;
+    }
+  }
+  EXPECT_GT(compared, 500);
 }
 
 TEST_F(Foundation, LocalizedStandardCompareIsNumericAwareAndUsesTheChineseLocale) {

@@ -1,0 +1,56 @@
+// UTF-8 decoding and the simple case mappings.
+#include <gtest/gtest.h>
+
+#include "base/utf8.hpp"
+
+namespace {
+
+std::u32string decodeAll(std::string_view s) {
+  std::u32string out;
+  for (std::size_t i = 0; i < s.size();) out += base::decodeUtf8(s, i);
+  return out;
+}
+
+TEST(Utf8, DecodesAndRejectsMalformedSequences) {
+  EXPECT_EQ(decodeAll("a密😀"), (std::u32string{U'a', U'密', U'😀'}));
+  EXPECT_EQ(decodeAll("\xC0\xAF"), (std::u32string{0xFFFD, 0xFFFD})) << "overlong";
+  EXPECT_EQ(decodeAll("\xE0\x80\xAF"), (std::u32string{0xFFFD, 0xFFFD, 0xFFFD})) << "overlong";
+  EXPECT_EQ(decodeAll("\xED\xA0\x80"), (std::u32string{0xFFFD, 0xFFFD, 0xFFFD})) << "surrogate";
+  EXPECT_EQ(decodeAll("\xF4\x90\x80\x80"), (std::u32string(4, 0xFFFD))) << "above U+10FFFF";
+  EXPECT_EQ(decodeAll("\xE5\xAF"), (std::u32string{0xFFFD, 0xFFFD})) << "truncated";
+  EXPECT_EQ(decodeAll("\xFF" "a"), (std::u32string{0xFFFD, U'a'}));
+  EXPECT_TRUE(base::isValidUtf8("密友 \xEF\xBF\xBD ok"));
+  EXPECT_FALSE(base::isValidUtf8("bad \xFF"));
+  EXPECT_EQ(base::codePointCount("密友ab"), 4u);
+  std::string round;
+  for (char32_t cp : {U'A', U'é', U'密', U'😀'}) base::appendUtf8(round, cp);
+  EXPECT_EQ(round, "Aé密😀");
+}
+
+TEST(Utf8, CaseMappingOfTheCoveredScripts) {
+  EXPECT_EQ(base::lowercase("VERSION Version"), "version version");
+  EXPECT_EQ(base::lowercase("ÀÉÎÕÜ Ÿ"), "àéîõü ÿ");
+  EXPECT_EQ(base::uppercase("àéîõü ÿ ß µ"), "ÀÉÎÕÜ Ÿ ß µ") << "ß and µ have no one-letter capital here";
+  EXPECT_EQ(base::lowercase("ĀĂĄ ĹĻ Ž"), "āăą ĺļ ž");
+  EXPECT_EQ(base::uppercase("ı ſ ĸ ŉ"), "I S ĸ ŉ");
+  EXPECT_EQ(base::lowercase("İ"), "i");
+  EXPECT_EQ(base::lowercase("ΑΒΓ ΆΏ"), "αβγ άώ");
+  EXPECT_EQ(base::uppercase("σας"), "ΣΑΣ") << "final sigma capitalises to Σ";
+  EXPECT_EQ(base::lowercase("ПРИВЕТ ЁЂ Ѡ"), "привет ёђ ѡ");
+  EXPECT_EQ(base::lowercase("密友 123"), "密友 123");
+}
+
+TEST(Utf8, FirstCharacterAndContains) {
+  EXPECT_EQ(base::firstCharacterUpper("alice"), "A");
+  EXPECT_EQ(base::firstCharacterUpper("ñandu"), "Ñ");
+  EXPECT_EQ(base::firstCharacterUpper("张三"), "张");
+  EXPECT_EQ(base::firstCharacterUpper("😀x"), "😀");
+  EXPECT_EQ(base::firstCharacterUpper(""), "");
+  EXPECT_TRUE(base::contains("12345@chatroom", "@chatroom"));
+  EXPECT_FALSE(base::contains("abc", ""));
+  EXPECT_FALSE(base::contains("", "a"));
+  EXPECT_TRUE(base::startsWith("gh_abc", "gh_"));
+  EXPECT_FALSE(base::startsWith("g", "gh_"));
+}
+
+}  // namespace
