@@ -3,6 +3,7 @@
 #include <plist/plist.h>
 
 #include "base/utf8.hpp"
+#include "sim/bplist_reader.hpp"
 
 #include <cstdint>
 #include <cstdlib>
@@ -50,8 +51,6 @@ std::optional<base::Value> toValue(plist_t node, int depth) {
       return base::Value(d);
     }
     case PLIST_STRING: {
-      // The pointer form: the copying getter asserts on a string with a NUL
-      // inside, which a damaged binary file can hold.
       uint64_t length = 0;
       const char* s = plist_get_string_ptr(node, &length);
       return base::Value(checkedText(std::string(s ? s : "", s ? length : 0)));
@@ -140,14 +139,11 @@ plist_t fromValue(const base::Value& v) {
 
 std::optional<base::Value> decodePlist(std::string_view bytes) {
   if (bytes.empty() || bytes.size() > std::numeric_limits<uint32_t>::max()) return std::nullopt;
+  if (plist_is_binary(bytes.data(), uint32_t(bytes.size()))) return readBinaryPlist(bytes);
   plist_t root = nullptr;
-  if (plist_is_binary(bytes.data(), uint32_t(bytes.size()))) {
-    plist_from_bin(bytes.data(), uint32_t(bytes.size()), &root);
-  } else {
-    // The XML parser reads to a terminator; give it its own terminated copy.
-    std::string text(bytes);
-    plist_from_xml(text.c_str(), uint32_t(text.size()), &root);
-  }
+  // The XML parser reads to a terminator; give it its own terminated copy.
+  std::string text(bytes);
+  plist_from_xml(text.c_str(), uint32_t(text.size()), &root);
   PlistPtr owner(root);
   if (!root) return std::nullopt;
   try {

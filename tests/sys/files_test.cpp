@@ -78,7 +78,21 @@ TEST(PlistCodec, AStringWithANulInsideDoesNotCrashTheReader) {
   auto v = sim::decodePlist(std::string_view(reinterpret_cast<const char*>(bytes), sizeof bytes));
   ASSERT_TRUE(v);
   ASSERT_TRUE(v->find("password"));
-  EXPECT_EQ(v->find("password")->asString()->substr(0, 1), "a") << "libplist keeps the text up to the NUL";
+  EXPECT_EQ(*v->find("password")->asString(), std::string("a\0b", 3));
+}
+
+TEST(PlistCodec, DamagedBinaryListsAreRefusedNotFollowed) {
+  std::string good = sim::encodePlist(
+      base::Value(base::Dictionary{{"secrets", base::Value(base::Array{base::Value("a"), base::Value("密友")})}}),
+      sys::PlistFormat::Binary);
+  ASSERT_TRUE(sim::decodePlist(good));
+  for (std::size_t cut = 0; cut < good.size(); ++cut) EXPECT_EQ(sim::decodePlist(good.substr(0, cut)), std::nullopt) << cut;
+  std::string selfReference = good;
+  // Point the array's first element at the top object: a cycle.
+  std::size_t arrayAt = selfReference.find('\xA2');
+  ASSERT_NE(arrayAt, std::string::npos);
+  selfReference[arrayAt + 1] = 0;
+  EXPECT_EQ(sim::decodePlist(selfReference), std::nullopt);
 }
 
 TEST(PlistCodec, EveryTypeRoundTripsInBothForms) {
