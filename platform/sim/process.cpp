@@ -5,6 +5,7 @@
 
 #include "rt/exception.hpp"
 #include "sim/foundation.hpp"
+#include "sim/uikit/uikit.hpp"
 #include "sys/notifications.hpp"
 
 namespace sim {
@@ -42,6 +43,7 @@ Process::Process(Device& device)
       mainThread_(std::this_thread::get_id()) {
   gCurrent = this;
   registerFoundation(*runtime_);
+  registerUIKit(*runtime_);
 }
 
 Process::~Process() {

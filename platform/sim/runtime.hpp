@@ -65,6 +65,9 @@ class Runtime {
   rt::Id& boolObject(bool b) { return b ? yes_ : no_; }
   std::unordered_map<long, rt::Id>& smallIntegers() { return smallIntegers_; }
   std::map<std::pair<long, long>, rt::Id>& indexPaths() { return indexPaths_; }
+  // Per-process singletons of the simulated frameworks ([UIApplication
+  // sharedApplication], …), by name.
+  rt::Id& singleton(const std::string& name) { return singletons_[name]; }
 
  private:
   rt::Class newClassRecord(std::string_view name, rt::Class super, bool meta);
@@ -88,6 +91,7 @@ class Runtime {
   rt::Id null_ = nullptr, yes_ = nullptr, no_ = nullptr;
   std::unordered_map<long, rt::Id> smallIntegers_;
   std::map<std::pair<long, long>, rt::Id> indexPaths_;
+  std::map<std::string, rt::Id> singletons_;
 };
 
 // The runtime of the current simulated process. Aborts with a message when no
