@@ -74,6 +74,9 @@ class Process {
   const std::string& crashReason() const { return crash_; }
 
   std::thread::id mainThread() const { return mainThread_; }
+  // The simulated host app running in this process (owned elsewhere).
+  void setHostApp(void* host) { hostApp_ = host; }
+  void* hostApp() const { return hostApp_; }
   void* stateSlot(std::shared_ptr<void> (*make)());
 
  private:
@@ -87,6 +90,7 @@ class Process {
   std::thread::id mainThread_;
   std::mutex stateMutex_;
   std::shared_ptr<void> state_ptr_;
+  void* hostApp_ = nullptr;
 };
 
 // The current process; aborts when there is none.

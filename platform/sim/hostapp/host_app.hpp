@@ -1,0 +1,81 @@
+// The simulated host app: its data (the logged-in user, friends, chat rooms),
+// the build it runs as (any class or method can be missing, any method can be
+// made to raise), and the classes, selectors and keys the system reaches.
+// It outlives processes: a `launch` defines its classes in the new process.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "rt/types.hpp"
+#include "sim/process.hpp"
+
+namespace hostapp {
+
+struct Friend {
+  std::string username;
+  std::string nickname;
+  std::string remark;
+  std::string alias;
+  bool favourite = false;
+  bool headImage = false;       // the head-image service has a picture
+  bool oldHeadImage = false;    // only the old on-disk path has one
+  bool cacheComplete = true;    // false: the cached record lacks names until read from the database
+};
+
+struct Room {
+  std::string username;  // ends in "@chatroom"
+  std::string title;
+};
+
+struct HostModel {
+  std::string me = "wxid_me";
+  std::vector<Friend> friends;
+  std::vector<Room> rooms;
+
+  Friend* findFriend(const std::string& username);
+  const Room* findRoom(const std::string& username) const;
+};
+
+// Which build of the host runs: classes or methods it lacks, methods that raise.
+struct HostBuild {
+  std::set<std::string> lackingClasses;
+  std::set<std::pair<std::string, std::string>> lackingMethods;  // (class, selector); "+sel" for class methods
+  std::set<std::pair<std::string, std::string>> raisingMethods;
+
+  bool lacksClass(const std::string& cls) const { return lackingClasses.count(cls) != 0; }
+  bool lacksMethod(const std::string& cls, const std::string& sel) const;
+};
+
+class HostApp {
+ public:
+  HostModel model;
+  HostBuild build;
+
+  // The launch hooks that put this host into a process (the library's entry
+  // is added by whoever launches).
+  sim::LaunchHooks launchHooks();
+
+  // Defines the host's classes in the current process.
+  void defineClasses();
+  // Makes a method raise from now on (in the running process too).
+  void makeRaising(const std::string& cls, const std::string& sel);
+  // The host's own implementation of a method, as its binary defined it
+  // (hooks may have moved it since). Null when the build lacks it.
+  rt::IMP originalImplementation(const std::string& cls, const std::string& sel) const;
+
+  // The host app of the current process.
+  static HostApp& current();
+
+  // Used by the class definitions: record a defined method.
+  void noteMethod(const std::string& cls, const std::string& sel, rt::IMP imp) { originals_[{cls, sel}] = imp; }
+
+ private:
+  void buildFirstScreen();
+  std::map<std::pair<std::string, std::string>, rt::IMP> originals_;
+};
+
+}  // namespace hostapp

@@ -1,0 +1,53 @@
+// The drawing facade on the simulated device: images record what was drawn
+// into them, and text is measured with fixed advances so layouts are stable.
+#include <cstdio>
+
+#include "base/utf8.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "ui/drawing.hpp"
+
+namespace ui {
+namespace {
+
+const char* weightName(Weight w) {
+  switch (w) {
+    case Weight::Regular: return "regular";
+    case Weight::Medium: return "medium";
+    case Weight::Semibold: return "semibold";
+    case Weight::Bold: return "bold";
+  }
+  return "?";
+}
+
+std::string describe(const DrawOp& op) {
+  char buf[256];
+  if (const FillRect* f = std::get_if<FillRect>(&op)) {
+    std::snprintf(buf, sizeof buf, "fill %g,%g %gx%g radius %g rgba(%g,%g,%g,%g)", f->rect.origin.x, f->rect.origin.y,
+                  f->rect.size.width, f->rect.size.height, f->cornerRadius, f->color.red, f->color.green,
+                  f->color.blue, f->color.alpha);
+    return buf;
+  }
+  const DrawText& t = std::get<DrawText>(op);
+  std::snprintf(buf, sizeof buf, "\" at %g,%g system %g %s rgba(%g,%g,%g,%g)", t.origin.x, t.origin.y, t.font.size,
+                weightName(t.font.weight), t.color.red, t.color.green, t.color.blue, t.color.alpha);
+  return "text \"" + t.text + buf;
+}
+
+}  // namespace
+
+rt::CGSize textSize(const std::string& text, const Font& font) {
+  double width = 0;
+  for (std::size_t i = 0; i < text.size();) {
+    char32_t cp = base::decodeUtf8(text, i);
+    width += font.size * (cp < 0x2E80 ? 0.6 : 1.0);  // wide East Asian characters take a full em
+  }
+  return {width, font.size * 1.2};
+}
+
+rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector<DrawOp>& ops) {
+  std::vector<std::string> drawing;
+  for (const DrawOp& op : ops) drawing.push_back(describe(op));
+  return sim::drawnImage(size, scale > 0 ? scale : 3.0, opaque, std::move(drawing));
+}
+
+}  // namespace ui
