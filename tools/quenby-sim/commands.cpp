@@ -11,6 +11,7 @@ const CommandTable& commandTable() {
     addLogCommands(t);
     addFileCommands(t);
     addStateCommands(t);
+    addHostCommands(t);
     return t;
   }();
   return table;

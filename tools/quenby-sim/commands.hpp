@@ -45,5 +45,6 @@ void addLifecycleCommands(CommandTable& table);
 void addLogCommands(CommandTable& table);
 void addFileCommands(CommandTable& table);
 void addStateCommands(CommandTable& table);
+void addHostCommands(CommandTable& table);
 
 }  // namespace qbsim

@@ -1,11 +1,12 @@
 #include "launch_hooks.hpp"
 
 #include "core/startup.hpp"
+#include "session.hpp"
 
 namespace qbsim {
 
-sim::LaunchHooks launchHooks(Session&) {
-  sim::LaunchHooks hooks;
+sim::LaunchHooks launchHooks(Session& session) {
+  sim::LaunchHooks hooks = session.host().launchHooks();
   hooks.libraryEntry = core::libraryEntry;
   return hooks;
 }

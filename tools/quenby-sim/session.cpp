@@ -80,6 +80,7 @@ void Session::withLibrary(const std::function<void()>& work) {
     return;
   }
   sim::Process scratch(*device_);
+  scratch.setHostApp(&host_);
   scratch.runGuarded(work);
   if (scratch.crashed()) throw ExpectFailure{"app crashed: " + scratch.crashReason()};
 }

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "hostapp/host_app.hpp"
 #include "sim/device.hpp"
 #include "sim/process.hpp"
 
@@ -35,6 +36,8 @@ class Session {
   ~Session();
 
   sim::Device& device() { return *device_; }
+  // The simulated host app: its data and build outlive its processes.
+  hostapp::HostApp& host() { return host_; }
   // The running app's process, or null when the app is not running.
   sim::Process* process() { return process_.get(); }
   // The running process; a script error naming `command` when there is none.
@@ -61,6 +64,7 @@ class Session {
   SimOptions options_;
   std::ostream& out_;
   std::unique_ptr<sim::Device> device_;
+  hostapp::HostApp host_;
   std::unique_ptr<sim::Process> process_;
   std::size_t violationsSeen_ = 0;
 };

@@ -1,0 +1,183 @@
+// The hooking toolkit against the simulated runtime and host.
+#include <gtest/gtest.h>
+
+#include "host/runtime_toolkit.hpp"
+#include "rt/foundation.hpp"
+#include "rt/kvc.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/class_builder.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "support/host_world.hpp"
+
+namespace {
+
+using host::QBRuntime;
+using rt::Id;
+using rt::SEL;
+
+Id hostGreeting(Id, SEL) { return rt::str("host"); }
+Id swizzledGreeting(Id self, SEL) {
+  Id original = rt::send<Id>(self, "qb_greeting");  // the exchanged name reaches the host's code
+  return rt::str("qb+" + rt::asString(original).value_or("?"));
+}
+long hostCount(Id, SEL, long section) { return section + 10; }
+long replacementCount(Id, SEL, long section) { return section; }
+
+class Toolkit : public qbtest::HostWorld {
+ protected:
+  void SetUp() override { start(); }
+};
+
+TEST_F(Toolkit, SwizzleExchangesAndTheQbNameReachesTheHost) {
+  rt::Class base = sim::ClassBuilder("HostScreen").method("greeting", hostGreeting).build();
+  rt::Class sub = sim::ClassBuilder("HostScreenSub", "HostScreen").build();
+  // The qb_ method lives on a common ancestor, as a category on UIViewController does.
+  rt::addMethod(rt::getClass("NSObject"), rt::sel("qb_greeting"), swizzledGreeting);
+  QBRuntime::swizzleInstance(sub, rt::sel("greeting"), rt::sel("qb_greeting"));
+  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sub, "new"), "greeting")), "qb+host");
+  EXPECT_EQ(rt::methodImplementation(rt::getInstanceMethod(base, rt::sel("greeting"))),
+            reinterpret_cast<rt::IMP>(swizzledGreeting))
+      << "the original was the superclass's record, so the superclass is exchanged too";
+  EXPECT_NE(rt::getInstanceMethod(sub, rt::sel("qb_greeting")),
+            rt::getInstanceMethod(rt::getClass("NSObject"), rt::sel("qb_greeting")))
+      << "the swizzled method was added to the class itself";
+  EXPECT_STREQ(rt::typeEncoding(rt::getInstanceMethod(sub, rt::sel("qb_greeting"))), "@@:");
+}
+
+TEST_F(Toolkit, SwizzleSkipsWhatIsMissingAndLogsIt) {
+  rt::Class c = sim::ClassBuilder("Lonely").method("greeting", hostGreeting).build();
+  QBRuntime::swizzleInstance(c, rt::sel("viewDidAppear:"), rt::sel("qb_x:"));
+  QBRuntime::swizzleInstance(nullptr, rt::sel("a"), rt::sel("b"));
+  QBRuntime::swizzleInstance(c, rt::sel("greeting"), nullptr);
+  EXPECT_EQ(logLines(), (std::vector<std::string>{"[QB][stable] swizzle skip Lonely viewDidAppear: / qb_x:"}));
+  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(c, "new"), "greeting")), "host");
+}
+
+TEST_F(Toolkit, ReplaceStoresTheOldImplementationFirst) {
+  rt::Class c = sim::ClassBuilder("Counter").method("count:", hostCount).build();
+  rt::IMP store = nullptr;
+  EXPECT_TRUE(QBRuntime::replace(c, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount), &store));
+  EXPECT_EQ(store, reinterpret_cast<rt::IMP>(hostCount));
+  Id obj = rt::send<Id>(c, "new");
+  EXPECT_EQ(rt::send<long>(obj, "count:", 2L), 2);
+  EXPECT_EQ(rt::call<long>(store, obj, rt::sel("count:"), 2L), 12);
+  EXPECT_EQ(logLines().back(), "[QB][stable] replace count: types=q@:q");
+
+  rt::IMP untouched = reinterpret_cast<rt::IMP>(hostGreeting);
+  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("missing:"), reinterpret_cast<rt::IMP>(replacementCount), &untouched));
+  EXPECT_EQ(untouched, reinterpret_cast<rt::IMP>(hostGreeting)) << "the slot is left alone";
+  EXPECT_EQ(logLines().back(), "[QB][stable] replace missing Counter missing:");
+  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("count:"), nullptr, &store));
+  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount), nullptr));
+}
+
+TEST_F(Toolkit, FirstArgumentTypeCharacter) {
+  rt::Class c = sim::ClassBuilder("Typed").build();
+  auto typeOf = [&](const char* sel, const char* types) {
+    rt::addMethod(c, rt::sel(sel), reinterpret_cast<rt::IMP>(hostGreeting), types);
+    return QBRuntime::secondArgTypeOfMethod(rt::getInstanceMethod(c, rt::sel(sel)));
+  };
+  EXPECT_EQ(typeOf("a:", "v24@0:8I16"), 'I');
+  EXPECT_EQ(typeOf("b:", "v24@0:8Q16"), 'Q');
+  EXPECT_EQ(typeOf("c:", "v24@0:8q16"), 'q');
+  EXPECT_EQ(typeOf("d:", "v24@0:8@16"), '@');
+  EXPECT_EQ(typeOf("e", "v16@0:8"), 'Q') << "no argument: the fallback";
+  EXPECT_EQ(typeOf("f", nullptr), 'Q');
+  EXPECT_EQ(QBRuntime::secondArgTypeOfMethod(nullptr), 'Q');
+}
+
+Id messageLike(const std::vector<std::pair<const char*, Id>>& keys) {
+  std::vector<std::pair<Id, Id>> entries;
+  for (auto& [k, v] : keys) entries.emplace_back(rt::str(k), v);
+  return rt::dictionary(entries);
+}
+
+TEST_F(Toolkit, UsernameProbingOrder) {
+  EXPECT_EQ(QBRuntime::usernameFrom(nullptr), "");
+  EXPECT_EQ(QBRuntime::usernameFrom(rt::null()), "");
+  EXPECT_EQ(QBRuntime::usernameFrom(rt::str("")), "");
+  EXPECT_EQ(QBRuntime::usernameFrom(rt::str("alice")), "alice");
+  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"m_nsUsrName", rt::str("")}, {"m_nsUserName", rt::str("bob")}})),
+            "bob");
+  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"m_nsChatRoomName", rt::str("team@chatroom")},
+                                                 {"m_nsToUsr", rt::str("wxid_me")},
+                                                 {"m_nsFromUsr", rt::str("alice")}})),
+            "alice")
+      << "sender before receiver before room";
+  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"username", rt::number(5)}, {"m_contact", messageLike({{"m_nsUsrName", rt::str("carol")}})}})),
+            "carol")
+      << "non-strings are skipped, nested contacts read";
+  // A host object whose keys raise (NSObject has none of them) gives nothing.
+  EXPECT_EQ(QBRuntime::usernameFrom(rt::send<Id>(rt::getClass("NSObject"), "new")), "");
+  Id loop = rt::mutableDictionary();
+  rt::setObjectForKey(loop, loop, rt::str("contact"));
+  EXPECT_EQ(QBRuntime::usernameFrom(loop), "") << "self-reference ends";
+}
+
+TEST_F(Toolkit, ContextAndServicesWithTheirFallBacks) {
+  Id ctx = QBRuntime::mmContext();
+  ASSERT_NE(ctx, nullptr);
+  EXPECT_EQ(rt::className(ctx), "MMContext");
+  Id center = QBRuntime::serviceCenter();
+  EXPECT_EQ(rt::className(center), "MMServiceCenter");
+  Id mgr = QBRuntime::serviceNamed("CContactMgr");
+  EXPECT_EQ(rt::className(mgr), "CContactMgr");
+  EXPECT_EQ(QBRuntime::serviceNamed("CContactMgr"), mgr) << "one service per class";
+  EXPECT_EQ(QBRuntime::serviceNamed("NoSuchService"), nullptr);
+  EXPECT_TRUE(logLines().empty());
+}
+
+class ToolkitFallBacks : public qbtest::HostWorld {};
+
+TEST_F(ToolkitFallBacks, ContextFromTheManagerWhenTheClassMethodsAreMissing) {
+  for (const char* s : {"activeUserContext", "currentContext", "rootContext"}) host.build.lackingMethods.insert({"MMContext", "+" + std::string(s)});
+  start();
+  EXPECT_EQ(rt::className(QBRuntime::mmContext()), "MMContext") << "through MMContextManager sharedInstance";
+}
+
+TEST_F(ToolkitFallBacks, TheDefaultCenterWhenThereIsNoContext) {
+  host.build.lackingClasses.insert("MMContext");
+  start();
+  EXPECT_EQ(QBRuntime::mmContext(), nullptr);
+  EXPECT_EQ(rt::className(QBRuntime::serviceCenter()), "MMServiceCenter");
+  EXPECT_EQ(rt::className(QBRuntime::serviceNamed("CContactMgr")), "CContactMgr");
+}
+
+TEST_F(ToolkitFallBacks, RaisingHostMethodsAreLoggedAndGiveNothing) {
+  host.build.raisingMethods.insert({"MMContext", "activeUserContext"});
+  host.build.raisingMethods.insert({"MMServiceCenter", "getService:"});
+  start();
+  EXPECT_EQ(QBRuntime::mmContext(), nullptr);
+  EXPECT_EQ(QBRuntime::serviceNamed("CContactMgr"), nullptr);
+  std::vector<std::string> log = logLines();
+  ASSERT_GE(log.size(), 2u);
+  EXPECT_EQ(log[0].rfind("[QB][stable] mmContext ex: ", 0), 0u) << log[0];
+  EXPECT_EQ(log.back().rfind("[QB][stable] serviceNamed CContactMgr ex: ", 0), 0u) << log.back();
+}
+
+TEST_F(ToolkitFallBacks, KeyWindowAndTheViewControllerTreeBreadthFirst) {
+  start();
+  Id nav = rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"), "initWithRootViewController:",
+                        rt::send<Id>(rt::getClass("UIViewController"), "new"));
+  Id presented = rt::send<Id>(rt::getClass("UIViewController"), "new");
+  Id keyWindow = QBRuntime::keyWindow();
+  ASSERT_NE(keyWindow, nullptr);
+  Id tabs = rt::send<Id>(keyWindow, "rootViewController");
+  rt::send<void>(tabs, "setViewControllers:", rt::array({nav}));
+  sim::present(tabs, presented);
+  std::vector<Id> all = QBRuntime::collectViewControllers();
+  Id inner = rt::send<Id>(nav, "topViewController");
+  // tabs; its child nav, presented, nav again (as a tab); nav's child, nav's
+  // stack; the second nav's child and stack.
+  EXPECT_EQ(all, (std::vector<Id>{tabs, nav, presented, nav, inner, inner, inner, inner}));
+}
+
+TEST_F(ToolkitFallBacks, NoWindowsMeansNothing) {
+  host.build.lackingClasses.insert("MMContext");
+  process = std::make_unique<sim::Process>(device);  // no launch: no windows
+  EXPECT_EQ(QBRuntime::keyWindow(), nullptr);
+  EXPECT_TRUE(QBRuntime::collectViewControllers().empty());
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+// The host app's data and build: me, friend, room, host lacks, host raises.
+#include "commands.hpp"
+
+namespace qbsim {
+namespace {
+
+// NAME=VALUE options after the username.
+std::string option(const Command& c, std::size_t i, const char* key, const std::string& usage) {
+  const std::string& w = c.words[i];
+  std::string prefix = std::string(key) + "=";
+  if (w.rfind(prefix, 0) != 0) throw ScriptError{"bad option '" + w + "' (usage: " + usage + ")"};
+  return w.substr(prefix.size());
+}
+
+void requireNotRunning(Session& s, const std::string& what) {
+  if (s.process()) throw ScriptError{what + ": the app is already running (use it before launch)"};
+}
+
+}  // namespace
+
+void addHostCommands(CommandTable& t) {
+  t["me"] = {"me USER", [](Session& s, const Command& c) {
+               requireWords(c, 2, 2, "me USER");
+               requireNotRunning(s, "me");
+               s.host().model.me = c.words[1];
+             }};
+  t["friend"] = {"friend USER [nick=T] [remark=T] [alias=T]", [](Session& s, const Command& c) {
+                   const std::string usage = "friend USER [nick=T] [remark=T] [alias=T]";
+                   requireWords(c, 2, 5, usage);
+                   hostapp::Friend f;
+                   if (hostapp::Friend* existing = s.host().model.findFriend(c.words[1])) f = *existing;
+                   f.username = c.words[1];
+                   for (std::size_t i = 2; i < c.words.size(); ++i) {
+                     const std::string& w = c.words[i];
+                     if (w.rfind("nick=", 0) == 0) f.nickname = option(c, i, "nick", usage);
+                     else if (w.rfind("remark=", 0) == 0) f.remark = option(c, i, "remark", usage);
+                     else if (w.rfind("alias=", 0) == 0) f.alias = option(c, i, "alias", usage);
+                     else throw ScriptError{"bad option '" + w + "' (usage: " + usage + ")"};
+                   }
+                   if (hostapp::Friend* existing = s.host().model.findFriend(f.username)) *existing = f;
+                   else s.host().model.friends.push_back(f);
+                 }};
+  t["room"] = {"room USER@chatroom [title=T]", [](Session& s, const Command& c) {
+                 const std::string usage = "room USER@chatroom [title=T]";
+                 requireWords(c, 2, 3, usage);
+                 const std::string& name = c.words[1];
+                 if (name.size() <= 9 || name.compare(name.size() - 9, 9, "@chatroom") != 0)
+                   throw ScriptError{"room: a group chat's username ends in @chatroom"};
+                 std::string title = c.words.size() == 3 ? option(c, 2, "title", usage) : "";
+                 for (auto& r : s.host().model.rooms)
+                   if (r.username == name) {
+                     r.title = title;
+                     return;
+                   }
+                 s.host().model.rooms.push_back({name, title});
+               }};
+  t["host"] = {"host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR", [](Session& s, const Command& c) {
+                 if (c.words.size() >= 3 && c.words[1] == "lacks" && c.words.size() <= 4) {
+                   requireNotRunning(s, "host lacks");
+                   if (c.words.size() == 3) s.host().build.lackingClasses.insert(c.words[2]);
+                   else s.host().build.lackingMethods.insert({c.words[2], c.words[3]});
+                   return;
+                 }
+                 if (c.words.size() == 4 && c.words[1] == "raises") {
+                   s.host().makeRaising(c.words[2], c.words[3]);
+                   return;
+                 }
+                 throw ScriptError{"usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR"};
+               }};
+}
+
+}  // namespace qbsim
