@@ -76,6 +76,14 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"show nothing\n", ":1: unknown show 'nothing'"},
       {"quit\n", ":1: quit: the app is not running"},
       {"expect file\n", ":1: usage: expect file KEY VALUE"},
+      {"friend alice nickname=A\n", ":1: bad option 'nickname=A'"},
+      {"room team\n", ":1: room: a group chat's username ends in @chatroom"},
+      {"launch\nhost lacks CContactMgr\n", ":2: host lacks: the app is already running"},
+      {"host breaks CContactMgr x\n", ":1: usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR"},
+      {"setting shakeHide maybe\n", ":1: setting shakeHide: expected true or false, got 'maybe'"},
+      {"setting secretNotifyMode 3\n", ":1: setting secretNotifyMode: expected 0 to 2, got '3'"},
+      {"setting nosuch 1\n", ":1: setting: unknown key 'nosuch'"},
+      {"expect hidden\n", ":1: expect hidden: the app is not running"},
   };
   for (const Case& c : cases) {
     std::string f = script("err.qbs", c.text);
