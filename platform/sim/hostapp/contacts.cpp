@@ -137,8 +137,7 @@ Id getHeadImgPathForOldVersion(Id, SEL, Id name, bool hd) {
 Id dataLogicInit(Id self, SEL, unsigned, Id, bool) { return self; }
 void reloadContacts(Id, SEL) {}
 Id getAllNormalContact(Id, SEL) {
-  Id mgr = rt::send<Id>(rt::send<Id>(rt::getClass("MMServiceCenter"), "defaultCenter"), "getService:",
-                        rt::getClass("CContactMgr"));
+  Id mgr = hostService("CContactMgr");
   std::vector<Id> out;
   for (const Friend& f : model().friends) out.push_back(mgr ? cached(mgr, f.username) : makeContact(f.username, true));
   return rt::array(out);

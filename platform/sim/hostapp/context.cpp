@@ -43,6 +43,12 @@ Id getService(Id self, SEL, rt::Class cls) {
 
 }  // namespace
 
+Id hostService(const char* cls) {
+  rt::Class c = rt::getClass(cls);
+  Id center = singleton("MMServiceCenter");
+  return c && center ? getService(center, nullptr, c) : nullptr;
+}
+
 void defineContextClasses(HostApp& app) {
   HostClass(app, "MMServiceCenter")
       .classMethod("defaultCenter", defaultCenter)

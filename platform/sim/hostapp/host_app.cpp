@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "hostapp/host_class.hpp"
+#include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/runtime.hpp"
@@ -13,6 +14,7 @@ namespace hostapp {
 
 void defineContextClasses(HostApp& app);
 void defineContactClasses(HostApp& app);
+void defineMainListClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
   for (Friend& f : friends)
@@ -51,6 +53,7 @@ void HostApp::defineClasses() {
   originals_.clear();
   defineContextClasses(*this);
   defineContactClasses(*this);
+  defineMainListClasses(*this);
   for (const auto& [cls, sel] : build.raisingMethods) makeRaising(cls, sel);
 }
 
@@ -69,10 +72,42 @@ rt::IMP HostApp::originalImplementation(const std::string& cls, const std::strin
   return it == originals_.end() ? nullptr : it->second;
 }
 
+void HostModel::bringSessionToTop(const std::string& username) {
+  std::erase(sessions, username);
+  sessions.insert(sessions.begin(), username);
+}
+
+namespace {
+
+rt::Id newController(const char* cls) {
+  rt::Class c = rt::getClass(cls);
+  if (!c) c = rt::getClass("UIViewController");  // a build without the screen shows a blank one
+  return rt::send<rt::Id>(rt::send<rt::Id>(c, "alloc"), "init");
+}
+
+rt::Id inNavigation(rt::Id root) {
+  return rt::send<rt::Id>(rt::send<rt::Id>(rt::getClass("UINavigationController"), "alloc"),
+                          "initWithRootViewController:", root);
+}
+
+}  // namespace
+
 void HostApp::buildFirstScreen() {
-  // A plain root until the host's own screens join: the app has a key window.
-  rt::Id root = rt::send<rt::Id>(rt::send<rt::Id>(rt::getClass("UITabBarController"), "alloc"), "init");
-  sim::addWindow(root, true);
+  mainFrame_ = newController("NewMainFrameViewController");
+  contactsScreen_ = newController("ContactsViewController");
+  tabs_ = rt::send<rt::Id>(rt::send<rt::Id>(rt::getClass("UITabBarController"), "alloc"), "init");
+  rt::send<void>(tabs_, "setViewControllers:", rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_)}));
+  sim::addWindow(tabs_, true);
+  sim::appear(mainFrame_);
+}
+
+void HostApp::selectTab(long index) {
+  rt::Id current = rt::send<rt::Id>(tabs_, "selectedViewController");
+  rt::send<void>(tabs_, "setSelectedIndex:", (unsigned long)index);
+  rt::Id next = rt::send<rt::Id>(tabs_, "selectedViewController");
+  if (current == next) return;
+  if (current) sim::disappear(rt::send<rt::Id>(current, "topViewController"));
+  sim::appear(rt::send<rt::Id>(next, "topViewController"));
 }
 
 HostClass::HostClass(HostApp& app, std::string name, std::string super) : app_(app), name_(std::move(name)) {

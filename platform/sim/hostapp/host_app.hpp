@@ -35,6 +35,10 @@ struct HostModel {
   std::string me = "wxid_me";
   std::vector<Friend> friends;
   std::vector<Room> rooms;
+  // The chats of the main list, top first, by username.
+  std::vector<std::string> sessions;
+  // Moves (or adds) the chat with `username` to the top.
+  void bringSessionToTop(const std::string& username);
 
   Friend* findFriend(const std::string& username);
   const Room* findRoom(const std::string& username) const;
@@ -49,6 +53,10 @@ struct HostBuild {
   bool lacksClass(const std::string& cls) const { return lackingClasses.count(cls) != 0; }
   bool lacksMethod(const std::string& cls, const std::string& sel) const;
 };
+
+// The host's own way to its services: straight to the registry, not through
+// getService:, so a fault injected there hits only the library's calls.
+rt::Id hostService(const char* cls);
 
 class HostApp {
  public:
@@ -67,6 +75,16 @@ class HostApp {
   // (hooks may have moved it since). Null when the build lacks it.
   rt::IMP originalImplementation(const std::string& cls, const std::string& sel) const;
 
+  // A chat moved to the top while the app runs: the host rebuilds its
+  // session list and reloads the main list, as it does on a new message.
+  void sessionsChanged();
+  // The main-list screen's controller, once built.
+  rt::Id mainFrame() const { return mainFrame_; }
+  rt::Id contactsScreen() const { return contactsScreen_; }
+  rt::Id tabs() const { return tabs_; }
+  // Shows one of the tabs (0 chats, 1 contacts) as UIKit does.
+  void selectTab(long index);
+
   // The host app of the current process.
   static HostApp& current();
 
@@ -75,6 +93,7 @@ class HostApp {
 
  private:
   void buildFirstScreen();
+  rt::Id mainFrame_ = nullptr, contactsScreen_ = nullptr, tabs_ = nullptr;
   std::map<std::pair<std::string, std::string>, rt::IMP> originals_;
 };
 

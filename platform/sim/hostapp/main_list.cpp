@@ -1,0 +1,188 @@
+// The host's main chat list: the session objects, the session managers
+// (MainSessionMgr, MMNewSessionMgr), the list's logic controller and its view
+// controller, and the contacts screen. The list screen shows what its table
+// view got from its data source at the last reload, as on a phone.
+#include "hostapp/host_app.hpp"
+#include "hostapp/host_class.hpp"
+#include "rt/foundation.hpp"
+#include "rt/kvc.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/runtime.hpp"
+#include "sim/uikit/uikit.hpp"
+
+namespace hostapp {
+namespace {
+
+using rt::Id;
+using rt::SEL;
+
+HostModel& model() { return HostApp::current().model; }
+
+Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
+void setIvar(Id obj, const char* name, Id value) {
+  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
+}
+
+Id service(const char* cls) { return hostService(cls); }
+
+Id makeSession(const std::string& username) {
+  Id s = rt::send<Id>(rt::getClass("MMSessionInfo"), "new");
+  setIvar(s, "m_nsUserName", rt::str(username));
+  return s;
+}
+
+// --- MainSessionMgr: the sessions the main frame shows, filtered through the
+// class's own canShowInMainFrame: when rebuilt.
+void rebuildMainSessions(Id self, SEL) {
+  std::vector<Id> shown;
+  rt::Class cls = rt::classOf(self);
+  for (const std::string& u : model().sessions) {
+    bool canShow = !rt::respondsTo(rt::toId(cls), rt::sel("canShowInMainFrame:")) ||
+                   rt::send<bool>(cls, "canShowInMainFrame:", rt::str(u));
+    if (canShow) shown.push_back(makeSession(u));
+  }
+  setIvar(self, "m_arrNormalSessions", rt::array(shown));
+}
+Id normalSessions(Id self, SEL) {
+  if (!ivar(self, "m_arrNormalSessions")) rebuildMainSessions(self, nullptr);
+  return ivar(self, "m_arrNormalSessions");
+}
+Id noSessions(Id, SEL) { return rt::array({}); }
+long visibleNormalSessionCount(Id self, SEL) { return rt::count(normalSessions(self, nullptr)); }
+Id getNormalSessionAtIndex(Id self, SEL, long i) {
+  std::vector<Id> list = rt::elements(normalSessions(self, nullptr));
+  return i >= 0 && i < long(list.size()) ? list[std::size_t(i)] : nullptr;
+}
+void updateMainSessionList(Id, SEL) {}
+bool canShowInMainFrame(Id, SEL, Id) { return true; }
+
+// --- MMNewSessionMgr: every session, in m_arrSessionInfo.
+Id newSessionMgrInit(Id self, SEL) {
+  std::vector<Id> all;
+  for (const std::string& u : model().sessions) all.push_back(makeSession(u));
+  setIvar(self, "m_arrSessionInfo", rt::mutableArray(all));
+  return self;
+}
+
+// --- MainFrameLogicController: rows of the main list's single section.
+Id mainSessions() { return rt::send<Id>(service("MainSessionMgr"), "normalSessions"); }
+long getSessionCountForSection(Id, SEL, long section) { return section == 0 ? rt::count(mainSessions()) : 0; }
+Id sessionAt(Id indexPath) {
+  if (!rt::isIndexPath(indexPath) || rt::indexPathSection(indexPath) != 0) return nullptr;
+  std::vector<Id> list = rt::elements(mainSessions());
+  long row = rt::indexPathRow(indexPath);
+  return row >= 0 && row < long(list.size()) ? list[std::size_t(row)] : nullptr;
+}
+Id getSessionInfoAtIndexPath(Id, SEL, Id indexPath) { return sessionAt(indexPath); }
+Id getCellDataAtIndexPath(Id, SEL, Id indexPath) {
+  Id session = sessionAt(indexPath);
+  if (!session) return nullptr;
+  Id cell = rt::send<Id>(rt::getClass("MMMainSessionCellData"), "new");
+  setIvar(cell, "m_sessionInfo", session);
+  setIvar(cell, "m_nsUsrName", ivar(session, "m_nsUserName"));
+  return cell;
+}
+
+// --- NewMainFrameViewController
+Id logic(Id self) {
+  Id l = ivar(self, "m_logicController");
+  if (!l) {
+    l = rt::send<Id>(rt::getClass("MainFrameLogicController"), "new");
+    setIvar(self, "m_logicController", l);
+  }
+  return l;
+}
+long logicGetCountForSection(Id self, SEL, long section) {
+  return rt::send<long>(logic(self), "getSessionCountForSection:", section);
+}
+Id logicGetSessionAtIndexPath(Id self, SEL, Id ip) { return rt::send<Id>(logic(self), "getSessionInfoAtIndexPath:", ip); }
+Id logicGetCellDataAtIndexPath(Id self, SEL, Id ip) { return rt::send<Id>(logic(self), "getCellDataAtIndexPath:", ip); }
+long numberOfSections(Id, SEL, Id) { return 1; }
+long numberOfRows(Id self, SEL, Id, long section) { return rt::send<long>(self, "logicGetCountForSection:", section); }
+// The host's cell shows the cell data of its row.
+Id cellForRow(Id self, SEL, Id, Id ip) { return rt::send<Id>(self, "logicGetCellDataAtIndexPath:", ip); }
+void mainViewDidLoad(Id self, SEL) {
+  Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
+  setIvar(self, "m_tableView", table);
+  rt::send<void>(table, "setDataSource:", self);
+  rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
+  rt::send<void>(table, "reloadData");
+}
+void reloadSessions(Id self, SEL) { rt::send<void>(ivar(self, "m_tableView"), "reloadData"); }
+
+// --- ContactsViewController: its table lists the data logic's contacts.
+Id contactsLogic(Id self) {
+  Id l = ivar(self, "m_contactsDataLogic");
+  if (!l && rt::getClass("ContactsDataLogic")) {
+    l = rt::send<Id>(rt::getClass("ContactsDataLogic"), "new");
+    setIvar(self, "m_contactsDataLogic", l);
+  }
+  return l;
+}
+long contactRows(Id self, SEL, Id, long) { return rt::count(rt::send<Id>(contactsLogic(self), "getAllNormalContact")); }
+Id contactCell(Id self, SEL, Id, Id ip) {
+  std::vector<Id> list = rt::elements(rt::send<Id>(contactsLogic(self), "getAllNormalContact"));
+  long row = rt::indexPathRow(ip);
+  return row < long(list.size()) ? list[std::size_t(row)] : nullptr;
+}
+void contactsViewDidLoad(Id self, SEL) {
+  Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
+  setIvar(self, "m_tableView", table);
+  contactsLogic(self);
+  rt::send<void>(table, "setDataSource:", self);
+  rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
+  rt::send<void>(table, "reloadData");
+}
+
+}  // namespace
+
+void defineMainListClasses(HostApp& app) {
+  HostClass(app, "MMSessionInfo").ivar("m_nsUserName", "@").ivar("m_contact", "@").build();
+  HostClass(app, "MMMainSessionCellData").ivar("m_nsUsrName", "@").ivar("m_sessionInfo", "@").build();
+  HostClass(app, "MainSessionMgr")
+      .ivar("m_arrNormalSessions", "@")
+      .classMethod("canShowInMainFrame:", canShowInMainFrame)
+      .method("normalSessions", normalSessions)
+      .method("topSessions", noSessions)
+      .method("allTopSessions", noSessions)
+      .method("visibleNormalSessionCount", visibleNormalSessionCount)
+      .method("getNormalSessionAtIndex:", getNormalSessionAtIndex)
+      .method("rebuildMainSessions", rebuildMainSessions)
+      .method("updateMainSessionList", updateMainSessionList)
+      .build();
+  HostClass(app, "MMNewSessionMgr").ivar("m_arrSessionInfo", "@").method("init", newSessionMgrInit).build();
+  HostClass(app, "MainFrameLogicController")
+      .method("getSessionCountForSection:", getSessionCountForSection)
+      .method("getSessionInfoAtIndexPath:", getSessionInfoAtIndexPath)
+      .method("getCellDataAtIndexPath:", getCellDataAtIndexPath)
+      .build();
+  HostClass(app, "NewMainFrameViewController", "UIViewController")
+      .ivar("m_tableView", "@")
+      .ivar("m_logicController", "@")
+      .method("viewDidLoad", mainViewDidLoad)
+      .method("logicGetCountForSection:", logicGetCountForSection)
+      .method("logicGetSessionAtIndexPath:", logicGetSessionAtIndexPath)
+      .method("logicGetCellDataAtIndexPath:", logicGetCellDataAtIndexPath)
+      .method("numberOfSectionsInTableView:", numberOfSections)
+      .method("tableView:numberOfRowsInSection:", numberOfRows)
+      .method("tableView:cellForRowAtIndexPath:", cellForRow)
+      .method("reloadSessions", reloadSessions)
+      .build();
+  HostClass(app, "ContactsViewController", "UIViewController")
+      .ivar("m_tableView", "@")
+      .ivar("m_contactsDataLogic", "@")
+      .method("viewDidLoad", contactsViewDidLoad)
+      .method("tableView:numberOfRowsInSection:", contactRows)
+      .method("tableView:cellForRowAtIndexPath:", contactCell)
+      .build();
+}
+
+void HostApp::sessionsChanged() {
+  if (!sim::hasCurrentProcess() || sim::currentProcess().hostApp() != this) return;
+  if (Id mgr = service("MainSessionMgr"))
+    if (rt::respondsTo(mgr, rt::sel("rebuildMainSessions"))) rt::send<void>(mgr, "rebuildMainSessions");
+  if (mainFrame_ && rt::respondsTo(mainFrame_, rt::sel("reloadSessions"))) rt::send<void>(mainFrame_, "reloadSessions");
+}
+
+}  // namespace hostapp
