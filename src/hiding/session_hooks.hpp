@@ -1,12 +1,73 @@
-// QBSessionHooks: the main chat list's filter, refresh and reveal.
+// QBSessionHooks: keeps secret chats out of the host's main chat list while
+// the secrets are hidden. It answers the list's count and row questions as if
+// the secret sessions did not exist (skipping them and remapping rows onto the
+// host's indices), vetoes them in the host's class-level "can show" test, and
+// makes the visible lists catch up with the state: throttled soft reloads, the
+// two-phase reveal, and the forced apply after a state change.
 #pragma once
+
+#include <string>
+#include <vector>
+
+#include "rt/types.hpp"
 
 namespace hiding {
 
+struct SessionItem {
+  std::string username, displayName, nickname, remark;
+  rt::Id avatar = nullptr;
+};
+
 struct QBSessionHooks {
+  // Installs the hooks and observers, once per process.
   static void install();
   static void refreshFilterCache();
   static void softReloadMainFrame();
+  static void reloadMainFrame();
+  static void softReloadMainFrameForce(bool force);
+  static void revealSecretsNow();
+  static void forceApplyVisibility();
+  // Announces that the hidden state was applied; deliberately does nothing.
+  static void applyNativeHideState();
+
+  static rt::Id sessionMgr();
+  static rt::Id mainSessionMgr();
+  static std::vector<std::string> listSessionUsernames();
+  static std::vector<SessionItem> listSessionItems();
+  static void setLastListPath(std::string path);
+  static std::string lastListPath();
+
+  // The visible-to-host row mapping and the filtered count, over a host count
+  // and a fetch of the host's session at an index. Exposed for tests.
+  template <typename Fetch>
+  static long mapRow(long row, long hostCount, Fetch fetch);
+  template <typename Fetch>
+  static long filteredCount(long hostCount, Fetch fetch);
+  static bool isSecretSession(rt::Id session);
+  static bool filterActive();
 };
+
+template <typename Fetch>
+long QBSessionHooks::mapRow(long row, long hostCount, Fetch fetch) {
+  if (hostCount < 1) return -1;
+  long visible = 0;
+  for (long i = 0; i < hostCount; ++i) {
+    if (isSecretSession(fetch(i))) continue;
+    if (visible == row) return i;
+    ++visible;
+  }
+  return -1;
+}
+
+template <typename Fetch>
+long QBSessionHooks::filteredCount(long hostCount, Fetch fetch) {
+  long n = 0;
+  for (long i = 0; i < hostCount; ++i)
+    if (!isSecretSession(fetch(i))) ++n;
+  return n;
+}
+
+inline constexpr const char* kMainFrameClass = "NewMainFrameViewController";
+inline constexpr const char* kContactsScreenClass = "ContactsViewController";
 
 }  // namespace hiding

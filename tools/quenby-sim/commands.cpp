@@ -12,6 +12,7 @@ const CommandTable& commandTable() {
     addFileCommands(t);
     addStateCommands(t);
     addHostCommands(t);
+    addMainListCommands(t);
     return t;
   }();
   return table;

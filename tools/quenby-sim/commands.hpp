@@ -46,5 +46,6 @@ void addLogCommands(CommandTable& table);
 void addFileCommands(CommandTable& table);
 void addStateCommands(CommandTable& table);
 void addHostCommands(CommandTable& table);
+void addMainListCommands(CommandTable& table);
 
 }  // namespace qbsim

@@ -82,6 +82,9 @@ class HostApp {
   rt::Id mainFrame() const { return mainFrame_; }
   rt::Id contactsScreen() const { return contactsScreen_; }
   rt::Id tabs() const { return tabs_; }
+  // What the main list's screen shows, top to bottom: the chats its table got
+  // at its last reload.
+  std::vector<std::string> mainListShown() const;
   // Shows one of the tabs (0 chats, 1 contacts) as UIKit does.
   void selectTab(long index);
 

@@ -109,6 +109,9 @@ void mainViewDidLoad(Id self, SEL) {
   rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
   rt::send<void>(table, "reloadData");
 }
+// The host's own appearance methods (they call up to UIKit's).
+void mainViewWillAppear(Id, SEL, bool) {}
+void mainViewDidAppear(Id, SEL, bool) {}
 void reloadSessions(Id self, SEL) { rt::send<void>(ivar(self, "m_tableView"), "reloadData"); }
 
 // --- ContactsViewController: its table lists the data logic's contacts.
@@ -161,6 +164,8 @@ void defineMainListClasses(HostApp& app) {
       .ivar("m_tableView", "@")
       .ivar("m_logicController", "@")
       .method("viewDidLoad", mainViewDidLoad)
+      .method("viewWillAppear:", mainViewWillAppear)
+      .method("viewDidAppear:", mainViewDidAppear)
       .method("logicGetCountForSection:", logicGetCountForSection)
       .method("logicGetSessionAtIndexPath:", logicGetSessionAtIndexPath)
       .method("logicGetCellDataAtIndexPath:", logicGetCellDataAtIndexPath)
@@ -176,6 +181,20 @@ void defineMainListClasses(HostApp& app) {
       .method("tableView:numberOfRowsInSection:", contactRows)
       .method("tableView:cellForRowAtIndexPath:", contactCell)
       .build();
+}
+
+std::vector<std::string> HostApp::mainListShown() const {
+  std::vector<std::string> out;
+  if (!mainFrame_) return out;
+  Id table = ivar(mainFrame_, "m_tableView");
+  const sim::ViewState* v = table ? sim::viewState(table) : nullptr;
+  if (!v) return out;
+  for (const auto& section : v->shownRows)
+    for (Id cell : section) {
+      Id name = cell ? rt::ivarObject(cell, rt::getInstanceVariable(rt::classOf(cell), "m_nsUsrName")) : nullptr;
+      out.push_back(rt::asString(name).value_or("(empty row)"));
+    }
+  return out;
 }
 
 void HostApp::sessionsChanged() {

@@ -1,0 +1,241 @@
+// Making the visible lists catch up with the secret state: throttled soft
+// reloads of the main and contacts lists, the two-phase reveal, the forced
+// apply after a state change, installation with its observers, and the
+// lifecycle hooks on the main list's view controller.
+#include "core/config.hpp"
+#include "hiding/session_hooks.hpp"
+#include "hiding/session_state.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "rt/exception.hpp"
+#include "rt/foundation.hpp"
+#include "rt/kvc.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/clock.hpp"
+#include "sys/log.hpp"
+#include "sys/notifications.hpp"
+#include "sys/queue.hpp"
+
+namespace hiding {
+namespace {
+
+using core::QBConfig;
+using host::QBRuntime;
+using rt::Id;
+using rt::SEL;
+
+constexpr double kSoftReloadThrottle = 0.75;
+constexpr double kForceApplyThrottle = 1.0;
+constexpr double kAppearanceThrottle = 0.8;
+constexpr double kScrollRetryDelay = 0.4;
+
+constexpr const char* kDataLogicKeys[] = {"m_contactsDataLogic", "m_dataLogic", "_contactsDataLogic"};
+constexpr const char* kTableKeys[] = {"m_tableView", "tableView", "_tableView"};
+
+bool bothSuppressClear(const QBConfig& c) { return !c.suppressAutoLock() && !c.suppressSessionApply(); }
+
+Id tableOf(Id vc) {
+  rt::Class tableClass = rt::getClass("UITableView");
+  for (const char* key : kTableKeys) {
+    Id t = rt::probeKey(vc, key);
+    if (t && rt::isKindOf(t, tableClass)) return t;
+  }
+  return nullptr;
+}
+
+void mainFrameReapply() {
+  QBSessionHooks::refreshFilterCache();
+  QBConfig& c = QBConfig::shared();
+  SessionHooksState& s = sessionState();
+  double now = sys::mediaTime();
+  if (bothSuppressClear(c) && c.secretCount() > 0 && !c.unlocked() && now - s.lastMainAppearReloadAt >= kAppearanceThrottle) {
+    s.lastMainAppearReloadAt = now;
+    QBSessionHooks::softReloadMainFrame();
+  }
+}
+
+bool isMainFrame(Id self) { return rt::className(self) == kMainFrameClass; }
+
+void qbMainViewDidLoad(Id self, SEL) {
+  rt::send<void>(self, "qb_main_viewDidLoad");
+  if (isMainFrame(self)) sys::after(0.15, mainFrameReapply);
+}
+
+void qbMainViewWillAppear(Id self, SEL, bool animated) {
+  rt::send<void>(self, "qb_main_viewWillAppear:", animated);
+  if (isMainFrame(self)) QBSessionHooks::refreshFilterCache();
+}
+
+void qbMainViewDidAppear(Id self, SEL, bool animated) {
+  rt::send<void>(self, "qb_main_viewDidAppear:", animated);
+  if (isMainFrame(self)) sys::after(0.2, mainFrameReapply);
+}
+
+void installObservers() {
+  sys::addObserver(core::kSecretStateChanged, [](const sys::Notification&) {
+    QBSessionHooks::refreshFilterCache();
+    QBSessionHooks::forceApplyVisibility();
+  });
+  sys::addObserver(sys::kDidFinishLaunching, [](const sys::Notification&) {
+    QBConfig& c = QBConfig::shared();
+    if (!bothSuppressClear(c) || c.secretCount() <= 0) return;
+    if (c.unlocked()) c.setUnlocked(false);
+    QBSessionHooks::refreshFilterCache();
+    sys::async([] {
+      if (bothSuppressClear(QBConfig::shared())) QBSessionHooks::softReloadMainFrame();
+    });
+  });
+  sys::addObserver(sys::kDidBecomeActive, [](const sys::Notification&) {
+    QBConfig& c = QBConfig::shared();
+    if (!bothSuppressClear(c)) {
+      QBSessionHooks::refreshFilterCache();
+    } else if (c.secretCount() > 0 && !c.unlocked()) {
+      QBSessionHooks::refreshFilterCache();
+      sys::after(0.25, [] { QBSessionHooks::softReloadMainFrame(); });
+    }
+  });
+}
+
+void installLifecycleHooks() {
+  rt::Class vc = rt::getClass(kMainFrameClass);
+  rt::Class base = rt::getClass("UIViewController");
+  if (!vc || !base) return;
+  rt::addMethod(base, rt::sel("qb_main_viewDidLoad"), qbMainViewDidLoad);
+  rt::addMethod(base, rt::sel("qb_main_viewWillAppear:"), qbMainViewWillAppear);
+  rt::addMethod(base, rt::sel("qb_main_viewDidAppear:"), qbMainViewDidAppear);
+  QBRuntime::swizzleInstance(vc, rt::sel("viewDidLoad"), rt::sel("qb_main_viewDidLoad"));
+  QBRuntime::swizzleInstance(vc, rt::sel("viewWillAppear:"), rt::sel("qb_main_viewWillAppear:"));
+  QBRuntime::swizzleInstance(vc, rt::sel("viewDidAppear:"), rt::sel("qb_main_viewDidAppear:"));
+}
+
+}  // namespace
+
+void QBSessionHooks::install() {
+  SessionHooksState& s = sessionState();
+  if (s.installed) return;
+  s.installed = true;
+  try {
+    QBConfig::shared().setUnlocked(false);
+    refreshFilterCache();
+    installSessionFilterHooks();
+    installLifecycleHooks();
+    installObservers();
+    sys::log("[QB] session hooks READY (early, default secret)");
+  } catch (...) {
+    sys::log("[QB] install FATAL: %@", rt::describeCurrentException());
+  }
+}
+
+void QBSessionHooks::softReloadMainFrame() { softReloadMainFrameForce(false); }
+void QBSessionHooks::reloadMainFrame() { softReloadMainFrameForce(false); }
+void QBSessionHooks::applyNativeHideState() {}
+
+void QBSessionHooks::softReloadMainFrameForce(bool force) {
+  SessionHooksState& s = sessionState();
+  if (s.reloadBusy && !force) return;
+  double now = sys::mediaTime();
+  if (!force && now - s.lastSoftReloadAt < kSoftReloadThrottle) return;
+  s.lastSoftReloadAt = now;
+  s.reloadBusy = true;
+  try {
+    for (Id vc : QBRuntime::collectViewControllers()) {
+      std::string_view name = rt::className(vc);
+      bool main = name == kMainFrameClass;
+      if (!main && name != kContactsScreenClass) continue;
+      if (!main) {
+        for (const char* key : kDataLogicKeys) {
+          Id logic = rt::probeKey(vc, key);
+          if (logic && rt::respondsTo(logic, rt::sel("reloadContacts"))) {
+            rt::send<void>(logic, "reloadContacts");
+            sys::log("[QB] reloadContacts");
+            break;
+          }
+        }
+      }
+      bool reloaded = false;
+      if (Id table = tableOf(vc)) {
+        if (main && !force && (rt::send<bool>(table, "isDragging") || rt::send<bool>(table, "isDecelerating"))) {
+          // Reloading under the user's finger jumps the list; try again shortly, forced.
+          sys::after(kScrollRetryDelay, [] {
+            SessionHooksState& st = sessionState();
+            st.reloadBusy = false;
+            st.lastSoftReloadAt = 0;
+            softReloadMainFrameForce(true);
+          });
+          return;
+        }
+        rt::send<void>(table, "reloadData");
+        reloaded = true;
+        if (main) sys::log("[QB] softReload main force=%d", force);
+        else sys::log("[QB] softReload contacts");
+      }
+      if (main && force && !reloaded && rt::respondsTo(vc, rt::sel("reloadSessions"))) rt::send<void>(vc, "reloadSessions");
+    }
+    s.reloadBusy = false;
+  } catch (...) {
+    sys::log("[QB] softReload ex: %@", rt::describeCurrentException());
+    s.reloadBusy = false;
+  }
+}
+
+void QBSessionHooks::revealSecretsNow() {
+  try {
+    refreshFilterCache();
+    if (QBConfig::shared().shouldHideSecrets()) {
+      sys::log("[QB] reveal skipped still hidden");
+      return;
+    }
+    if (Id mgr = mainSessionMgr()) {
+      if (rt::respondsTo(mgr, rt::sel("rebuildMainSessions"))) {
+        rt::send<void>(mgr, "rebuildMainSessions");
+        sys::log("[QB] rebuildMainSessions");
+      }
+      if (rt::respondsTo(mgr, rt::sel("updateMainSessionList"))) rt::send<void>(mgr, "updateMainSessionList");
+    }
+    sys::after(0.25, [] {
+      refreshFilterCache();
+      for (Id vc : QBRuntime::collectViewControllers()) {
+        if (rt::className(vc) != kMainFrameClass) continue;
+        try {
+          if (rt::respondsTo(vc, rt::sel("reloadSessions"))) rt::send<void>(vc, "reloadSessions");
+        } catch (...) {
+        }
+        break;
+      }
+      softReloadMainFrameForce(true);
+    });
+    sys::after(0.8, [] {
+      if (!QBConfig::shared().unlocked()) return;  // a quick hide in between is not undone
+      refreshFilterCache();
+      softReloadMainFrameForce(true);
+    });
+  } catch (...) {
+    sys::log("[QB] reveal ex: %@", rt::describeCurrentException());
+  }
+}
+
+void QBSessionHooks::forceApplyVisibility() {
+  SessionHooksState& s = sessionState();
+  if (s.applyBusy) return;
+  QBConfig& c = QBConfig::shared();
+  if (c.suppressSessionApply()) {
+    refreshFilterCache();
+    return;
+  }
+  double now = sys::mediaTime();
+  if (now - s.lastForceApplyAt < kForceApplyThrottle) return;
+  s.lastForceApplyAt = now;
+  s.applyBusy = true;
+  try {
+    refreshFilterCache();
+    if (c.secretCount() > 0) {
+      if (c.shouldHideSecrets()) softReloadMainFrameForce(true);
+      else revealSecretsNow();
+    }
+  } catch (...) {
+    sys::log("[QB] forceApply ex: %@", rt::describeCurrentException());
+  }
+  s.applyBusy = false;
+}
+
+}  // namespace hiding

@@ -1,0 +1,53 @@
+// The main chat list: session, message, open main, show main, expect main.
+#include "commands.hpp"
+
+namespace qbsim {
+namespace {
+
+void moveToTop(Session& s, const std::string& username) {
+  s.host().model.bringSessionToTop(username);
+  if (sim::Process* p = s.process()) p->runGuarded([&] { s.host().sessionsChanged(); });
+}
+
+std::string joined(const std::vector<std::string>& names) {
+  if (names.empty()) return "(empty list)";
+  std::string out;
+  for (const std::string& n : names) out += (out.empty() ? "" : " ") + n;
+  return out;
+}
+
+}  // namespace
+
+void addMainListCommands(CommandTable& t) {
+  t["session"] = {"session USER", [](Session& s, const Command& c) {
+                    requireWords(c, 2, 2, "session USER");
+                    moveToTop(s, c.words[1]);
+                  }};
+  t["message"] = {"message FROM [TEXT]", [](Session& s, const Command& c) {
+                    requireWords(c, 2, 3, "message FROM [TEXT]");
+                    moveToTop(s, c.words[1]);
+                  }};
+  t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
+                 requireWords(c, 2, 3, "open main|contacts|moments|about|forward");
+                 sim::Process& p = s.requireProcess("open");
+                 const std::string& what = c.words[1];
+                 long tab = what == "main" ? 0 : what == "contacts" ? 1 : -1;
+                 if (tab < 0 || c.words.size() != 2) throw ScriptError{"open: no screen '" + what + "' in this host yet"};
+                 p.runGuarded([&] { s.host().selectTab(tab); });
+               }};
+  t["show main"] = {"show main", [](Session& s, const Command& c) {
+                      requireWords(c, 2, 2, "show main");
+                      s.requireProcess("show main");
+                      std::vector<std::string> rows = s.host().mainListShown();
+                      if (rows.empty()) s.out() << "(no chats)\n";
+                      for (const std::string& r : rows) s.out() << r << "\n";
+                    }};
+  t["expect main"] = {"expect main [USER...]", [](Session& s, const Command& c) {
+                        s.requireProcess("expect main");
+                        std::vector<std::string> want(c.words.begin() + 2, c.words.end());
+                        std::vector<std::string> got = s.host().mainListShown();
+                        if (got != want) throw ExpectFailure{joined(got)};
+                      }};
+}
+
+}  // namespace qbsim
