@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/startup.hpp"
 #include "hostapp/host_app.hpp"
 #include "sim/device.hpp"
 #include "sim/process.hpp"
@@ -25,6 +26,16 @@ class HostWorld : public ::testing::Test {
   void start() {
     process = std::make_unique<sim::Process>(device);
     process->launch(host.launchHooks());
+  }
+  // Launches with the library loaded, as `quenby-sim launch` does.
+  void launchWithLibrary();
+  void wait(double seconds) { process->advance(seconds); }
+  // The log lines written since `from` that contain `text`.
+  long countLog(const std::string& text, std::size_t from = 0) const {
+    long n = 0;
+    for (std::size_t i = from; i < device.log().size(); ++i)
+      if (device.log()[i].text.find(text) != std::string::npos) ++n;
+    return n;
   }
   void TearDown() override {
     if (process) {
@@ -46,5 +57,12 @@ class HostWorld : public ::testing::Test {
     host.model.friends.push_back(f);
   }
 };
+
+inline void HostWorld::launchWithLibrary() {
+  process = std::make_unique<sim::Process>(device);
+  sim::LaunchHooks hooks = host.launchHooks();
+  hooks.libraryEntry = core::libraryEntry;
+  process->launch(hooks);
+}
 
 }  // namespace qbtest

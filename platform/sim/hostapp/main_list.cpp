@@ -34,24 +34,36 @@ Id makeSession(const std::string& username) {
 
 // --- MainSessionMgr: the sessions the main frame shows, filtered through the
 // class's own canShowInMainFrame: when rebuilt.
-void rebuildMainSessions(Id self, SEL) {
+void rebuildSessions(Id mgr) {
   std::vector<Id> shown;
-  rt::Class cls = rt::classOf(self);
+  rt::Class cls = rt::classOf(mgr);
   for (const std::string& u : model().sessions) {
     bool canShow = !rt::respondsTo(rt::toId(cls), rt::sel("canShowInMainFrame:")) ||
                    rt::send<bool>(cls, "canShowInMainFrame:", rt::str(u));
     if (canShow) shown.push_back(makeSession(u));
   }
-  setIvar(self, "m_arrNormalSessions", rt::array(shown));
+  setIvar(mgr, "m_arrNormalSessions", rt::array(shown));
 }
-Id normalSessions(Id self, SEL) {
-  if (!ivar(self, "m_arrNormalSessions")) rebuildMainSessions(self, nullptr);
-  return ivar(self, "m_arrNormalSessions");
+
+// The host's own read of its list, straight from the manager's storage (a
+// build without the manager lists every session).
+std::vector<Id> mainSessionList() {
+  Id mgr = service("MainSessionMgr");
+  if (!mgr) {
+    std::vector<Id> all;
+    for (const std::string& u : model().sessions) all.push_back(makeSession(u));
+    return all;
+  }
+  if (!ivar(mgr, "m_arrNormalSessions")) rebuildSessions(mgr);
+  return rt::elements(ivar(mgr, "m_arrNormalSessions"));
 }
+
+void rebuildMainSessions(Id self, SEL) { rebuildSessions(self); }
+Id normalSessions(Id, SEL) { return rt::array(mainSessionList()); }
 Id noSessions(Id, SEL) { return rt::array({}); }
-long visibleNormalSessionCount(Id self, SEL) { return rt::count(normalSessions(self, nullptr)); }
-Id getNormalSessionAtIndex(Id self, SEL, long i) {
-  std::vector<Id> list = rt::elements(normalSessions(self, nullptr));
+long visibleNormalSessionCount(Id, SEL) { return long(mainSessionList().size()); }
+Id getNormalSessionAtIndex(Id, SEL, long i) {
+  std::vector<Id> list = mainSessionList();
   return i >= 0 && i < long(list.size()) ? list[std::size_t(i)] : nullptr;
 }
 void updateMainSessionList(Id, SEL) {}
@@ -65,17 +77,16 @@ Id newSessionMgrInit(Id self, SEL) {
   return self;
 }
 
-// --- MainFrameLogicController: rows of the main list's single section.
-Id mainSessions() { return rt::send<Id>(service("MainSessionMgr"), "normalSessions"); }
-long getSessionCountForSection(Id, SEL, long section) { return section == 0 ? rt::count(mainSessions()) : 0; }
+// --- The rows of the main list's single section, as both the logic
+// controller and the view controller read them.
+long sessionCount(long section) { return section == 0 ? long(mainSessionList().size()) : 0; }
 Id sessionAt(Id indexPath) {
   if (!rt::isIndexPath(indexPath) || rt::indexPathSection(indexPath) != 0) return nullptr;
-  std::vector<Id> list = rt::elements(mainSessions());
+  std::vector<Id> list = mainSessionList();
   long row = rt::indexPathRow(indexPath);
   return row >= 0 && row < long(list.size()) ? list[std::size_t(row)] : nullptr;
 }
-Id getSessionInfoAtIndexPath(Id, SEL, Id indexPath) { return sessionAt(indexPath); }
-Id getCellDataAtIndexPath(Id, SEL, Id indexPath) {
+Id cellDataAt(Id indexPath) {
   Id session = sessionAt(indexPath);
   if (!session) return nullptr;
   Id cell = rt::send<Id>(rt::getClass("MMMainSessionCellData"), "new");
@@ -84,20 +95,15 @@ Id getCellDataAtIndexPath(Id, SEL, Id indexPath) {
   return cell;
 }
 
-// --- NewMainFrameViewController
-Id logic(Id self) {
-  Id l = ivar(self, "m_logicController");
-  if (!l) {
-    l = rt::send<Id>(rt::getClass("MainFrameLogicController"), "new");
-    setIvar(self, "m_logicController", l);
-  }
-  return l;
-}
-long logicGetCountForSection(Id self, SEL, long section) {
-  return rt::send<long>(logic(self), "getSessionCountForSection:", section);
-}
-Id logicGetSessionAtIndexPath(Id self, SEL, Id ip) { return rt::send<Id>(logic(self), "getSessionInfoAtIndexPath:", ip); }
-Id logicGetCellDataAtIndexPath(Id self, SEL, Id ip) { return rt::send<Id>(logic(self), "getCellDataAtIndexPath:", ip); }
+// --- MainFrameLogicController
+long getSessionCountForSection(Id, SEL, long section) { return sessionCount(section); }
+Id getSessionInfoAtIndexPath(Id, SEL, Id indexPath) { return sessionAt(indexPath); }
+Id getCellDataAtIndexPath(Id, SEL, Id indexPath) { return cellDataAt(indexPath); }
+
+// --- NewMainFrameViewController: its own getters over the same list.
+long logicGetCountForSection(Id, SEL, long section) { return sessionCount(section); }
+Id logicGetSessionAtIndexPath(Id, SEL, Id ip) { return sessionAt(ip); }
+Id logicGetCellDataAtIndexPath(Id, SEL, Id ip) { return cellDataAt(ip); }
 long numberOfSections(Id, SEL, Id) { return 1; }
 long numberOfRows(Id self, SEL, Id, long section) { return rt::send<long>(self, "logicGetCountForSection:", section); }
 // The host's cell shows the cell data of its row.
@@ -162,7 +168,6 @@ void defineMainListClasses(HostApp& app) {
       .build();
   HostClass(app, "NewMainFrameViewController", "UIViewController")
       .ivar("m_tableView", "@")
-      .ivar("m_logicController", "@")
       .method("viewDidLoad", mainViewDidLoad)
       .method("viewWillAppear:", mainViewWillAppear)
       .method("viewDidAppear:", mainViewDidAppear)
@@ -199,8 +204,7 @@ std::vector<std::string> HostApp::mainListShown() const {
 
 void HostApp::sessionsChanged() {
   if (!sim::hasCurrentProcess() || sim::currentProcess().hostApp() != this) return;
-  if (Id mgr = service("MainSessionMgr"))
-    if (rt::respondsTo(mgr, rt::sel("rebuildMainSessions"))) rt::send<void>(mgr, "rebuildMainSessions");
+  if (Id mgr = service("MainSessionMgr")) rebuildSessions(mgr);
   if (mainFrame_ && rt::respondsTo(mainFrame_, rt::sel("reloadSessions"))) rt::send<void>(mainFrame_, "reloadSessions");
 }
 

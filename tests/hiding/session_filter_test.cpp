@@ -1,0 +1,199 @@
+// The main-list filter: unchanged answers when nothing is hidden, row
+// remapping and counts, the count cache, re-entrancy, canShowInMainFrame:,
+// listing, and failing host getters.
+#include <gtest/gtest.h>
+
+#include "core/config.hpp"
+#include "hiding/session_hooks.hpp"
+#include "hiding/session_state.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "support/host_world.hpp"
+
+namespace {
+
+using core::QBConfig;
+using hiding::QBSessionHooks;
+using rt::Id;
+
+std::string nameOf(Id session) { return host::QBRuntime::usernameFrom(session); }
+
+class SessionFilter : public qbtest::HostWorld {
+ protected:
+  void SetUp() override {
+    for (const char* u : {"a", "S", "b"}) addFriend(u);
+    host.model.sessions = {"a", "S", "b"};
+  }
+  // The host built its list before S became secret, so S is in it.
+  void hideS() {
+    QBConfig::shared().addSecretUser("S");
+    QBSessionHooks::refreshFilterCache();
+  }
+  Id logic() { return rt::send<Id>(rt::getClass("MainFrameLogicController"), "new"); }
+  Id frame() { return host.mainFrame(); }
+  long count(Id obj, const char* sel, long section = 0) { return rt::send<long>(obj, sel, section); }
+  Id row(Id obj, const char* sel, long r, long section = 0) { return rt::send<Id>(obj, sel, rt::indexPath(r, section)); }
+};
+
+TEST_F(SessionFilter, NothingHiddenMeansTheHostsOwnAnswers) {
+  launchWithLibrary();
+  Id l = logic();
+  Id mgrSessionS = rt::elements(rt::send<Id>(QBSessionHooks::mainSessionMgr(), "normalSessions"))[1];
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 3);
+  EXPECT_EQ(row(l, "getSessionInfoAtIndexPath:", 1), mgrSessionS) << "the same object";
+  QBConfig::shared().addSecretUser("S");
+  QBConfig::shared().setUnlocked(true);
+  QBSessionHooks::refreshFilterCache();
+  EXPECT_FALSE(QBSessionHooks::filterActive());
+  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
+  EXPECT_EQ(row(frame(), "logicGetSessionAtIndexPath:", 1), mgrSessionS);
+  EXPECT_EQ(rt::send<long>(frame(), "tableView:numberOfRowsInSection:", static_cast<Id>(nullptr), 0L), 3);
+  EXPECT_TRUE(rt::send<bool>(rt::getClass("MainSessionMgr"), "canShowInMainFrame:", rt::str("S")));
+}
+
+TEST_F(SessionFilter, SecretRowsAreSkippedAndRowsRemapped) {
+  launchWithLibrary();
+  hideS();
+  Id l = logic();
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 2);
+  EXPECT_EQ(nameOf(row(l, "getSessionInfoAtIndexPath:", 0)), "a");
+  EXPECT_EQ(nameOf(row(l, "getSessionInfoAtIndexPath:", 1)), "b") << "visible row 1 is host row 2";
+  EXPECT_EQ(row(l, "getSessionInfoAtIndexPath:", 2), nullptr) << "beyond the filtered end";
+  EXPECT_EQ(nameOf(row(l, "getCellDataAtIndexPath:", 1)), "b");
+  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 2);
+  EXPECT_EQ(nameOf(row(frame(), "logicGetCellDataAtIndexPath:", 1)), "b");
+  EXPECT_EQ(rt::send<long>(frame(), "tableView:numberOfRowsInSection:", static_cast<Id>(nullptr), 0L), 2);
+  EXPECT_EQ(rt::send<Id>(l, "getSessionInfoAtIndexPath:", rt::str("not a path")), nullptr)
+      << "a non-index-path goes to the host unchanged";
+}
+
+TEST_F(SessionFilter, MappingOfEmptyAndNegativeCounts) {
+  launchWithLibrary();
+  hideS();
+  auto none = [](long) -> Id { return nullptr; };
+  EXPECT_EQ(QBSessionHooks::mapRow(0, 0, none), -1);
+  EXPECT_EQ(QBSessionHooks::mapRow(0, -4, none), -1);
+  EXPECT_EQ(QBSessionHooks::filteredCount(-4, none), 0);
+  std::vector<Id> s = {rt::str("S"), rt::str("S")};
+  EXPECT_EQ(QBSessionHooks::mapRow(0, 2, [&](long i) { return s[std::size_t(i)]; }), -1) << "all secret";
+  EXPECT_EQ(count(logic(), "getSessionCountForSection:", 1), 0) << "the host has nothing in section 1";
+}
+
+TEST_F(SessionFilter, TheCountIsCachedForAFewTenthsOfASecond) {
+  launchWithLibrary();
+  hideS();
+  Id l = logic();
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 2);
+  host.model.sessions.insert(host.model.sessions.begin(), "c");
+  addFriend("c");
+  process->runGuarded([&] { host.sessionsChanged(); });
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 2) << "within 0.45 s: the cached value";
+  wait(0.46);
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 3);
+  host.model.sessions.insert(host.model.sessions.begin(), "d");
+  addFriend("d");
+  process->runGuarded([&] { host.sessionsChanged(); });
+  QBSessionHooks::refreshFilterCache();
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 4) << "a refresh drops the cache";
+  EXPECT_EQ(count(l, "getSessionCountForSection:", 1), 0) << "another section replaces the one entry";
+  host.model.sessions.insert(host.model.sessions.begin(), "e");
+  addFriend("e");
+  process->runGuarded([&] { host.sessionsChanged(); });
+  EXPECT_EQ(count(l, "getSessionCountForSection:"), 5) << "section 0 was no longer cached";
+}
+
+TEST_F(SessionFilter, WhileReentrantTheGettersAreTheHosts) {
+  launchWithLibrary();
+  hideS();
+  hiding::sessionState().depth = 1;
+  EXPECT_EQ(count(logic(), "getSessionCountForSection:"), 3);
+  EXPECT_EQ(nameOf(row(logic(), "getSessionInfoAtIndexPath:", 1)), "S");
+  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
+  hiding::sessionState().depth = 0;
+  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 2);
+  EXPECT_EQ(hiding::sessionState().depth, 0) << "balanced after use";
+}
+
+TEST_F(SessionFilter, CanShowInMainFrameVetoesSecrets) {
+  launchWithLibrary();
+  hideS();
+  rt::Class mgr = rt::getClass("MainSessionMgr");
+  EXPECT_FALSE(rt::send<bool>(mgr, "canShowInMainFrame:", rt::str("S")));
+  EXPECT_TRUE(rt::send<bool>(mgr, "canShowInMainFrame:", rt::str("a")));
+  EXPECT_TRUE(rt::send<bool>(mgr, "canShowInMainFrame:", rt::str(""))) << "the host's answer";
+  Id session = rt::elements(rt::send<Id>(QBSessionHooks::mainSessionMgr(), "normalSessions"))[1];
+  EXPECT_FALSE(rt::send<bool>(mgr, "canShowInMainFrame:", session)) << "objects by their username";
+  EXPECT_EQ(countLog("[QB] +canShowInMainFrame: OK"), 1);
+}
+
+TEST_F(SessionFilter, ListingTheHostsSessions) {
+  launchWithLibrary();
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "?");
+  EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "MainSessionMgr");
+  std::vector<hiding::SessionItem> items = QBSessionHooks::listSessionItems();
+  ASSERT_EQ(items.size(), 3u);
+  EXPECT_EQ(items[1].displayName, "S");
+  EXPECT_NE(items[1].avatar, nullptr);
+}
+
+class SessionListingFallBacks : public SessionFilter {};
+
+TEST_F(SessionListingFallBacks, FromTheIndexGetterThenTheSessionArray) {
+  for (const char* k : {"normalSessions", "topSessions", "allTopSessions"}) host.build.lackingMethods.insert({"MainSessionMgr", k});
+  launchWithLibrary();
+  EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
+}
+
+TEST_F(SessionListingFallBacks, TheSessionArrayWhenTheMainManagerIsMissing) {
+  host.build.lackingClasses.insert("MainSessionMgr");
+  launchWithLibrary();
+  EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "m_arrSessionInfo");
+}
+
+TEST_F(SessionListingFallBacks, NoManagersAtAll) {
+  host.build.lackingClasses.insert("MainSessionMgr");
+  host.build.lackingClasses.insert("MMNewSessionMgr");
+  launchWithLibrary();
+  EXPECT_TRUE(QBSessionHooks::listSessionUsernames().empty());
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "mgr-nil");
+}
+
+TEST_F(SessionListingFallBacks, ARaisingManagerNamesTheException) {
+  host.build.raisingMethods.insert({"MainSessionMgr", "getNormalSessionAtIndex:"});
+  for (const char* k : {"normalSessions", "topSessions", "allTopSessions"}) host.build.lackingMethods.insert({"MainSessionMgr", k});
+  launchWithLibrary();
+  EXPECT_TRUE(QBSessionHooks::listSessionUsernames().empty());
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "NSGenericException");
+}
+
+// When a host getter the filter relies on fails, the list falls open: the
+// host's own rows, secrets included, and nothing escapes into the host.
+TEST_F(SessionFilter, ARaisingGetterLeavesTheHostsRows) {
+  host.build.raisingMethods.insert({"NewMainFrameViewController", "logicGetSessionAtIndexPath:"});
+  launchWithLibrary();
+  hideS();
+  process->runGuarded([&] { rt::send<void>(frame(), "reloadSessions"); });
+  EXPECT_FALSE(process->crashed()) << process->crashReason();
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
+}
+
+TEST_F(SessionFilter, MissingHookGroupsAreSkippedAndTheRestStillFilters) {
+  host.build.lackingClasses.insert("MainFrameLogicController");
+  host.build.lackingMethods.insert({"NewMainFrameViewController", "logicGetSessionAtIndexPath:"});
+  launchWithLibrary();
+  EXPECT_EQ(countLog("[QB][stable] replace missing NewMainFrameViewController logicGetSessionAtIndexPath:"), 1);
+  EXPECT_EQ(countLog("[QB][stable] replace getSessionInfoAtIndexPath:"), 0) << "the missing class's group is skipped";
+  hideS();
+  // Rows fall back to the cell-data getter for the walk; the count needs the
+  // session getter and so stays the host's.
+  EXPECT_EQ(nameOf(row(frame(), "logicGetCellDataAtIndexPath:", 1)), "b");
+  EXPECT_EQ(row(frame(), "logicGetCellDataAtIndexPath:", 2), nullptr);
+  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
+}
+
+}  // namespace
