@@ -8,6 +8,7 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sim/foundation.hpp"
 #include "sim/runtime.hpp"
 #include "sim/uikit/uikit.hpp"
 
@@ -47,15 +48,17 @@ void rebuildSessions(Id mgr) {
 
 // The host's own read of its list, straight from the manager's storage (a
 // build without the manager lists every session).
-std::vector<Id> mainSessionList() {
+const std::vector<Id>& mainSessionList() {
   Id mgr = service("MainSessionMgr");
   if (!mgr) {
     std::vector<Id> all;
     for (const std::string& u : model().sessions) all.push_back(makeSession(u));
-    return all;
+    Id& list = sim::runtime().singleton("hostapp.allSessions");
+    list = rt::array(all);
+    return sim::native<sim::ArrayData>(list)->items;
   }
   if (!ivar(mgr, "m_arrNormalSessions")) rebuildSessions(mgr);
-  return rt::elements(ivar(mgr, "m_arrNormalSessions"));
+  return sim::native<sim::ArrayData>(ivar(mgr, "m_arrNormalSessions"))->items;
 }
 
 void rebuildMainSessions(Id self, SEL) { rebuildSessions(self); }
@@ -63,7 +66,7 @@ Id normalSessions(Id, SEL) { return rt::array(mainSessionList()); }
 Id noSessions(Id, SEL) { return rt::array({}); }
 long visibleNormalSessionCount(Id, SEL) { return long(mainSessionList().size()); }
 Id getNormalSessionAtIndex(Id, SEL, long i) {
-  std::vector<Id> list = mainSessionList();
+  const std::vector<Id>& list = mainSessionList();
   return i >= 0 && i < long(list.size()) ? list[std::size_t(i)] : nullptr;
 }
 void updateMainSessionList(Id, SEL) {}
@@ -82,7 +85,7 @@ Id newSessionMgrInit(Id self, SEL) {
 long sessionCount(long section) { return section == 0 ? long(mainSessionList().size()) : 0; }
 Id sessionAt(Id indexPath) {
   if (!rt::isIndexPath(indexPath) || rt::indexPathSection(indexPath) != 0) return nullptr;
-  std::vector<Id> list = mainSessionList();
+  const std::vector<Id>& list = mainSessionList();
   long row = rt::indexPathRow(indexPath);
   return row >= 0 && row < long(list.size()) ? list[std::size_t(row)] : nullptr;
 }

@@ -32,6 +32,7 @@ struct ViewState {
   bool dragging = false;
   bool decelerating = false;
   long reloads = 0;
+  double rowHeight = 44;  // UIKit's default; what fits the frame is what a reload asks for
   // What the table showed at its last reloadData: the data source's answers,
   // asked the way UIKit asks (sections, rows per section, then each row).
   std::vector<std::vector<rt::Id>> shownRows;
