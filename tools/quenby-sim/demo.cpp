@@ -17,22 +17,30 @@ struct Step {
 
 const std::vector<Step>& demoSteps() {
   static const std::vector<Step> steps = {
-      {"A simulated phone. Its clock reads 08:00; time only moves when the script says so.", {"clock 08:00"}},
-      {"Before the app starts, the user has marked two contacts as secret (密友): a friend and a group chat. "
+      {"A simulated phone at 08:00, with the host app's address book and recent chats. "
+       "Time only moves when the script says so.",
+       {"clock 08:00", "friend alice nick=Alice", "friend bob nick=Bob remark=老板", "friend carol nick=Carol",
+        "room team@chatroom title=Team", "session team@chatroom", "session carol", "session bob", "session alice"}},
+      {"Before the app starts, the user has marked a friend and a group chat as secret (密友). "
        "The settings file in the app's container now holds them.",
-       {"secret alice", "secret team@chatroom", "expect file secrets [alice team@chatroom]"}},
-      {"The host app starts cold with the library loaded. Every start is hidden, whatever the last run ended in.",
-       {"launch", "expect hidden", "show state"}},
+       {"secret bob", "secret team@chatroom", "expect file secrets [bob team@chatroom]"}},
+      {"The host app starts cold with the library loaded. Every start is hidden: the very first chat list "
+       "the host draws already leaves the secret chats out.",
+       {"launch", "expect hidden", "show main", "show state"}},
+      {"Bob writes. His chat would jump to the top of the list, but it stays out of sight; Carol's does not.",
+       {"message bob \"are you free?\"", "session carol", "show main"}},
+      {"As the app settles it re-applies the hidden state, and leaving and returning changes nothing shown.",
+       {"wait 2", "background", "wait 30", "foreground", "wait 1", "expect main carol alice"}},
       {"Messages from secrets should only vibrate while hidden; the change is saved at once.",
        {"setting secretNotifyMode 1", "expect file secretNotifyMode 1", "expect file backgroundNotify true"}},
       {"A schedule for later: show the secrets from 08:00 to 13:00, hide them across the night.",
        {"setting dailyWindows 08:00-13:00 show 22:00-06:00 hide",
         "expect file dailyWindows [{start = 480; end = 780; mode = 0}, {start = 1320; end = 360; mode = 1}]"}},
-      {"The user leaves the app and comes back; half a minute passes in virtual time.",
-       {"background", "wait 30", "foreground"}},
-      {"The app is ended and started again: the settings survive, and the secrets are hidden again.",
-       {"quit", "launch", "expect hidden", "show config"}},
-      {"Everything the library wrote to the log so far:", {"show log"}},
+      {"Bob is taken off the secret list; his next message brings his chat back.",
+       {"unsecret bob", "message bob \"hello?\"", "show main"}},
+      {"The app is ended and started again: the settings survive, and the remaining secret is hidden again.",
+       {"quit", "launch", "expect hidden", "expect main bob carol alice", "show config"}},
+      {"What the library wrote to the log, in virtual time:", {"show log"}},
   };
   return steps;
 }
