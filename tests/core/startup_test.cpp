@@ -13,24 +13,32 @@ using core::QBConfig;
 
 class Startup : public qbtest::SimWorld {};
 
+long logged(const sim::Device& device, const std::string& text) {
+  long n = 0;
+  for (const auto& l : device.log()) n += l.text == text;
+  return n;
+}
+
 TEST_F(Startup, EveryLaunchStartsHiddenAndTheRestRunsOnTheMainQueue) {
   QBConfig::shared().setUnlocked(true);
   core::libraryEntry();
   EXPECT_FALSE(QBConfig::shared().unlocked()) << "step A hides at once";
   EXPECT_EQ(process.mainQueue().pending(), 1u) << "step B is queued, not run";
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 0);
   QBConfig::shared().setUnlocked(true);
   process.runDue();
   EXPECT_FALSE(QBConfig::shared().unlocked()) << "step C hides again";
-  EXPECT_EQ(process.mainQueue().pending(), 2u) << "the two delayed re-applies";
-  process.advance(1.4);
-  EXPECT_EQ(process.mainQueue().pending(), 0u);
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 1);
+  EXPECT_EQ(logged(device, "[QB] schedule OK"), 1);
 }
 
 TEST_F(Startup, StepCRunsOncePerProcess) {
   core::libraryEntry();
   core::libraryEntry();
-  process.runDue();
-  EXPECT_EQ(process.mainQueue().pending(), 2u) << "a second step B installs nothing and schedules nothing";
+  process.advance(2);
+  EXPECT_EQ(logged(device, "[QB] session hooks READY (early, default secret)"), 1);
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 1) << "a second step B installs nothing";
+  EXPECT_EQ(logged(device, "[QB] schedule OK"), 1);
 }
 
 TEST_F(Startup, TheShakeClassIsThereToBeFoundByName) {

@@ -6,6 +6,7 @@
 #include "commands.hpp"
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
+#include "triggers/schedule.hpp"
 
 namespace qbsim {
 namespace {
@@ -40,7 +41,8 @@ base::Value windowsWords(const std::vector<std::string>& words, std::size_t from
   return base::Value(std::move(list));
 }
 
-void applySetting(QBConfig& c, const Command& cmd) {
+// `running`: the app is up, so the panel's follow-up (applying the schedule) runs too.
+void applySetting(QBConfig& c, const Command& cmd, bool running) {
   const std::string& key = cmd.words[1];
   const std::string& value = cmd.words[2];
   auto needBool = [&] {
@@ -85,9 +87,14 @@ void applySetting(QBConfig& c, const Command& cmd) {
     c.setBackgroundNotifyEnabled(mode != 0);  // the panel's notify rows set both
   } else if (key == "visibilityControl") {
     c.setVisibilityControlMode(needMode(1));
+    c.save();
+    // The panel applies the schedule on the change (and again when it closes).
+    if (running && c.usesScheduleVisibility()) triggers::QBSchedule::applyNow();
+    return;
   } else if (key == "dailyWindows") {
     std::string message;
     if (!c.setDailyWindows(windowsWords(cmd.words, 2), &message)) throw ScriptError{"setting dailyWindows: " + message};
+    if (running) triggers::QBSchedule::applyNow();
     return;
   } else {
     throw ScriptError{"setting: unknown key '" + key + "'"};
@@ -122,9 +129,10 @@ void addStateCommands(CommandTable& t) {
                     // Parse before touching anything, so a bad value changes nothing.
                     if (c.words[1] == "dailyWindows") windowsWords(c.words, 2);
                     std::optional<ScriptError> error;
+                    bool running = s.process() != nullptr;
                     s.withLibrary([&] {
                       try {
-                        applySetting(QBConfig::shared(), c);
+                        applySetting(QBConfig::shared(), c, running);
                       } catch (const ScriptError& e) {
                         error = e;
                       }

@@ -1,0 +1,127 @@
+// The two drivers that change visibility without the user asking: the daily
+// schedule and the auto-lock when the app leaves the foreground.
+#include <gtest/gtest.h>
+
+#include "core/config.hpp"
+#include "support/host_world.hpp"
+#include "triggers/auto_lock.hpp"
+#include "triggers/schedule.hpp"
+
+namespace {
+
+using core::QBConfig;
+using triggers::QBAutoLock;
+using triggers::QBSchedule;
+
+class Drivers : public qbtest::HostWorld {
+ protected:
+  void SetUp() override {
+    for (const char* u : {"a", "S", "b"}) addFriend(u);
+    host.model.sessions = {"a", "S", "b"};
+  }
+  void launchInScheduleMode(int hour, int minute) {
+    device.setLocalTime(hour, minute);
+    launchWithLibrary();
+    QBConfig& c = QBConfig::shared();
+    c.addSecretUser("S");
+    c.setVisibilityControlMode(1);
+  }
+};
+
+TEST_F(Drivers, AScheduleDayRevealsAtEightAndHidesAtTen) {
+  launchInScheduleMode(7, 59);
+  wait(2);  // the first apply, 1.2 s after start-up
+  EXPECT_FALSE(QBConfig::shared().unlocked());
+  EXPECT_EQ(countLog("[QB] schedule apply"), 0) << "already hidden: no log, no reload";
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "b"}));
+  wait(60);  // the 30 s ticks cross 08:00
+  EXPECT_TRUE(QBConfig::shared().unlocked());
+  EXPECT_EQ(countLog("[QB] schedule apply → show"), 1);
+  wait(1);
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"})) << "revealed without authentication";
+  device.setLocalTime(21, 59);
+  wait(31);
+  EXPECT_TRUE(QBConfig::shared().unlocked());
+  wait(60);
+  EXPECT_FALSE(QBConfig::shared().unlocked());
+  EXPECT_EQ(countLog("[QB] schedule apply → hide"), 1);
+  wait(1);
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "b"}));
+}
+
+TEST_F(Drivers, WindowsAcrossMidnightAndHideWindows) {
+  launchInScheduleMode(23, 0);
+  std::string m;
+  ASSERT_TRUE(QBConfig::shared().setDailyWindows(
+      core::windowsValue({{1320, 360, 0}, {360, 480, 1}}), &m)) << m;
+  QBSchedule::applyNow();
+  EXPECT_TRUE(QBConfig::shared().unlocked()) << "23:00 is inside 22:00-06:00 show";
+  device.setLocalTime(6, 30);
+  QBSchedule::applyNow();
+  EXPECT_FALSE(QBConfig::shared().unlocked()) << "a hide window";
+  device.setLocalTime(12, 0);
+  QBSchedule::applyNow();
+  EXPECT_FALSE(QBConfig::shared().unlocked()) << "outside every window: hidden";
+}
+
+TEST_F(Drivers, TheScheduleStaysOutOfManualModeAndOfAuthentication) {
+  device.setLocalTime(9, 0);
+  launchWithLibrary();
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  wait(100);
+  EXPECT_FALSE(c.unlocked()) << "manual mode: the schedule does nothing";
+  EXPECT_EQ(countLog("[QB] schedule apply"), 0);
+  c.setVisibilityControlMode(1);
+  c.setSuppressSessionApply(true);
+  wait(31);
+  EXPECT_FALSE(c.unlocked()) << "frozen while an authentication screen is up";
+  c.setSuppressSessionApply(false);
+  wait(31);
+  EXPECT_TRUE(c.unlocked());
+}
+
+TEST_F(Drivers, LeavingTheForegroundLocksOnceForABurstOfNotifications) {
+  launchWithLibrary();
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  c.setUnlocked(true);
+  wait(5);
+  std::size_t before = device.log().size();
+  ASSERT_TRUE(process->enterBackground());  // four notifications at once
+  EXPECT_FALSE(c.unlocked());
+  EXPECT_EQ(countLog("[QB] auto-lock ", before), 1);
+  EXPECT_EQ(countLog("[QB] auto-lock UISceneWillDeactivateNotification", before), 1) << "the first of them";
+}
+
+TEST_F(Drivers, AutoLockDebounceAndItsConditions) {
+  launchWithLibrary();
+  QBConfig& c = QBConfig::shared();
+  QBAutoLock::autoLockWithReason("x");
+  EXPECT_EQ(countLog("[QB] auto-lock x"), 0) << "no secrets";
+  c.addSecretUser("S");
+  c.setUnlocked(true);
+  QBAutoLock::autoLockWithReason("first");
+  EXPECT_FALSE(c.unlocked());
+  c.setUnlocked(true);
+  wait(0.5);
+  QBAutoLock::autoLockWithReason("too soon");
+  EXPECT_TRUE(c.unlocked());
+  wait(0.4);
+  QBAutoLock::autoLockWithReason("later");
+  EXPECT_FALSE(c.unlocked());
+  wait(1);
+  c.setUnlocked(true);
+  c.setSuppressAutoLock(true);
+  QBAutoLock::autoLockWithReason("during authentication");
+  EXPECT_TRUE(c.unlocked());
+  c.setSuppressAutoLock(false);
+  c.setVisibilityControlMode(1);
+  QBAutoLock::autoLockWithReason("schedule mode");
+  EXPECT_TRUE(c.unlocked());
+  EXPECT_EQ(countLog("[QB] auto-lock first"), 1);
+  EXPECT_EQ(countLog("[QB] auto-lock later"), 1);
+  EXPECT_EQ(countLog("[QB] auto-lock too soon") + countLog("[QB] auto-lock during") + countLog("[QB] auto-lock schedule"), 0);
+}
+
+}  // namespace
