@@ -1,6 +1,7 @@
 #include "sim/bplist_reader.hpp"
 
 #include <cstdint>
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -18,7 +19,10 @@ constexpr int kMaxDepth = 512;
 
 class Reader {
  public:
-  explicit Reader(std::string_view b) : b_(b) {}
+  // Every value but the root is reached through a reference of at least one
+  // byte, so a file never holds more values than bytes unless it is built to
+  // multiply itself.
+  explicit Reader(std::string_view b) : b_(b), maxValues_(std::min(kMaxValues, b.size())) {}
 
   base::Value read() {
     if (b_.size() < 8 + 32 || b_.substr(0, 8) != "bplist00") throw Refused{};
@@ -72,7 +76,7 @@ class Reader {
   }
 
   base::Value object(std::uint64_t ref, int depth) {
-    if (depth > kMaxDepth || ++values_ > kMaxValues) throw Refused{};
+    if (depth > kMaxDepth || ++values_ > maxValues_) throw Refused{};
     std::size_t at = offsetOf(ref);
     unsigned marker = byte(at);
     switch (marker >> 4) {
@@ -86,6 +90,7 @@ class Reader {
         std::size_t width = std::size_t(1) << p;
         if (width == 16) {  // 128-bit: only the low 64 bits can be a settings value
           std::uint64_t high = unsignedAt(at + 1, 8), low = unsignedAt(at + 9, 8);
+          if (high == 0 && low > std::uint64_t(INT64_MAX)) return base::Value(static_cast<long long>(INT64_MAX));
           if (high != 0 && high != ~std::uint64_t(0)) throw Refused{};
           return base::Value(static_cast<long long>(low));
         }
@@ -182,6 +187,7 @@ class Reader {
   unsigned offsetSize_ = 0, refSize_ = 0;
   std::uint64_t objects_ = 0, tableAt_ = 0;
   std::size_t values_ = 0;
+  std::size_t maxValues_;
 };
 
 }  // namespace

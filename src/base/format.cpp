@@ -3,61 +3,88 @@
 // bytes, as NSLog does for ASCII.
 #include "base/format.hpp"
 
+#include <climits>
 #include <cstdio>
-#include <cstring>
+#include <optional>
+
+#include "base/utf8.hpp"
 
 namespace base {
 namespace {
 
 struct Spec {
   std::string flags;
-  std::string width;
-  std::string precision;  // with its dot, or empty
+  int width = 0;
+  int precision = -1;  // none
   char conversion = 0;
 };
 
 bool isFlag(char c) { return c == '-' || c == '+' || c == ' ' || c == '0' || c == '#'; }
 bool isLengthModifier(char c) { return c == 'h' || c == 'l' || c == 'q' || c == 'z' || c == 't' || c == 'j' || c == 'L'; }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Reads a width or precision; nullopt when it does not fit an int, which
+// printf could not honour either.
+std::optional<int> readNumber(std::string_view fmt, std::size_t& i) {
+  long long n = 0;
+  for (; i < fmt.size() && isDigit(fmt[i]); ++i) {
+    n = n * 10 + (fmt[i] - '0');
+    if (n > INT_MAX) return std::nullopt;
+  }
+  return static_cast<int>(n);
+}
 
 std::string pad(std::string_view text, const Spec& s) {
-  std::string out(text);
-  if (!s.precision.empty() && s.precision.size() > 1) {
-    std::size_t limit = std::strtoul(s.precision.c_str() + 1, nullptr, 10);
-    if (out.size() > limit) out.resize(limit);
+  if (s.precision >= 0 && text.size() > std::size_t(s.precision)) {
+    // Cut on a character boundary so that the line stays valid UTF-8.
+    std::size_t cut = std::size_t(s.precision);
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+    text = text.substr(0, cut);
   }
-  std::size_t width = s.width.empty() ? 0 : std::strtoul(s.width.c_str(), nullptr, 10);
-  if (out.size() < width) {
-    bool left = s.flags.find('-') != std::string::npos;
-    std::string fill(width - out.size(), ' ');
-    out = left ? out + fill : fill + out;
+  std::string out(text);
+  if (out.size() < std::size_t(s.width)) {
+    std::string fill(std::size_t(s.width) - out.size(), ' ');
+    out = s.flags.find('-') != std::string::npos ? out + fill : fill + out;
   }
   return out;
 }
 
-std::string numeric(const Spec& s, const FormatArg* arg) {
-  std::string fmt = "%" + s.flags + s.width + s.precision;
-  char buf[128];
+template <typename T>
+std::optional<std::string> printfOne(const Spec& s, const char* length, T value) {
+  std::string fmt = "%" + s.flags;
+  if (s.width > 0) fmt += std::to_string(s.width);
+  if (s.precision >= 0) fmt += "." + std::to_string(s.precision);
+  fmt += length;
+  fmt += s.conversion;
+  int n = std::snprintf(nullptr, 0, fmt.c_str(), value);
+  if (n < 0) return std::nullopt;
+  std::string out(std::size_t(n) + 1, '\0');
+  std::snprintf(out.data(), out.size(), fmt.c_str(), value);
+  out.resize(std::size_t(n));
+  return out;
+}
+
+std::optional<std::string> numeric(const Spec& s, const FormatArg* arg) {
   switch (s.conversion) {
     case 'd':
     case 'i':
-      std::snprintf(buf, sizeof buf, (fmt + "lld").c_str(), static_cast<long long>(arg ? arg->asSigned() : 0));
-      break;
+      return printfOne(s, "ll", static_cast<long long>(arg ? arg->asSigned() : 0));
     case 'u':
     case 'x':
     case 'X':
     case 'o':
-      std::snprintf(buf, sizeof buf, (fmt + "ll" + s.conversion).c_str(),
-                    static_cast<unsigned long long>(arg ? arg->asUnsigned() : 0));
-      break;
+      return printfOne(s, "ll", static_cast<unsigned long long>(arg ? arg->asUnsigned() : 0));
     case 'c': {
-      std::string c(1, static_cast<char>(arg ? arg->asSigned() : 0));
+      // A character code beyond ASCII is taken as a code point (Latin-1 for
+      // one byte), so that it stays readable UTF-8; NUL prints nothing.
+      std::int64_t code = arg ? arg->asSigned() : 0;
+      std::string c;
+      if (code > 0 && code <= 0x10FFFF) appendUtf8(c, static_cast<char32_t>(code));
       return pad(c, s);
     }
     default:  // f F e E g G
-      std::snprintf(buf, sizeof buf, (fmt + s.conversion).c_str(), arg ? arg->asReal() : 0.0);
-      break;
+      return printfOne(s, "", arg ? arg->asReal() : 0.0);
   }
-  return buf;
 }
 
 }  // namespace
@@ -79,10 +106,12 @@ std::string formatv(std::string_view fmt, std::initializer_list<FormatArg> args)
     }
     Spec s;
     while (i < fmt.size() && isFlag(fmt[i])) s.flags += fmt[i++];
-    while (i < fmt.size() && fmt[i] >= '0' && fmt[i] <= '9') s.width += fmt[i++];
+    std::optional<int> width = readNumber(fmt, i);
+    std::optional<int> precision = 0;
     if (i < fmt.size() && fmt[i] == '.') {
-      s.precision += fmt[i++];
-      while (i < fmt.size() && fmt[i] >= '0' && fmt[i] <= '9') s.precision += fmt[i++];
+      ++i;
+      precision = readNumber(fmt, i);  // "%.s" is precision 0, as in C
+      if (precision) s.precision = *precision;
     }
     while (i < fmt.size() && isLengthModifier(fmt[i])) ++i;
     if (i >= fmt.size()) {
@@ -90,23 +119,32 @@ std::string formatv(std::string_view fmt, std::initializer_list<FormatArg> args)
       break;
     }
     s.conversion = fmt[i];
+    std::string_view written = fmt.substr(start, i - start + 1);
+    if (!width || !precision) {
+      out.append(written);
+      continue;
+    }
+    s.width = *width;
     switch (s.conversion) {
       case '@':
       case 's': {
         const FormatArg* a = take();
         if (!a) out += pad("(null)", s);
         else if (a->kind() == FormatArg::Kind::Text) out += pad(a->asText(), s);
-        else if (a->kind() == FormatArg::Kind::Real) out += pad(numeric(Spec{"", "", "", 'g'}, a), s);
+        else if (a->kind() == FormatArg::Kind::Real) out += pad(numeric(Spec{"", 0, -1, 'g'}, a).value_or(""), s);
         else if (a->kind() == FormatArg::Kind::Unsigned) out += pad(std::to_string(a->asUnsigned()), s);
         else out += pad(std::to_string(a->asSigned()), s);
         break;
       }
       case 'd': case 'i': case 'u': case 'x': case 'X': case 'o': case 'c':
-      case 'f': case 'F': case 'e': case 'E': case 'g': case 'G':
-        out += numeric(s, take());
+      case 'f': case 'F': case 'e': case 'E': case 'g': case 'G': {
+        std::optional<std::string> text = numeric(s, take());
+        if (text) out += *text;
+        else out.append(written);
         break;
+      }
       default:
-        out.append(fmt.substr(start, i - start + 1));
+        out.append(written);
         break;
     }
   }

@@ -31,12 +31,25 @@ class FormatArg {
   FormatArg(const std::string& s) : kind_(Kind::Text), s_(s) {}
 
   Kind kind() const { return kind_; }
-  std::int64_t asSigned() const { return kind_ == Kind::Unsigned ? static_cast<std::int64_t>(u_) : kind_ == Kind::Real ? static_cast<std::int64_t>(d_) : i_; }
-  std::uint64_t asUnsigned() const { return kind_ == Kind::Unsigned ? u_ : kind_ == Kind::Real ? static_cast<std::uint64_t>(d_) : static_cast<std::uint64_t>(i_); }
+  std::int64_t asSigned() const { return kind_ == Kind::Unsigned ? static_cast<std::int64_t>(u_) : kind_ == Kind::Real ? realToSigned(d_) : i_; }
+  std::uint64_t asUnsigned() const { return kind_ == Kind::Unsigned ? u_ : kind_ == Kind::Real ? realToUnsigned(d_) : static_cast<std::uint64_t>(i_); }
   double asReal() const { return kind_ == Kind::Real ? d_ : kind_ == Kind::Unsigned ? static_cast<double>(u_) : static_cast<double>(i_); }
   std::string_view asText() const { return s_; }
 
  private:
+  // A real given for an integer conversion: truncated and clamped, since a
+  // plain cast of NaN or an out-of-range value is undefined.
+  static std::int64_t realToSigned(double d) {
+    if (d != d) return 0;
+    if (d >= 9223372036854775807.0) return INT64_MAX;
+    if (d <= -9223372036854775808.0) return INT64_MIN;
+    return static_cast<std::int64_t>(d);
+  }
+  static std::uint64_t realToUnsigned(double d) {
+    if (d >= 18446744073709551615.0) return UINT64_MAX;
+    return d >= 0 ? static_cast<std::uint64_t>(d) : static_cast<std::uint64_t>(realToSigned(d));
+  }
+
   Kind kind_;
   std::int64_t i_ = 0;
   std::uint64_t u_ = 0;

@@ -6,12 +6,17 @@ namespace base {
 
 char32_t decodeUtf8(std::string_view s, std::size_t& i) {
   auto byte = [&](std::size_t k) { return static_cast<unsigned char>(s[k]); };
+  if (i >= s.size()) {
+    ++i;
+    return 0xFFFD;
+  }
   unsigned char b0 = byte(i);
   if (b0 < 0x80) {
     ++i;
     return b0;
   }
-  int len = b0 >= 0xF0 && b0 <= 0xF4 ? 4 : b0 >= 0xE0 ? 3 : b0 >= 0xC2 && b0 <= 0xDF ? 2 : 0;
+  // C0, C1 and F5-FF never start a sequence; continuation bytes neither.
+  int len = b0 >= 0xF0 && b0 <= 0xF4 ? 4 : b0 >= 0xE0 && b0 <= 0xEF ? 3 : b0 >= 0xC2 && b0 <= 0xDF ? 2 : 0;
   if (len == 0 || i + std::size_t(len) > s.size()) {
     ++i;
     return 0xFFFD;

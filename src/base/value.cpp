@@ -45,7 +45,8 @@ void describeInto(std::string& out, const Value& v) {
     case T::Data: out += "<" + std::to_string(v.asData()->size()) + " bytes>"; break;
     case T::Date: {
       char buf[48];
-      std::snprintf(buf, sizeof buf, "date(%g)", v.asDate()->seconds);
+      // Down to the second; %g keeps six digits, a quarter of an hour here.
+      std::snprintf(buf, sizeof buf, "date(%.15g)", v.asDate()->seconds);
       out += buf;
       break;
     }

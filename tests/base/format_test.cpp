@@ -1,6 +1,8 @@
 // The Objective-C style formatter of log lines.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "base/format.hpp"
 
 namespace {
@@ -28,6 +30,8 @@ TEST(Format, WidthFlagsAndPrecision) {
   EXPECT_EQ(format("%.2f", 0.125), "0.12");
   EXPECT_EQ(format("%x %X", 255, 255), "ff FF");
   EXPECT_EQ(format("%lld %llu %zu", -1LL, 2ULL, 3UL), "-1 2 3");
+  EXPECT_EQ(format("[%.4s][%.s]", "密友", "abc"), "[密][]") << "cut on a character boundary";
+  EXPECT_EQ(format("%c%c", 'A', 0xE9), "Aé");
 }
 
 TEST(Format, MissingSurplusAndUnknown) {
@@ -37,6 +41,8 @@ TEST(Format, MissingSurplusAndUnknown) {
   EXPECT_EQ(format("%@", 5), "5") << "a number given for %@ prints as one";
   EXPECT_EQ(format("%d", std::string("text")), "0");
   EXPECT_EQ(format(""), "");
+  EXPECT_EQ(format("%99999999999d|%d", 7), "%99999999999d|7") << "a width printf cannot take";
+  EXPECT_EQ(format("%d|%u", 1e300, -1.0), std::to_string(INT64_MAX) + "|" + std::to_string(UINT64_MAX));
 }
 
 }  // namespace

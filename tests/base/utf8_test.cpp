@@ -19,6 +19,10 @@ TEST(Utf8, DecodesAndRejectsMalformedSequences) {
   EXPECT_EQ(decodeAll("\xF4\x90\x80\x80"), (std::u32string(4, 0xFFFD))) << "above U+10FFFF";
   EXPECT_EQ(decodeAll("\xE5\xAF"), (std::u32string{0xFFFD, 0xFFFD})) << "truncated";
   EXPECT_EQ(decodeAll("\xFF" "a"), (std::u32string{0xFFFD, U'a'}));
+  EXPECT_EQ(decodeAll("\xF8\x88\x80\x80"), (std::u32string(4, 0xFFFD))) << "F5-FF start nothing";
+  EXPECT_EQ(decodeAll("\xF5\x80\x80\x80"), (std::u32string(4, 0xFFFD)));
+  EXPECT_EQ(decodeAll("\x80\xBF"), (std::u32string(2, 0xFFFD))) << "stray continuation bytes";
+  EXPECT_FALSE(base::isValidUtf8("\xEE\x80"));
   EXPECT_TRUE(base::isValidUtf8("密友 \xEF\xBF\xBD ok"));
   EXPECT_FALSE(base::isValidUtf8("bad \xFF"));
   EXPECT_EQ(base::codePointCount("密友ab"), 4u);
@@ -38,6 +42,21 @@ TEST(Utf8, CaseMappingOfTheCoveredScripts) {
   EXPECT_EQ(base::uppercase("σας"), "ΣΑΣ") << "final sigma capitalises to Σ";
   EXPECT_EQ(base::lowercase("ПРИВЕТ ЁЂ Ѡ"), "привет ёђ ѡ");
   EXPECT_EQ(base::lowercase("密友 123"), "密友 123");
+  EXPECT_EQ(base::lowercase("ĿŇŊŹ"), "ŀňŋź") << "either side of the odd/even switch";
+  EXPECT_EQ(base::lowercase("ς ŉ ĸ"), "ς ŉ ĸ");
+}
+
+TEST(Utf8, CaseMappingIsOneToOneApartFromTheOneWayLetters) {
+  for (char32_t cp = 0; cp < 0x530; ++cp) {
+    char32_t lower = base::toLower(cp), upper = base::toUpper(cp);
+    if (lower != cp && cp != 0x130) {
+      EXPECT_EQ(base::toUpper(lower), cp) << std::hex << unsigned(cp);
+    }
+    if (upper != cp && cp != 0x131 && cp != 0x17F && cp != 0x3C2) {
+      EXPECT_EQ(base::toLower(upper), cp) << std::hex << unsigned(cp);
+    }
+    EXPECT_FALSE(lower != cp && upper != cp) << "a letter is not both cases " << std::hex << unsigned(cp);
+  }
 }
 
 TEST(Utf8, FirstCharacterAndContains) {

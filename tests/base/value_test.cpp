@@ -36,6 +36,9 @@ TEST(ValueNumbers, OnlyNumbersAndStringsAnswer) {
   EXPECT_EQ(Value(false).boolValue(), false);
   EXPECT_EQ(Value(-2.9).integerValue(), -2) << "truncated toward zero";
   EXPECT_EQ(Value(1e300).integerValue(), LONG_MAX);
+  EXPECT_EQ(Value(-1e300).integerValue(), LONG_MIN);
+  EXPECT_EQ(Value(0.0 / 0.0).integerValue(), 0);
+  EXPECT_EQ(Value(-1).boolValue(), true);
   EXPECT_EQ(Value(0.5).boolValue(), true);
   EXPECT_EQ(Value(0).boolValue(), false);
   EXPECT_EQ(Value(" 12").integerValue(), 12);
@@ -70,6 +73,9 @@ TEST(ValueDescribe, ReadableForms) {
   EXPECT_EQ(base::describe(v), "{s = \"a\\\"b\"; a = [1, true, null]}");
   EXPECT_EQ(base::describe(Value(0.25)), "0.25");
   EXPECT_EQ(base::describe(Value(base::Data{1, 2})), "<2 bytes>");
+  EXPECT_EQ(base::describe(Value(base::Date{817128000.5})), "date(817128000.5)");
+  EXPECT_EQ(base::describe(Value(base::Array{Value(base::Dictionary{}), Value(false), Value("\\")})),
+            "[{}, false, \"\\\\\"]");
 }
 
 }  // namespace

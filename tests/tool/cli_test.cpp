@@ -94,7 +94,7 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
 
 TEST_F(Cli, SeveralFilesRunOnNewDevicesAndTheWorstStatusWins) {
   std::string ok = script("a.qbs", "launch\n");
-  std::string bad = script("b.qbs", "launch\nexpect log \"x\"\n");
+  std::string bad = script("b.qbs", "launch\nexpect log \"no such line zz\"\n");
   std::string err = script("c.qbs", "nope\n");
   EXPECT_EQ(run({ok, bad, ok}), 1);
   EXPECT_NE(out.str().find("2 passed, 1 failed"), std::string::npos);
@@ -134,11 +134,11 @@ TEST_F(Cli, ExpectFileReadsTheSettingsFileInTheContainer) {
 }
 
 TEST_F(Cli, TheReplReportsErrorsAndGoesOn) {
-  std::istringstream in("launch\nnope\nwait 1\nexpect log \"x\"\n");
+  std::istringstream in("launch\nnope\nwait 1\nexpect log \"no such line zz\"\n");
   std::ostringstream o;
   EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 2);
   EXPECT_NE(o.str().find("repl:2: unknown command 'nope'"), std::string::npos) << o.str();
-  EXPECT_NE(o.str().find("repl:4: expect log \"x\": got"), std::string::npos) << o.str();
+  EXPECT_NE(o.str().find("repl:4: expect log \"no such line zz\": got"), std::string::npos) << o.str();
 }
 
 TEST_F(Cli, TheDemoRunsToTheEnd) {
