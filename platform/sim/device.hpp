@@ -19,6 +19,9 @@ struct LogLine {
   std::string text;
 };
 
+enum class Biometrics { FaceID, TouchID, None };
+enum class MotionSensors { Full, Accelerometer, None };
+
 struct DeviceOptions {
   // The app container; empty makes a fresh temporary one, removed with the device.
   std::string container;
@@ -66,6 +69,10 @@ class Device {
   std::mt19937_64& random() { return random_; }
   std::uint64_t seed() const { return options_.seed; }
   Faults& faults() { return faults_; }
+
+  // --- Hardware.
+  Biometrics biometrics = Biometrics::FaceID;
+  MotionSensors motion = MotionSensors::Full;
 
   static constexpr double kBootUptime = 86400.0 * 3 + 1234.5;
 

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "sim/device.hpp"
 #include "sim/main_queue.hpp"
@@ -19,6 +20,18 @@
 namespace sim {
 
 enum class AppState { NotLaunched, Active, Inactive, Background };
+
+// What the simulated frameworks hold for one process beyond its objects: the
+// biometric prompt waiting for the user, the motion updates asked for, the
+// haptics played.
+struct PlatformState {
+  std::function<void(bool)> biometricReply;  // set while the prompt is up
+  std::string biometricReason;
+  std::function<void(double x, double y, double z)> motionHandler;
+  bool motionFromAccelerometer = false;
+  double motionInterval = 0;
+  std::vector<std::string> haptics;
+};
 const char* appStateName(AppState s);
 
 // What the host app and the library do at launch. Each is optional.
@@ -74,6 +87,7 @@ class Process {
   const std::string& crashReason() const { return crash_; }
 
   std::thread::id mainThread() const { return mainThread_; }
+  PlatformState& platform() { return platform_; }
   // The simulated host app running in this process (owned elsewhere).
   void setHostApp(void* host) { hostApp_ = host; }
   void* hostApp() const { return hostApp_; }
@@ -91,6 +105,7 @@ class Process {
   std::mutex stateMutex_;
   std::shared_ptr<void> state_ptr_;
   void* hostApp_ = nullptr;
+  PlatformState platform_;
 };
 
 // The current process; aborts when there is none.

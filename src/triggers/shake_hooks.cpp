@@ -1,16 +1,104 @@
 #include "triggers/shake_hooks.hpp"
 
+#include <cmath>
+
+#include "core/config.hpp"
+#include "core/process_state.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "rt/exception.hpp"
 #include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/clock.hpp"
+#include "sys/log.hpp"
+#include "sys/motion.hpp"
+#include "sys/queue.hpp"
+#include "triggers/unlock.hpp"
 
 namespace triggers {
 namespace {
 
+struct ShakeState {
+  bool installed = false;
+  double lastMagnitude = 0;  // touched only by the sensor queue
+  bool handling = false;
+  double lastShakeAt = 0;
+};
+
+ShakeState& state() { return core::state<ShakeState>(); }
+
 void installImp(rt::Id, rt::SEL) { QBShakeHooks::install(); }
+
+// The top controller: the key window's root followed through presentations.
+rt::Id topPresented() {
+  rt::Id window = host::QBRuntime::keyWindow();
+  rt::Id top = window ? rt::send<rt::Id>(window, "rootViewController") : nullptr;
+  while (top) {
+    rt::Id next = rt::send<rt::Id>(top, "presentedViewController");
+    if (!next) break;
+    top = next;
+  }
+  return top;
+}
 
 }  // namespace
 
-// Not built yet: start-up reaches it through the runtime; it does nothing.
-void QBShakeHooks::install() {}
+void QBShakeHooks::install() {
+  ShakeState& s = state();
+  if (s.installed) return;
+  s.installed = true;
+  try {
+    if (sys::deviceMotionAvailable()) {
+      sys::startDeviceMotionUpdates(kShakeSampleInterval, [](sys::Acceleration a) {
+        sample(std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z));
+      });
+    } else if (sys::accelerometerAvailable()) {
+      // Raw acceleration includes gravity: at rest its length is about 1 g.
+      sys::startAccelerometerUpdates(kShakeSampleInterval, [](sys::Acceleration a) {
+        sample(std::fabs(std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z) - 1.0));
+      });
+    }
+  } catch (...) {
+    sys::log("[QB] shake ex: %@", rt::describeCurrentException());
+  }
+}
+
+void QBShakeHooks::sample(double magnitude) {
+  ShakeState& s = state();
+  double previous = s.lastMagnitude;
+  s.lastMagnitude = magnitude;
+  // Deliberately loose: one loud sample is enough; the spacing and the checks
+  // of handleShake keep a shake from acting twice.
+  if (magnitude < kShakeMagnitude && std::fabs(magnitude - previous) < kShakeJump) return;
+  sys::async(handleShake);
+}
+
+void QBShakeHooks::handleShake() {
+  ShakeState& s = state();
+  if (s.handling) return;
+  core::QBConfig& c = core::QBConfig::shared();
+  if (!c.usesManualVisibility() || c.secretCount() <= 0 || c.suppressSessionApply()) return;
+  if (c.suppressAutoLock() && !c.unlocked()) return;  // an authentication is on screen
+  rt::Id top = topPresented();
+  if (top && rt::isKindOf(top, "UIAlertController")) return;
+  double now = sys::mediaTime();
+  if (now - s.lastShakeAt < kShakeSpacing) return;
+  s.lastShakeAt = now;
+  s.handling = true;
+  try {
+    if (c.unlocked()) {
+      if (c.shakeHideEnabled()) QBUnlock::hideNow();
+      s.handling = false;
+    } else if (c.shakeShowEnabled()) {
+      QBUnlock::showWithAuthFrom("shake");
+      sys::after(kShakeRevealHold, [] { state().handling = false; });
+    } else {
+      s.handling = false;
+    }
+  } catch (...) {
+    sys::log("[QB] shake handle ex: %@", rt::describeCurrentException());
+    s.handling = false;
+  }
+}
 
 void QBShakeHooks::registerRuntimeClass() {
   if (rt::getClass("QBShakeHooks")) return;

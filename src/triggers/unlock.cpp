@@ -1,8 +1,130 @@
 #include "triggers/unlock.hpp"
 
-namespace triggers {
+#include "core/config.hpp"
+#include "core/process_state.hpp"
+#include "hiding/session_hooks.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "rt/exception.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/clock.hpp"
+#include "sys/log.hpp"
+#include "sys/queue.hpp"
+#include "triggers/auth.hpp"
+#include "ui/feedback.hpp"
+#include "ui/gestures.hpp"
 
-// Not built yet: start-up calls it in its place; it does nothing.
-void QBUnlock::installLongPressWake() {}
+namespace triggers {
+namespace {
+
+using core::QBConfig;
+using hiding::QBSessionHooks;
+
+struct UnlockState {
+  bool revealInProgress = false;
+  double lastRevealStart = 0;
+  bool wakeInstalled = false;
+};
+
+// Marks a view that already carries the long-press recognizer.
+const char kLongPressMarker = 0;
+
+UnlockState& state() { return core::state<UnlockState>(); }
+
+void qbUnlockViewDidAppear(rt::Id self, rt::SEL, bool animated) {
+  rt::send<void>(self, "qb_unlock_viewDidAppear:", animated);
+  std::string_view name = rt::className(self);
+  for (const char* screen : kLongPressScreens)
+    if (name == screen) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
+}
+
+}  // namespace
+
+void QBUnlock::bumpHaptic() { ui::impact(ui::ImpactStyle::Soft); }
+
+void QBUnlock::hideNow() {
+  QBConfig& c = QBConfig::shared();
+  if (!c.usesManualVisibility() || !c.unlocked()) return;
+  c.setUnlocked(false);
+  QBSessionHooks::refreshFilterCache();
+  bumpHaptic();
+  sys::after(0.15, [] { QBSessionHooks::softReloadMainFrameForce(true); });
+}
+
+void QBUnlock::showWithAuthFrom(std::string_view source) {
+  UnlockState& s = state();
+  if (s.revealInProgress) return;
+  QBConfig& c = QBConfig::shared();
+  if (!c.usesManualVisibility() || c.secretCount() <= 0 || c.unlocked()) return;
+  double now = sys::mediaTime();
+  if (now - s.lastRevealStart < kRevealDebounce) return;
+  s.lastRevealStart = now;
+  s.revealInProgress = true;
+  c.setSuppressAutoLock(true);
+  c.setSuppressSessionApply(true);
+  sys::log("[QB] show auth from %@", source.empty() ? std::string_view("?") : source);
+  QBAuth::authenticateToShowWithFallbackPassword(true, [](bool passed) {
+    QBConfig& cfg = QBConfig::shared();
+    if (!passed) {
+      cfg.setSuppressAutoLock(false);
+      cfg.setSuppressSessionApply(false);
+      state().revealInProgress = false;
+      return;
+    }
+    cfg.setUnlocked(true);
+    cfg.setSuppressSessionApply(false);
+    QBSessionHooks::refreshFilterCache();
+    bumpHaptic();
+    QBSessionHooks::revealSecretsNow();
+    // Auto-lock stays held for the settling time, so a resign-active from the
+    // prompt going away does not hide again.
+    sys::after(kRevealSettle, [] {
+      QBConfig& c2 = QBConfig::shared();
+      c2.setSuppressAutoLock(false);
+      state().revealInProgress = false;
+      if (c2.unlocked()) {
+        QBSessionHooks::refreshFilterCache();
+        QBSessionHooks::softReloadMainFrameForce(true);
+      }
+    });
+  });
+}
+
+void QBUnlock::onLongPress(rt::Id recognizer) {
+  if (ui::gestureState(recognizer) != ui::GestureState::Began) return;
+  QBConfig& c = QBConfig::shared();
+  if (!c.usesManualVisibility() || !c.longPressUnlockEnabled() || c.secretCount() <= 0) return;
+  if (c.suppressSessionApply() && !c.suppressAutoLock()) return;
+  if (state().revealInProgress) return;
+  if (c.unlocked()) hideNow();
+  else showWithAuthFrom("longPress");
+}
+
+void QBUnlock::attachLongPressToVC(rt::Id controller) {
+  if (!controller || !QBConfig::shared().longPressUnlockEnabled()) return;
+  rt::Id nav = rt::send<rt::Id>(controller, "navigationController");
+  rt::Id target = nav ? rt::send<rt::Id>(nav, "navigationBar") : nullptr;
+  if (!target) target = rt::send<rt::Id>(controller, "view");
+  if (!target || rt::getAssociatedObject(target, &kLongPressMarker)) return;
+  rt::Id recognizer = ui::addLongPress(target, kLongPressDuration, false, onLongPress);
+  rt::setAssociatedObject(target, &kLongPressMarker, recognizer);
+}
+
+void QBUnlock::installLongPressWake() {
+  UnlockState& s = state();
+  if (s.wakeInstalled) return;
+  s.wakeInstalled = true;
+  try {
+    if (rt::Class base = rt::getClass("UIViewController"))
+      rt::addMethod(base, rt::sel("qb_unlock_viewDidAppear:"), qbUnlockViewDidAppear);
+    for (const char* screen : kLongPressScreens)
+      if (rt::Class cls = rt::getClass(screen))
+        host::QBRuntime::swizzleInstance(cls, rt::sel("viewDidAppear:"), rt::sel("qb_unlock_viewDidAppear:"));
+    sys::log("[QB] long-press wake OK");
+  } catch (...) {
+    sys::log("[QB] long-press install ex: %@", rt::describeCurrentException());
+  }
+}
 
 }  // namespace triggers

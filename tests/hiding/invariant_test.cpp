@@ -87,7 +87,7 @@ TEST_F(HiddenMainListRun, SeededRandomRuns) {
       steps.push_back(step(rng));
       process->runDue();
       ASSERT_FALSE(process->crashed()) << "seed " << seed << ": " << process->crashReason();
-      if (auto breach = invariant.check()) {
+      if (auto breach = invariant.check(process->appState() == sim::AppState::Active)) {
         std::string trail;
         for (std::size_t k = steps.size() > 8 ? steps.size() - 8 : 0; k < steps.size(); ++k) trail += "\n  " + steps[k];
         FAIL() << "seed " << seed << " (rerun with QB_SEED=" << seed << "), step " << i << ": " << *breach

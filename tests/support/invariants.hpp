@@ -16,21 +16,24 @@
 namespace qbtest {
 
 // While the secrets are hidden, no secret chat is on the main-list screen
-// once the list has been reloaded since the state last changed.
+// once the list has been reloaded since the state last changed. Only a screen
+// the user can see counts: in the background nothing is checked, and coming
+// back to the foreground counts as a change (the list is re-applied then).
 class NoSecretOnMainListWhileHidden {
  public:
   explicit NoSecretOnMainListWhileHidden(hostapp::HostApp& host) : host_(host) {}
 
   // Call after every step; returns a description of the breach, if any.
-  std::optional<std::string> check() {
+  std::optional<std::string> check(bool appActive) {
     core::QBConfig& c = core::QBConfig::shared();
     bool hidden = c.shouldHideSecrets();
     std::set<std::string> secrets;
     for (const auto& s : c.secretSnapshot()) secrets.insert(s);
     long reloads = tableReloads();
-    if (hidden != lastHidden_ || secrets != lastSecrets_) {
+    if (hidden != lastHidden_ || secrets != lastSecrets_ || appActive != lastActive_ || !appActive) {
       lastHidden_ = hidden;
       lastSecrets_ = secrets;
+      lastActive_ = appActive;
       reloadsAtChange_ = reloads;
       return std::nullopt;
     }
@@ -49,6 +52,7 @@ class NoSecretOnMainListWhileHidden {
 
   hostapp::HostApp& host_;
   bool lastHidden_ = false;
+  bool lastActive_ = true;
   std::set<std::string> lastSecrets_;
   long reloadsAtChange_ = 0;
 };

@@ -14,6 +14,7 @@ namespace sim {
 
 void registerViews(Runtime& rtm);
 void registerControllers(Runtime& rtm);
+void registerInteraction(Runtime& rtm);
 
 namespace {
 
@@ -143,6 +144,7 @@ Id drawnImage(rt::CGSize size, double scale, bool opaque, std::vector<std::strin
 void registerUIKit(Runtime& rtm) {
   registerViews(rtm);
   registerControllers(rtm);
+  registerInteraction(rtm);
   ClassBuilder("UIApplication", "UIResponder")
       .classMethod("sharedApplication", sharedApplicationImp)
       .method("connectedScenes", connectedScenes)

@@ -1,0 +1,158 @@
+// What the user interacts with: alerts with text fields and actions, modal
+// presentation, long-press recognizers, haptics and the biometric prompt.
+// The simulator's commands (type, press, longpress, biometric) act on these.
+#include <cmath>
+
+#include "rt/exception.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/class_builder.hpp"
+#include "sim/process.hpp"
+#include "sim/runtime.hpp"
+#include "sim/uikit/interaction.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "sys/queue.hpp"
+#include "ui/alerts.hpp"
+#include "ui/feedback.hpp"
+#include "ui/gestures.hpp"
+
+namespace sim {
+namespace {
+
+using rt::Id;
+using rt::SEL;
+
+Id newObject(const char* cls) { return rt::send<Id>(rt::getClass(cls), "new"); }
+
+AlertState& alertOf(Id alert) {
+  if (!native<AlertState>(alert)) alert->native = AlertState{};
+  return *native<AlertState>(alert);
+}
+
+GestureState& gestureOf(Id g) {
+  if (!native<GestureState>(g)) g->native = GestureState{};
+  return *native<GestureState>(g);
+}
+
+Id textFieldText(Id self, SEL) { return rt::str(viewState(self)->text); }
+void setTextFieldText(Id self, SEL, Id t) { viewState(self)->text = rt::asString(t).value_or(""); }
+long recognizerState(Id self, SEL) { return gestureOf(self).state; }
+
+}  // namespace
+
+void registerInteraction(Runtime&) {
+  ClassBuilder("UIAlertController", "UIViewController").build();
+  ClassBuilder("UIAlertAction").build();
+  ClassBuilder("UITextField", "UIView").method("text", textFieldText).method("setText:", setTextFieldText).build();
+  ClassBuilder("UIGestureRecognizer").method("state", recognizerState).build();
+  ClassBuilder("UILongPressGestureRecognizer", "UIGestureRecognizer").build();
+  ClassBuilder("UITapGestureRecognizer", "UIGestureRecognizer").build();
+}
+
+AlertState* alertState(Id alert) {
+  return alert && rt::isKindOf(alert, "UIAlertController") ? &alertOf(alert) : nullptr;
+}
+
+GestureState* gestureState(Id recognizer) {
+  return recognizer && rt::isKindOf(recognizer, "UIGestureRecognizer") ? &gestureOf(recognizer) : nullptr;
+}
+
+void dismissPresented(Id controller) {
+  ControllerState& c = *controllerState(controller);
+  if (Id presenter = c.presenting) {
+    controllerState(presenter)->presented = nullptr;
+    c.presenting = nullptr;
+    disappear(controller);
+  }
+}
+
+bool pressAlertAction(Id alert, const std::string& title) {
+  AlertState* a = alertState(alert);
+  if (!a) return false;
+  for (const AlertAction& action : a->actions) {
+    if (action.title != title) continue;
+    std::function<void()> handler = action.handler;
+    dismissPresented(alert);
+    if (handler) handler();
+    return true;
+  }
+  return false;
+}
+
+void typeIntoAlert(Id alert, const std::string& text) {
+  AlertState* a = alertState(alert);
+  if (!a || a->textFields.empty()) rt::raise("QBSimNoTextField", "the dialog has no text field");
+  viewState(a->textFields.front())->text = text;
+}
+
+}  // namespace sim
+
+namespace ui {
+
+rt::Id makeAlert(const std::string& title, const std::string& message) {
+  rt::Id alert = sim::newObject("UIAlertController");
+  sim::AlertState& a = sim::alertOf(alert);
+  a.title = title;
+  a.message = message;
+  return alert;
+}
+
+void addTextField(rt::Id alert, const TextFieldSpec& spec) {
+  rt::Id field = sim::newObject("UITextField");
+  sim::AlertState& a = sim::alertOf(alert);
+  a.textFields.push_back(field);
+  a.fieldSpecs.push_back(spec);
+}
+
+void addAction(rt::Id alert, const std::string& title, ActionStyle style, std::function<void()> handler) {
+  sim::alertOf(alert).actions.push_back({title, style, std::move(handler)});
+}
+
+std::string textFieldText(rt::Id alert, long index) {
+  sim::AlertState* a = sim::alertState(alert);
+  if (!a || index < 0 || index >= long(a->textFields.size())) return "";
+  return sim::viewState(a->textFields[std::size_t(index)])->text;
+}
+
+void present(rt::Id presenter, rt::Id controller, bool) {
+  if (!presenter) return;
+  if (!controller) rt::raise("NSInvalidArgumentException", "Application tried to present a nil modal view controller");
+  // UIKit refuses to present on a controller that is already presenting.
+  if (sim::controllerState(presenter)->presented) return;
+  sim::present(presenter, controller);
+}
+
+void impact(ImpactStyle style) {
+  sim::currentProcess().platform().haptics.push_back("impact " + std::to_string(int(style)));
+}
+
+bool canEvaluateBiometrics() { return sim::currentProcess().device().biometrics != sim::Biometrics::None; }
+
+void evaluateBiometrics(const BiometricRequest& request, std::function<void(bool success)> reply) {
+  sim::PlatformState& p = sim::currentProcess().platform();
+  if (!canEvaluateBiometrics()) {
+    sys::async([reply] { reply(false); });
+    return;
+  }
+  p.biometricReason = request.reason;
+  p.biometricReply = std::move(reply);
+}
+
+rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouchesInView,
+                    std::function<void(rt::Id recognizer)> action) {
+  rt::Id g = sim::newObject("UILongPressGestureRecognizer");
+  sim::GestureState& s = sim::gestureOf(g);
+  s.minimumPressDuration = minimumPressDuration;
+  s.cancelsTouchesInView = cancelsTouchesInView;
+  s.action = std::move(action);
+  rt::send<void>(view, "addGestureRecognizer:", g);
+  return g;
+}
+
+GestureState gestureState(rt::Id recognizer) {
+  sim::GestureState* s = sim::gestureState(recognizer);
+  return static_cast<GestureState>(s ? s->state : 0);
+}
+
+}  // namespace ui

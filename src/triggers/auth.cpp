@@ -1,0 +1,100 @@
+#include "triggers/auth.hpp"
+
+#include "core/config.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/queue.hpp"
+#include "ui/alerts.hpp"
+#include "ui/feedback.hpp"
+
+namespace triggers {
+namespace {
+
+using core::QBConfig;
+
+void suppressWhileOnScreen() {
+  QBConfig& c = QBConfig::shared();
+  c.setSuppressAutoLock(true);
+  c.setSuppressSessionApply(true);
+}
+
+}  // namespace
+
+rt::Id QBAuth::topVC() {
+  rt::Id window = host::QBRuntime::keyWindow();
+  rt::Id top = window ? rt::send<rt::Id>(window, "rootViewController") : nullptr;
+  while (top) {
+    rt::Id presented = rt::send<rt::Id>(top, "presentedViewController");
+    if (!presented) break;
+    top = presented;
+  }
+  if (top && rt::isKindOf(top, "UINavigationController")) return rt::send<rt::Id>(top, "visibleViewController");
+  return top;
+}
+
+void QBAuth::askPassword(AuthCompletion completion) {
+  rt::Id top = topVC();
+  if (!top) {
+    completion(false);
+    return;
+  }
+  suppressWhileOnScreen();
+  rt::Id alert = ui::makeAlert("验证身份", "输入口令");
+  ui::addTextField(alert, ui::TextFieldSpec{"口令", true, true});
+  ui::addAction(alert, "取消", ui::ActionStyle::Cancel, [completion] { completion(false); });
+  ui::addAction(alert, "确定", ui::ActionStyle::Default, [completion, alert] {
+    bool ok = QBConfig::shared().tryUnlockSilentWithPassword(ui::textFieldText(alert, 0));
+    sys::after(kPasswordResultDelay, [completion, ok] { completion(ok); });
+  });
+  try {
+    ui::present(top, alert, true);
+  } catch (...) {
+    completion(false);
+  }
+}
+
+void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompletion completion) {
+  // The reply comes from a system queue; the completion always runs on the main queue.
+  auto wrapper = [completion](bool ok) { sys::async([completion, ok] { completion(ok); }); };
+  if (!ui::canEvaluateBiometrics()) {
+    sys::async([wrapper] { askPassword(wrapper); });
+    return;
+  }
+  ui::evaluateBiometrics(ui::BiometricRequest{reason.empty() ? kReasonDefault : reason, ""}, [wrapper](bool success) {
+    if (!success) {
+      wrapper(false);  // deliberately no password fallback after a failed check
+      return;
+    }
+    sys::async([wrapper] {
+      QBConfig::shared().setUnlocked(true);
+      wrapper(true);
+    });
+  });
+}
+
+void QBAuth::authenticateWithMode(long mode, const std::string& reason, AuthCompletion completion) {
+  suppressWhileOnScreen();
+  if (mode == 1) {
+    authenticateBiometricReason(reason, std::move(completion));
+    return;
+  }
+  sys::async([completion] { askPassword(completion); });
+}
+
+void QBAuth::authenticateForPanel(AuthCompletion completion) {
+  authenticateWithMode(QBConfig::shared().panelAuthMode(), kReasonPanel, std::move(completion));
+}
+
+void QBAuth::authenticateForReveal(AuthCompletion completion) {
+  authenticateWithMode(QBConfig::shared().revealAuthMode(), kReasonReveal, std::move(completion));
+}
+
+void QBAuth::authenticateWithConfiguredMode(AuthCompletion completion) { authenticateForPanel(std::move(completion)); }
+
+void QBAuth::authenticateToShowWithFallbackPassword(bool, AuthCompletion completion) {
+  authenticateForReveal(std::move(completion));
+}
+
+}  // namespace triggers
