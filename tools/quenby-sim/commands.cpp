@@ -13,6 +13,7 @@ const CommandTable& commandTable() {
     addStateCommands(t);
     addHostCommands(t);
     addMainListCommands(t);
+    addTriggerCommands(t);
     return t;
   }();
   return table;

@@ -47,5 +47,6 @@ void addFileCommands(CommandTable& table);
 void addStateCommands(CommandTable& table);
 void addHostCommands(CommandTable& table);
 void addMainListCommands(CommandTable& table);
+void addTriggerCommands(CommandTable& table);
 
 }  // namespace qbsim

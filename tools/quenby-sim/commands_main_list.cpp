@@ -28,12 +28,20 @@ void addMainListCommands(CommandTable& t) {
                     moveToTop(s, c.words[1]);
                   }};
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
-                 requireWords(c, 2, 3, "open main|contacts|moments|about|forward");
+                 requireWords(c, 2, 3, "open main|contacts|chat USER");
                  sim::Process& p = s.requireProcess("open");
                  const std::string& what = c.words[1];
+                 if (what == "chat") {
+                   if (c.words.size() != 3) throw ScriptError{"usage: open chat USER"};
+                   p.runGuarded([&] { s.host().openChat(c.words[2]); });
+                   return;
+                 }
                  long tab = what == "main" ? 0 : what == "contacts" ? 1 : -1;
                  if (tab < 0 || c.words.size() != 2) throw ScriptError{"open: no screen '" + what + "' in this host yet"};
-                 p.runGuarded([&] { s.host().selectTab(tab); });
+                 p.runGuarded([&] {
+                   s.host().selectTab(tab);
+                   s.host().popToRoot();
+                 });
                }};
   t["show main"] = {"show main", [](Session& s, const Command& c) {
                       requireWords(c, 2, 2, "show main");

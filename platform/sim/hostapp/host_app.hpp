@@ -85,6 +85,10 @@ class HostApp {
   // What the main list's screen shows, top to bottom: the chats its table got
   // at its last reload.
   std::vector<std::string> mainListShown() const;
+  // Pushes a chat with `username` on the chats tab, as tapping its row does.
+  void openChat(const std::string& username);
+  // Back to the first screen of the tab shown.
+  void popToRoot();
   // Shows one of the tabs (0 chats, 1 contacts) as UIKit does.
   void selectTab(long index);
 

@@ -147,9 +147,18 @@ void contactsViewDidLoad(Id self, SEL) {
   rt::send<void>(table, "reloadData");
 }
 
+// --- BaseMsgContentViewController: a chat.
+void chatViewDidAppear(Id, SEL, bool) {}
+void chatViewDidLoad(Id, SEL) {}
+
 }  // namespace
 
 void defineMainListClasses(HostApp& app) {
+  HostClass(app, "BaseMsgContentViewController", "UIViewController")
+      .ivar("m_nsUsrName", "@")
+      .method("viewDidLoad", chatViewDidLoad)
+      .method("viewDidAppear:", chatViewDidAppear)
+      .build();
   HostClass(app, "MMSessionInfo").ivar("m_nsUserName", "@").ivar("m_contact", "@").build();
   HostClass(app, "MMMainSessionCellData").ivar("m_nsUsrName", "@").ivar("m_sessionInfo", "@").build();
   HostClass(app, "MainSessionMgr")
@@ -189,6 +198,30 @@ void defineMainListClasses(HostApp& app) {
       .method("tableView:numberOfRowsInSection:", contactRows)
       .method("tableView:cellForRowAtIndexPath:", contactCell)
       .build();
+}
+
+void HostApp::openChat(const std::string& username) {
+  rt::Class cls = rt::getClass("BaseMsgContentViewController");
+  if (!cls || !tabs_) return;
+  selectTab(0);
+  Id nav = rt::send<Id>(tabs_, "selectedViewController");
+  popToRoot();
+  Id chat = rt::send<Id>(cls, "new");
+  setIvar(chat, "m_nsUsrName", rt::str(username));
+  rt::send<void>(nav, "pushViewController:animated:", chat, true);
+  sim::appear(chat);
+}
+
+void HostApp::popToRoot() {
+  if (!tabs_) return;
+  Id nav = rt::send<Id>(tabs_, "selectedViewController");
+  while (true) {
+    Id top = rt::send<Id>(nav, "topViewController");
+    Id popped = rt::send<Id>(nav, "popViewControllerAnimated:", true);
+    if (!popped) break;
+    sim::disappear(top);
+    sim::appear(rt::send<Id>(nav, "topViewController"));
+  }
 }
 
 std::vector<std::string> HostApp::mainListShown() const {

@@ -26,8 +26,9 @@ using rt::SEL;
 Id newObject(const char* cls) { return rt::send<Id>(rt::getClass(cls), "new"); }
 
 AlertState& alertOf(Id alert) {
-  if (!native<AlertState>(alert)) alert->native = AlertState{};
-  return *native<AlertState>(alert);
+  std::shared_ptr<AlertState>& a = controllerState(alert)->alert;
+  if (!a) a = std::make_shared<AlertState>();
+  return *a;
 }
 
 GestureState& gestureOf(Id g) {

@@ -4,6 +4,7 @@
 // behind the objects; the selectors answer as UIKit's do.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,7 +39,10 @@ struct ViewState {
   std::vector<std::vector<rt::Id>> shownRows;
 };
 
+struct AlertState;
+
 struct ControllerState {
+  std::shared_ptr<AlertState> alert;  // a UIAlertController's content
   rt::Id view = nullptr;
   bool viewLoaded = false;
   rt::Id parent = nullptr;
