@@ -1,0 +1,260 @@
+// Authentication, the hide and reveal actions, and the shake filter: the
+// rules that are easy to get wrong.
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "core/config.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/uikit/interaction.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "support/host_world.hpp"
+#include "triggers/auth.hpp"
+#include "triggers/shake_hooks.hpp"
+#include "triggers/unlock.hpp"
+
+namespace {
+
+using core::QBConfig;
+using triggers::QBAuth;
+using triggers::QBShakeHooks;
+using triggers::QBUnlock;
+
+class Triggers : public qbtest::HostWorld {
+ protected:
+  void SetUp() override {
+    for (const char* u : {"a", "S"}) addFriend(u);
+    host.model.sessions = {"a", "S"};
+    launchWithLibrary();
+    wait(3);
+  }
+  rt::Id alert() {
+    rt::Id top = sim::topController();
+    return top && sim::alertState(top) ? top : nullptr;
+  }
+  void press(const char* title) {
+    ASSERT_NE(alert(), nullptr);
+    process->runGuarded([&] { sim::pressAlertAction(alert(), title); });
+  }
+  // Records each completion with the time it ran and whether `unlocked` was set then.
+  struct Outcome {
+    int calls = 0;
+    bool passed = false;
+    double at = 0;
+    bool unlockedThen = false;
+  };
+  triggers::AuthCompletion recorder(Outcome& o) {
+    return [this, &o](bool passed) {
+      ++o.calls;
+      o.passed = passed;
+      o.at = device.elapsed();
+      o.unlockedThen = QBConfig::shared().unlocked();
+      EXPECT_TRUE(sys::isMainThread());
+    };
+  }
+};
+
+TEST_F(Triggers, PasswordAlertCompletesOnceAfterTheDelay) {
+  Outcome o;
+  QBAuth::authenticateWithMode(2, "", recorder(o));  // any mode but 1 is the password
+  EXPECT_EQ(alert(), nullptr) << "shown from the main queue, not at once";
+  process->runDue();
+  ASSERT_NE(alert(), nullptr);
+  sim::AlertState& a = *sim::alertState(alert());
+  EXPECT_EQ(a.title, "验证身份");
+  EXPECT_EQ(a.message, "输入口令");
+  ASSERT_EQ(a.fieldSpecs.size(), 1u);
+  EXPECT_TRUE(a.fieldSpecs[0].secure);
+  EXPECT_EQ(a.fieldSpecs[0].placeholder, "口令");
+  ASSERT_EQ(a.actions.size(), 2u);
+  EXPECT_EQ(a.actions[0].title, "取消");
+  EXPECT_TRUE(QBConfig::shared().suppressAutoLock() && QBConfig::shared().suppressSessionApply());
+  sim::typeIntoAlert(alert(), "7351");
+  double pressedAt = device.elapsed();
+  press("确定");
+  EXPECT_EQ(o.calls, 0);
+  wait(0.44);
+  EXPECT_EQ(o.calls, 0);
+  wait(0.02);
+  EXPECT_EQ(o.calls, 1);
+  EXPECT_TRUE(o.passed);
+  EXPECT_NEAR(o.at - pressedAt, 0.45, 1e-9);
+  wait(5);
+  EXPECT_EQ(o.calls, 1) << "exactly once";
+}
+
+TEST_F(Triggers, CancelFailsAtOnceAndAWrongPasswordAfterTheDelay) {
+  Outcome cancel, wrong;
+  QBAuth::askPassword(recorder(cancel));
+  press("取消");
+  EXPECT_EQ(cancel.calls, 1);
+  EXPECT_FALSE(cancel.passed);
+  QBAuth::askPassword(recorder(wrong));
+  sim::typeIntoAlert(alert(), "0000");
+  press("确定");
+  wait(0.5);
+  EXPECT_EQ(wrong.calls, 1);
+  EXPECT_FALSE(wrong.passed);
+  EXPECT_FALSE(QBConfig::shared().unlocked());
+}
+
+TEST(TriggersNoWindow, NoKeyWindowFailsAtOnce) {
+  sim::Device device;
+  sim::Process process(device);
+  std::optional<bool> result;
+  QBAuth::askPassword([&](bool ok) { result = ok; });
+  ASSERT_TRUE(result.has_value()) << "no waiting for a screen that is not there";
+  EXPECT_FALSE(*result);
+}
+
+TEST_F(Triggers, BiometricSuccessSetsUnlockedBeforeTheCompletion) {
+  Outcome o;
+  QBAuth::authenticateWithMode(1, "", recorder(o));
+  ASSERT_TRUE(process->platform().biometricReply);
+  EXPECT_EQ(process->platform().biometricReason, "验证身份") << "an empty reason";
+  auto reply = process->platform().biometricReply;
+  process->platform().biometricReply = nullptr;
+  reply(true);
+  EXPECT_EQ(o.calls, 0) << "moved to the main queue";
+  process->runDue();
+  EXPECT_EQ(o.calls, 1);
+  EXPECT_TRUE(o.passed);
+  EXPECT_TRUE(o.unlockedThen);
+}
+
+TEST_F(Triggers, BiometricFailureHasNoPasswordFallback) {
+  Outcome o;
+  QBAuth::authenticateForReveal(recorder(o));  // reveal mode 0: the password
+  process->runDue();
+  EXPECT_NE(alert(), nullptr);
+  press("取消");
+  QBConfig::shared().setRevealAuthMode(1);
+  Outcome b;
+  QBAuth::authenticateForReveal(recorder(b));
+  EXPECT_EQ(process->platform().biometricReason, "验证以显示密友");
+  auto reply = process->platform().biometricReply;
+  process->platform().biometricReply = nullptr;
+  reply(false);
+  wait(1);
+  EXPECT_EQ(b.calls, 1);
+  EXPECT_FALSE(b.passed);
+  EXPECT_EQ(alert(), nullptr) << "no password alert after a failed check";
+}
+
+TEST_F(Triggers, NoBiometricHardwareAsksForThePassword) {
+  device.biometrics = sim::Biometrics::None;
+  Outcome o;
+  QBAuth::authenticateForPanel(recorder(o));
+  QBConfig::shared().setPanelAuthMode(1);
+  Outcome p;
+  QBAuth::authenticateForPanel(recorder(p));
+  process->runDue();
+  ASSERT_NE(alert(), nullptr);
+  sim::typeIntoAlert(alert(), "7351");
+  press("确定");
+  wait(1);
+  EXPECT_EQ(p.calls + o.calls, 1) << "one alert on screen at a time; the other presentation was refused";
+}
+
+TEST_F(Triggers, RevealDebounceAndOneAtATime) {
+  QBConfig& c = QBConfig::shared();
+  QBUnlock::showWithAuthFrom("first");
+  EXPECT_EQ(countLog("[QB] show auth from"), 0) << "no secrets: nothing, not even a log line";
+  c.addSecretUser("S");
+  QBUnlock::showWithAuthFrom("first");
+  QBUnlock::showWithAuthFrom("second");
+  wait(1);
+  QBUnlock::showWithAuthFrom("third");  // the first authentication is still on screen
+  EXPECT_EQ(countLog("[QB] show auth from first"), 1);
+  EXPECT_EQ(countLog("[QB] show auth from second") + countLog("[QB] show auth from third"), 0);
+  press("取消");
+  EXPECT_FALSE(c.unlocked());
+  EXPECT_FALSE(c.suppressAutoLock());
+  EXPECT_FALSE(c.suppressSessionApply());
+  c.setVisibilityControlMode(1);
+  QBUnlock::showWithAuthFrom("schedule");
+  EXPECT_EQ(countLog("[QB] show auth from schedule"), 0);
+}
+
+TEST_F(Triggers, ASuccessfulRevealHoldsAutoLockForTwoSeconds) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  QBUnlock::showWithAuthFrom("test");
+  process->runDue();
+  sim::typeIntoAlert(alert(), "7351");
+  press("确定");
+  wait(0.45);
+  EXPECT_TRUE(c.unlocked());
+  EXPECT_FALSE(c.suppressSessionApply());
+  EXPECT_TRUE(c.suppressAutoLock());
+  wait(1.99);
+  EXPECT_TRUE(c.suppressAutoLock());
+  wait(0.02);
+  EXPECT_FALSE(c.suppressAutoLock());
+  QBUnlock::hideNow();
+  EXPECT_FALSE(c.unlocked()) << "hiding needs no authentication";
+  EXPECT_FALSE(process->platform().haptics.empty());
+}
+
+TEST_F(Triggers, TheLongPressRecognizerIsAttachedOncePerView) {
+  QBConfig::shared().addSecretUser("S");
+  process->runGuarded([&] { host.openChat("a"); });
+  process->runDue();
+  process->runGuarded([&] { host.popToRoot(); });
+  process->runGuarded([&] { host.openChat("a"); });
+  process->runDue();
+  rt::Id nav = rt::send<rt::Id>(sim::topController(), "navigationController");
+  rt::Id bar = rt::send<rt::Id>(nav, "navigationBar");
+  long presses = 0;
+  for (rt::Id g : sim::viewState(bar)->gestureRecognizers)
+    if (rt::isKindOf(g, "UILongPressGestureRecognizer")) {
+      ++presses;
+      EXPECT_DOUBLE_EQ(sim::gestureState(g)->minimumPressDuration, 0.7);
+      EXPECT_FALSE(sim::gestureState(g)->cancelsTouchesInView);
+    }
+  EXPECT_EQ(presses, 1) << "the main list and the chats share the bar; one recognizer";
+}
+
+// The shake filter on magnitudes, fed directly.
+TEST_F(Triggers, ShakeFilterThresholds) {
+  QBConfig::shared().addSecretUser("S");
+  auto shakesAfter = [&](std::initializer_list<double> samples) {
+    wait(1);
+    std::size_t before = device.log().size();
+    for (double m : samples) QBShakeHooks::sample(m);
+    process->runDue();
+    long n = countLog("[QB] show auth from shake", before);
+    if (alert()) press("取消");
+    return n;
+  };
+  EXPECT_EQ(shakesAfter({0.02, 0.03, 0.05}), 0);
+  EXPECT_EQ(shakesAfter({0.02, 0.11}), 1) << "a loud sample";
+  EXPECT_EQ(shakesAfter({0.089, 0.0}), 1) << "a fall of 0.089 is a jump";
+  EXPECT_EQ(shakesAfter({0.01, 0.085}), 0) << "below both thresholds";
+}
+
+TEST_F(Triggers, ShakesAreSpacedAndIgnoredWhileTheAlertIsUp) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  c.setUnlocked(true);
+  QBShakeHooks::handleShake();
+  EXPECT_FALSE(c.unlocked()) << "a shake while revealed hides";
+  c.setUnlocked(true);
+  wait(0.3);
+  QBShakeHooks::handleShake();
+  EXPECT_TRUE(c.unlocked()) << "0.3 s later: ignored";
+  wait(0.5);
+  QBShakeHooks::handleShake();
+  EXPECT_FALSE(c.unlocked()) << "0.8 s after the first: acts";
+  wait(1);
+  QBShakeHooks::handleShake();  // hidden: asks for the password
+  process->runDue();
+  ASSERT_NE(alert(), nullptr);
+  wait(1);
+  std::size_t before = device.log().size();
+  QBShakeHooks::handleShake();
+  EXPECT_EQ(countLog("[QB] show auth", before), 0) << "the alert is on screen";
+}
+
+}  // namespace
