@@ -31,6 +31,15 @@ const std::vector<Step>& demoSteps() {
        {"message bob \"are you free?\"", "session carol", "show main"}},
       {"As the app settles it re-applies the hidden state, and leaving and returning changes nothing shown.",
        {"wait 2", "background", "wait 30", "foreground", "wait 1", "expect main carol alice"}},
+      {"The user shakes the phone: the library asks for the password. A wrong one reveals nothing.",
+       {"shake", "expect screen alert", "expect log \"[QB] show auth from shake\"", "type 1234", "press 确定", "wait 1", "expect hidden"}},
+      {"Shake again and give the right password: the secret chats come back in their places.",
+       {"shake", "type 7351", "press 确定", "wait 1", "expect revealed", "show main"}},
+      {"A shake while revealed hides them at once, without a question.",
+       {"wait 2", "shake", "expect hidden", "wait 1", "show main"}},
+      {"A long press on a chat's title bar reveals too (after the password); leaving the app hides again.",
+       {"open chat alice", "longpress", "type 7351", "press 确定", "wait 2.5", "expect revealed", "background",
+        "expect hidden", "foreground", "open main"}},
       {"Messages from secrets should only vibrate while hidden; the change is saved at once.",
        {"setting secretNotifyMode 1", "expect file secretNotifyMode 1", "expect file backgroundNotify true"}},
       {"A schedule for later: show the secrets from 08:00 to 13:00, hide them across the night.",
@@ -40,7 +49,7 @@ const std::vector<Step>& demoSteps() {
        {"unsecret bob", "message bob \"hello?\"", "show main"}},
       {"The app is ended and started again: the settings survive, and the remaining secret is hidden again.",
        {"quit", "launch", "expect hidden", "expect main bob carol alice", "show config"}},
-      {"What the library wrote to the log, in virtual time:", {"show log"}},
+      {"The whole log, in virtual time:", {"show log"}},
   };
   return steps;
 }
