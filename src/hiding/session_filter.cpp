@@ -39,22 +39,25 @@ Id fetchAt(rt::IMP fetch, Id self, const char* selector, long row, long section)
   return rt::call<Id>(fetch, self, rt::sel(selector), rt::indexPath(row, section));
 }
 
-// --- MainFrameLogicController
+// A stored original and the selector it answers.
+struct Getter {
+  rt::IMP imp;
+  const char* sel;
+};
 
-Id logicRow(Id self, SEL cmd, Id indexPath, rt::IMP original) {
+// A row getter over the host's rows: the visible row is mapped onto the
+// host's index by walking the host's sessions (`fetch`) up to the host's
+// count (`count`), then answered by `original` for that index.
+Id remappedRow(Id self, SEL cmd, Id indexPath, rt::IMP original, Getter count, Getter fetch) {
   SessionHooksState& s = sessionState();
   if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath)) return rt::call<Id>(original, self, cmd, indexPath);
   try {
     DepthGuard guard(s.depth);
     long section = rt::indexPathSection(indexPath);
-    long n = s.getSessionCountForSection
-                 ? rt::call<long>(s.getSessionCountForSection, self, rt::sel("getSessionCountForSection:"), section)
-                 : 0;
-    bool useSessions = s.getSessionInfoAtIndexPath != nullptr;
-    rt::IMP fetch = useSessions ? s.getSessionInfoAtIndexPath : s.getCellDataAtIndexPath;
-    const char* fetchSel = useSessions ? "getSessionInfoAtIndexPath:" : "getCellDataAtIndexPath:";
+    long n = count.imp ? rt::call<long>(count.imp, self, rt::sel(count.sel), section) : 0;
+    if (!fetch.imp) throw rt::Exception("QBNoFetch", "no session getter");
     long host = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
-                                       [&](long i) { return fetchAt(fetch, self, fetchSel, i, section); });
+                                       [&](long i) { return fetchAt(fetch.imp, self, fetch.sel, i, section); });
     if (host < 0) return nullptr;
     return rt::call<Id>(original, self, cmd, rt::indexPath(host, section));
   } catch (...) {
@@ -62,12 +65,21 @@ Id logicRow(Id self, SEL cmd, Id indexPath, rt::IMP original) {
   return rt::call<Id>(original, self, cmd, indexPath);
 }
 
+// --- MainFrameLogicController
+
+Getter logicCount() { return {sessionState().getSessionCountForSection, "getSessionCountForSection:"}; }
+
 Id getSessionInfoAtIndexPath(Id self, SEL cmd, Id indexPath) {
-  return logicRow(self, cmd, indexPath, sessionState().getSessionInfoAtIndexPath);
+  SessionHooksState& s = sessionState();
+  return remappedRow(self, cmd, indexPath, s.getSessionInfoAtIndexPath, logicCount(),
+                     {s.getSessionInfoAtIndexPath, "getSessionInfoAtIndexPath:"});
 }
 
 Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
-  return logicRow(self, cmd, indexPath, sessionState().getCellDataAtIndexPath);
+  SessionHooksState& s = sessionState();
+  Getter fetch = s.getSessionInfoAtIndexPath ? Getter{s.getSessionInfoAtIndexPath, "getSessionInfoAtIndexPath:"}
+                                             : Getter{s.getCellDataAtIndexPath, "getCellDataAtIndexPath:"};
+  return remappedRow(self, cmd, indexPath, s.getCellDataAtIndexPath, logicCount(), fetch);
 }
 
 long getSessionCountForSection(Id self, SEL cmd, long section) {
@@ -90,39 +102,20 @@ long getSessionCountForSection(Id self, SEL cmd, long section) {
 
 // --- NewMainFrameViewController
 
-rt::IMP viewFetch(bool cellData) {
-  SessionHooksState& s = sessionState();
-  if (s.logicGetSessionAtIndexPath) return s.logicGetSessionAtIndexPath;
-  return cellData ? s.logicGetCellDataAtIndexPath : nullptr;
-}
-
-Id viewRow(Id self, SEL cmd, Id indexPath, rt::IMP original, bool cellData) {
-  SessionHooksState& s = sessionState();
-  if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath)) return rt::call<Id>(original, self, cmd, indexPath);
-  try {
-    DepthGuard guard(s.depth);
-    long section = rt::indexPathSection(indexPath);
-    long n = s.logicGetCountForSection
-                 ? rt::call<long>(s.logicGetCountForSection, self, rt::sel("logicGetCountForSection:"), section)
-                 : 0;
-    rt::IMP fetch = viewFetch(cellData);
-    const char* fetchSel = s.logicGetSessionAtIndexPath ? "logicGetSessionAtIndexPath:" : "logicGetCellDataAtIndexPath:";
-    if (!fetch) throw rt::Exception("QBNoFetch", "no session getter");
-    long host = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
-                                       [&](long i) { return fetchAt(fetch, self, fetchSel, i, section); });
-    if (host < 0) return nullptr;
-    return rt::call<Id>(original, self, cmd, rt::indexPath(host, section));
-  } catch (...) {
-  }
-  return rt::call<Id>(original, self, cmd, indexPath);
-}
+Getter viewCount() { return {sessionState().logicGetCountForSection, "logicGetCountForSection:"}; }
 
 Id logicGetSessionAtIndexPath(Id self, SEL cmd, Id indexPath) {
-  return viewRow(self, cmd, indexPath, sessionState().logicGetSessionAtIndexPath, false);
+  SessionHooksState& s = sessionState();
+  return remappedRow(self, cmd, indexPath, s.logicGetSessionAtIndexPath, viewCount(),
+                     {s.logicGetSessionAtIndexPath, "logicGetSessionAtIndexPath:"});
 }
 
 Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
-  return viewRow(self, cmd, indexPath, sessionState().logicGetCellDataAtIndexPath, true);
+  SessionHooksState& s = sessionState();
+  Getter fetch = s.logicGetSessionAtIndexPath
+                     ? Getter{s.logicGetSessionAtIndexPath, "logicGetSessionAtIndexPath:"}
+                     : Getter{s.logicGetCellDataAtIndexPath, "logicGetCellDataAtIndexPath:"};
+  return remappedRow(self, cmd, indexPath, s.logicGetCellDataAtIndexPath, viewCount(), fetch);
 }
 
 long logicGetCountForSection(Id self, SEL cmd, long section) {
