@@ -3,6 +3,7 @@
 // are observed; the duplicates of one departure fall under a short debounce.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace triggers {
@@ -10,6 +11,8 @@ namespace triggers {
 struct QBAutoLock {
   static void install();
   static void autoLockWithReason(std::string_view reason);
+  // A short self-dismissing message over the key window. Offered, not called.
+  static void flashToast(const std::string& message);
 };
 
 inline constexpr double kAutoLockDebounce = 0.8;

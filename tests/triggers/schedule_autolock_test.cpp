@@ -6,6 +6,8 @@
 #include "support/host_world.hpp"
 #include "triggers/auto_lock.hpp"
 #include "triggers/schedule.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "sim/uikit/uikit.hpp"
 
 namespace {
 
@@ -122,6 +124,28 @@ TEST_F(Drivers, AutoLockDebounceAndItsConditions) {
   EXPECT_EQ(countLog("[QB] auto-lock first"), 1);
   EXPECT_EQ(countLog("[QB] auto-lock later"), 1);
   EXPECT_EQ(countLog("[QB] auto-lock too soon") + countLog("[QB] auto-lock during") + countLog("[QB] auto-lock schedule"), 0);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(Drivers, FlashToastShowsAndRemovesItself) {
+  launchWithLibrary();
+  triggers::QBAutoLock::flashToast("");
+  rt::Id window = host::QBRuntime::keyWindow();
+  std::size_t before = sim::viewState(window)->subviews.size();
+  triggers::QBAutoLock::flashToast("已隐藏");
+  ASSERT_EQ(sim::viewState(window)->subviews.size(), before + 1);
+  rt::Id label = sim::viewState(window)->subviews.back();
+  const sim::ViewState& v = *sim::viewState(label);
+  EXPECT_EQ(v.text, "已隐藏");
+  EXPECT_EQ(v.frame, (rt::CGRect{{55, 844 * 0.78 - 22}, {280, 44}})) << "at most 280 wide, centred at 0.78 of the height";
+  EXPECT_NE(v.style.find("font 14/2"), std::string::npos) << v.style;
+  EXPECT_NE(v.style.find("radius 14 clipped lines 2"), std::string::npos) << v.style;
+  EXPECT_DOUBLE_EQ(v.alpha, 1.0) << "faded in";
+  wait(1.2 + 0.25 + 0.01);
+  EXPECT_EQ(sim::viewState(window)->subviews.size(), before) << "gone after fading out";
 }
 
 }  // namespace

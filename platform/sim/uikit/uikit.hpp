@@ -25,6 +25,7 @@ struct ViewState {
   std::vector<rt::Id> subviews;
   std::vector<rt::Id> gestureRecognizers;
   std::string text;                  // UILabel
+  std::string style;                 // a label's look, as the system set it
   rt::Id rootViewController = nullptr;  // UIWindow
   bool keyWindow = false;               // UIWindow
   // UITableView
