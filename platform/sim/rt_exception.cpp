@@ -1,36 +1,34 @@
 // Describing a caught exception the way "%@" prints an NSException.
 #include <exception>
+#include <utility>
 
 #include "rt/exception.hpp"
 
 namespace rt {
+namespace {
+
+// The name and description of the exception being handled; empty outside a
+// catch block.
+std::pair<std::string, std::string> current() {
+  std::exception_ptr e = std::current_exception();
+  if (!e) return {"", ""};
+  try {
+    std::rethrow_exception(e);
+  } catch (const Exception& ex) {
+    return {ex.name, ex.reason};
+  } catch (const std::exception& ex) {
+    return {"std::exception", ex.what()};
+  } catch (...) {
+    return {"std::exception", "unknown exception"};
+  }
+}
+
+}  // namespace
 
 void raise(std::string name, std::string reason) { throw Exception(std::move(name), std::move(reason)); }
 
-std::string describeCurrentException() {
-  std::exception_ptr e = std::current_exception();
-  if (!e) return "";
-  try {
-    std::rethrow_exception(e);
-  } catch (const Exception& ex) {
-    return ex.reason;
-  } catch (const std::exception& ex) {
-    return ex.what();
-  } catch (...) {
-    return "unknown exception";
-  }
-}
+std::string describeCurrentException() { return current().second; }
 
-std::string currentExceptionName() {
-  std::exception_ptr e = std::current_exception();
-  if (!e) return "";
-  try {
-    std::rethrow_exception(e);
-  } catch (const Exception& ex) {
-    return ex.name;
-  } catch (...) {
-    return "std::exception";
-  }
-}
+std::string currentExceptionName() { return current().first; }
 
 }  // namespace rt
