@@ -63,6 +63,6 @@ void postNotification(std::string name, rt::Id object, rt::Id userInfo) {
 
 void logLine(std::string_view line) { currentProcess().device().writeLog(std::string(line)); }
 
-void* processState(std::shared_ptr<void> (*make)()) { return currentProcess().stateSlot(make); }
+void* processStateSlot(std::shared_ptr<void> (*make)()) { return currentProcess().stateSlot(make); }
 
 }  // namespace sys

@@ -2,7 +2,7 @@
 // finds there, and the 17 keys save writes.
 #include "core/config.hpp"
 
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 #include "sys/files.hpp"
 
 namespace core {
@@ -32,7 +32,7 @@ bool hasKey(const base::Value& root, const char* key) { return root.find(key) !=
 }  // namespace
 
 QBConfig& QBConfig::shared() {
-  ConfigSlot& slot = state<ConfigSlot>();
+  ConfigSlot& slot = sys::state<ConfigSlot>();
   std::call_once(slot.once, [&] {
     slot.config = std::make_unique<QBConfig>();
     slot.config->load();

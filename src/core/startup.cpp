@@ -1,7 +1,7 @@
 #include "core/startup.hpp"
 
 #include "core/config.hpp"
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 #include "hiding/contact_hooks.hpp"
 #include "hiding/extra_hooks.hpp"
 #include "hiding/session_hooks.hpp"
@@ -36,7 +36,7 @@ void delayedReapply() {
 }
 
 void stepC() {
-  StartupState& s = state<StartupState>();
+  StartupState& s = sys::state<StartupState>();
   if (s.fullInstallDone) return;
   s.fullInstallDone = true;
   QBConfig& c = QBConfig::shared();

@@ -56,19 +56,27 @@ void mainFrameReapply() {
 
 bool isMainFrame(Id self) { return rt::className(self) == kMainFrameClass; }
 
-void qbMainViewDidLoad(Id self, SEL) {
-  rt::send<void>(self, "qb_main_viewDidLoad");
-  if (isMainFrame(self)) sys::after(0.15, mainFrameReapply);
+// The lifecycle hooks ask the host first and then act; a failure of the act
+// leaves the host's appearance as it was.
+void qbMainViewDidLoad(Id self, SEL cmd) {
+  sessionState().mainViewDidLoad.run(nullptr, [&](host::Hook<void()>::Original& original) {
+    original();
+    if (isMainFrame(self)) sys::after(0.15, mainFrameReapply);
+  }, self, cmd);
 }
 
-void qbMainViewWillAppear(Id self, SEL, bool animated) {
-  rt::send<void>(self, "qb_main_viewWillAppear:", animated);
-  if (isMainFrame(self)) QBSessionHooks::refreshFilterCache();
+void qbMainViewWillAppear(Id self, SEL cmd, bool animated) {
+  sessionState().mainViewWillAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
+    original(animated);
+    if (isMainFrame(self)) QBSessionHooks::refreshFilterCache();
+  }, self, cmd, animated);
 }
 
-void qbMainViewDidAppear(Id self, SEL, bool animated) {
-  rt::send<void>(self, "qb_main_viewDidAppear:", animated);
-  if (isMainFrame(self)) sys::after(0.2, mainFrameReapply);
+void qbMainViewDidAppear(Id self, SEL cmd, bool animated) {
+  sessionState().mainViewDidAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
+    original(animated);
+    if (isMainFrame(self)) sys::after(0.2, mainFrameReapply);
+  }, self, cmd, animated);
 }
 
 void installObservers() {
@@ -100,12 +108,10 @@ void installLifecycleHooks() {
   rt::Class vc = rt::getClass(kMainFrameClass);
   rt::Class base = rt::getClass("UIViewController");
   if (!vc || !base) return;
-  rt::addMethod(base, rt::sel("qb_main_viewDidLoad"), qbMainViewDidLoad);
-  rt::addMethod(base, rt::sel("qb_main_viewWillAppear:"), qbMainViewWillAppear);
-  rt::addMethod(base, rt::sel("qb_main_viewDidAppear:"), qbMainViewDidAppear);
-  QBRuntime::swizzleInstance(vc, rt::sel("viewDidLoad"), rt::sel("qb_main_viewDidLoad"));
-  QBRuntime::swizzleInstance(vc, rt::sel("viewWillAppear:"), rt::sel("qb_main_viewWillAppear:"));
-  QBRuntime::swizzleInstance(vc, rt::sel("viewDidAppear:"), rt::sel("qb_main_viewDidAppear:"));
+  SessionHooksState& s = sessionState();
+  s.mainViewDidLoad.swizzle(base, vc, "viewDidLoad", "qb_main_viewDidLoad", qbMainViewDidLoad);
+  s.mainViewWillAppear.swizzle(base, vc, "viewWillAppear:", "qb_main_viewWillAppear:", qbMainViewWillAppear);
+  s.mainViewDidAppear.swizzle(base, vc, "viewDidAppear:", "qb_main_viewDidAppear:", qbMainViewDidAppear);
 }
 
 }  // namespace

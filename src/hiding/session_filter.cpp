@@ -25,134 +25,141 @@ using rt::Id;
 using rt::SEL;
 using host::QBRuntime;
 
-constexpr double kCountCacheLife = 0.45;
+constexpr double kCountCacheLife_s = 0.45;
+
+using RowHook = host::Hook<Id(Id)>;
+using CountHook = host::Hook<long(long)>;
 
 // Re-entrancy: the remapping calls the host's getters, which must then behave
-// exactly like the host's own.
+// exactly like the host's own. Held around the whole call, so a fallback to
+// the host's answer still runs at depth 1.
 struct DepthGuard {
   explicit DepthGuard(int& d) : depth(d) { ++depth; }
   ~DepthGuard() { --depth; }
   int& depth;
 };
 
-Id fetchAt(rt::IMP fetch, Id self, const char* selector, long row, long section) {
-  return rt::call<Id>(fetch, self, rt::sel(selector), rt::indexPath(row, section));
-}
-
 // A stored original and the selector it answers.
 struct Getter {
-  rt::IMP imp;
+  const RowHook* rows;
   const char* sel;
 };
 
+Id fetchAt(Getter fetch, Id self, long row, long section) {
+  return fetch.rows->original(self, rt::sel(fetch.sel), rt::indexPath(row, section));
+}
+
+long hostCount(const CountHook& count, const char* selector, Id self, long section) {
+  return count.installed() ? count.original(self, rt::sel(selector), section) : 0;
+}
+
 // A row getter over the host's rows: the visible row is mapped onto the
 // host's index by walking the host's sessions (`fetch`) up to the host's
-// count (`count`), then answered by `original` for that index.
-Id remappedRow(Id self, SEL cmd, Id indexPath, rt::IMP original, Getter count, Getter fetch) {
+// count (`count`), then answered by the hook's original for that index.
+Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count, const char* countSel,
+               Getter fetch) {
   SessionHooksState& s = sessionState();
-  if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath)) return rt::call<Id>(original, self, cmd, indexPath);
-  try {
-    DepthGuard guard(s.depth);
+  if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath)) return hook.originalOr(self, cmd, indexPath);
+  DepthGuard guard(s.depth);
+  return hook.run(nullptr, [&](RowHook::Original& original) -> Id {
     long section = rt::indexPathSection(indexPath);
-    long n = count.imp ? rt::call<long>(count.imp, self, rt::sel(count.sel), section) : 0;
-    if (!fetch.imp) throw rt::Exception("QBNoFetch", "no session getter");
-    long host = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
-                                       [&](long i) { return fetchAt(fetch.imp, self, fetch.sel, i, section); });
-    if (host < 0) return nullptr;
-    return rt::call<Id>(original, self, cmd, rt::indexPath(host, section));
-  } catch (...) {
-  }
-  return rt::call<Id>(original, self, cmd, indexPath);
+    long n = hostCount(count, countSel, self, section);
+    if (!fetch.rows->installed()) throw rt::Exception("QBNoFetch", "no session getter");
+    long row = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
+                                      [&](long i) { return fetchAt(fetch, self, i, section); });
+    if (row < 0) return nullptr;
+    return original(rt::indexPath(row, section));
+  }, self, cmd, indexPath);
 }
 
 // --- MainFrameLogicController
 
-Getter logicCount() { return {sessionState().getSessionCountForSection, "getSessionCountForSection:"}; }
+Getter logicFetch() { return {&sessionState().getSessionInfoAtIndexPath, "getSessionInfoAtIndexPath:"}; }
 
 Id getSessionInfoAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(self, cmd, indexPath, s.getSessionInfoAtIndexPath, logicCount(),
-                     {s.getSessionInfoAtIndexPath, "getSessionInfoAtIndexPath:"});
+  return remappedRow(s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
+                     "getSessionCountForSection:", logicFetch());
 }
 
 Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  Getter fetch = s.getSessionInfoAtIndexPath ? Getter{s.getSessionInfoAtIndexPath, "getSessionInfoAtIndexPath:"}
-                                             : Getter{s.getCellDataAtIndexPath, "getCellDataAtIndexPath:"};
-  return remappedRow(self, cmd, indexPath, s.getCellDataAtIndexPath, logicCount(), fetch);
+  Getter fetch = s.getSessionInfoAtIndexPath.installed() ? logicFetch()
+                                                         : Getter{&s.getCellDataAtIndexPath, "getCellDataAtIndexPath:"};
+  return remappedRow(s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
+                     "getSessionCountForSection:", fetch);
 }
 
+// Calls the original first, then filters; a failure answers with that count.
 long getSessionCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
-  long n = s.getSessionCountForSection ? rt::call<long>(s.getSessionCountForSection, self, cmd, section) : 0;
-  if (!s.filterActive || s.depth != 0 || !s.getSessionInfoAtIndexPath) return n;
-  double now = sys::mediaTime();
-  if (s.cachedSection == section && s.cachedCount >= 0 && now - s.cachedAt < kCountCacheLife) return long(s.cachedCount);
-  try {
+  return s.getSessionCountForSection.run(nullptr, [&](CountHook::Original& original) -> long {
+    long n = original(section);
+    if (!s.filterActive || s.depth != 0 || !s.getSessionInfoAtIndexPath.installed()) return n;
+    double now = sys::mediaTime();
+    if (s.cachedSection == section && s.cachedCount >= 0 && now - s.cachedAt < kCountCacheLife_s)
+      return long(s.cachedCount);
     DepthGuard guard(s.depth);
     long filtered = n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-      return fetchAt(s.getSessionInfoAtIndexPath, self, "getSessionInfoAtIndexPath:", i, section);
+      return fetchAt(logicFetch(), self, i, section);
     });
     s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
     return filtered;
-  } catch (...) {
-    return n;
-  }
+  }, self, cmd, section);
 }
 
 // --- NewMainFrameViewController
 
-Getter viewCount() { return {sessionState().logicGetCountForSection, "logicGetCountForSection:"}; }
+Getter viewFetch() { return {&sessionState().logicGetSessionAtIndexPath, "logicGetSessionAtIndexPath:"}; }
 
 Id logicGetSessionAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(self, cmd, indexPath, s.logicGetSessionAtIndexPath, viewCount(),
-                     {s.logicGetSessionAtIndexPath, "logicGetSessionAtIndexPath:"});
+  return remappedRow(s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
+                     "logicGetCountForSection:", viewFetch());
 }
 
 Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  Getter fetch = s.logicGetSessionAtIndexPath
-                     ? Getter{s.logicGetSessionAtIndexPath, "logicGetSessionAtIndexPath:"}
-                     : Getter{s.logicGetCellDataAtIndexPath, "logicGetCellDataAtIndexPath:"};
-  return remappedRow(self, cmd, indexPath, s.logicGetCellDataAtIndexPath, viewCount(), fetch);
+  Getter fetch = s.logicGetSessionAtIndexPath.installed()
+                     ? viewFetch()
+                     : Getter{&s.logicGetCellDataAtIndexPath, "logicGetCellDataAtIndexPath:"};
+  return remappedRow(s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
+                     "logicGetCountForSection:", fetch);
 }
 
+// Depth is set to 1 rather than incremented (this is the outermost call) and
+// the original is asked first; a failure answers with that count.
 long logicGetCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
-  long n = s.logicGetCountForSection ? rt::call<long>(s.logicGetCountForSection, self, cmd, section) : 0;
-  if (!s.filterActive || s.depth != 0 || !s.logicGetSessionAtIndexPath) return n;
-  s.depth = 1;  // set, not incremented: this is the outermost call
-  try {
-    long filtered = n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-      return fetchAt(s.logicGetSessionAtIndexPath, self, "logicGetSessionAtIndexPath:", i, section);
+  return s.logicGetCountForSection.run(nullptr, [&](CountHook::Original& original) -> long {
+    long n = original(section);
+    if (!s.filterActive || s.depth != 0 || !s.logicGetSessionAtIndexPath.installed()) return n;
+    s.depth = 1;
+    struct Leave {
+      int& depth;
+      ~Leave() { --depth; }
+    } leave{s.depth};
+    return n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
+      return fetchAt(viewFetch(), self, i, section);
     });
-    --s.depth;
-    return filtered;
-  } catch (...) {
-    --s.depth;
-    return n;
-  }
+  }, self, cmd, section);
 }
 
 long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
   SessionHooksState& s = sessionState();
-  if (s.filterActive && s.depth == 0 && s.logicGetCountForSection)
+  if (s.filterActive && s.depth == 0 && s.logicGetCountForSection.installed())
     return logicGetCountForSection(self, rt::sel("logicGetCountForSection:"), section);
-  return s.numberOfRowsInSection ? rt::call<long>(s.numberOfRowsInSection, self, cmd, tableView, section) : 0;
+  return s.numberOfRowsInSection.originalOr(self, cmd, tableView, section);
 }
 
 // --- MainSessionMgr (class method)
 
 bool canShowInMainFrame(Id self, SEL cmd, Id arg) {
   SessionHooksState& s = sessionState();
-  if (s.filterActive) {
-    try {
-      if (QBSessionHooks::isSecretSession(arg)) return false;
-    } catch (...) {
-    }
-  }
-  return s.canShowInMainFrame ? rt::call<bool>(s.canShowInMainFrame, self, cmd, arg) : true;
+  return s.canShowInMainFrame.run(nullptr, [&](host::Hook<bool(Id)>::Original& original) {
+    if (s.filterActive && QBSessionHooks::isSecretSession(arg)) return false;
+    return original(arg);
+  }, self, cmd, arg);
 }
 
 void collect(Id list, std::vector<std::string>& out) {
@@ -183,26 +190,18 @@ void QBSessionHooks::refreshFilterCache() {
 
 void installSessionFilterHooks() {
   SessionHooksState& s = sessionState();
-  if (rt::Class mgr = rt::getClass("MainSessionMgr")) {
-    if (rt::Method m = rt::getClassMethod(mgr, rt::sel("canShowInMainFrame:"))) {
-      s.canShowInMainFrame = rt::methodImplementation(m);
-      rt::setImplementation(m, reinterpret_cast<rt::IMP>(canShowInMainFrame));
-      sys::log("[QB] +canShowInMainFrame: OK");
-    }
-  }
-  auto replace = [](rt::Class cls, const char* sel, auto fn, rt::IMP& slot) {
-    QBRuntime::replace(cls, rt::sel(sel), reinterpret_cast<rt::IMP>(fn), &slot);
-  };
+  if (s.canShowInMainFrame.setClassMethod(rt::getClass("MainSessionMgr"), "canShowInMainFrame:", canShowInMainFrame))
+    sys::log("[QB] +canShowInMainFrame: OK");
   if (rt::Class logic = rt::getClass("MainFrameLogicController")) {
-    replace(logic, "getSessionInfoAtIndexPath:", getSessionInfoAtIndexPath, s.getSessionInfoAtIndexPath);
-    replace(logic, "getCellDataAtIndexPath:", getCellDataAtIndexPath, s.getCellDataAtIndexPath);
-    replace(logic, "getSessionCountForSection:", getSessionCountForSection, s.getSessionCountForSection);
+    s.getSessionInfoAtIndexPath.replace(logic, "getSessionInfoAtIndexPath:", getSessionInfoAtIndexPath);
+    s.getCellDataAtIndexPath.replace(logic, "getCellDataAtIndexPath:", getCellDataAtIndexPath);
+    s.getSessionCountForSection.replace(logic, "getSessionCountForSection:", getSessionCountForSection);
   }
   if (rt::Class vc = rt::getClass(kMainFrameClass)) {
-    replace(vc, "logicGetCountForSection:", logicGetCountForSection, s.logicGetCountForSection);
-    replace(vc, "logicGetSessionAtIndexPath:", logicGetSessionAtIndexPath, s.logicGetSessionAtIndexPath);
-    replace(vc, "logicGetCellDataAtIndexPath:", logicGetCellDataAtIndexPath, s.logicGetCellDataAtIndexPath);
-    replace(vc, "tableView:numberOfRowsInSection:", numberOfRowsInSection, s.numberOfRowsInSection);
+    s.logicGetCountForSection.replace(vc, "logicGetCountForSection:", logicGetCountForSection);
+    s.logicGetSessionAtIndexPath.replace(vc, "logicGetSessionAtIndexPath:", logicGetSessionAtIndexPath);
+    s.logicGetCellDataAtIndexPath.replace(vc, "logicGetCellDataAtIndexPath:", logicGetCellDataAtIndexPath);
+    s.numberOfRowsInSection.replace(vc, "tableView:numberOfRowsInSection:", numberOfRowsInSection);
   }
 }
 

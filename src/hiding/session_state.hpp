@@ -8,7 +8,8 @@
 #include <string>
 #include <unordered_set>
 
-#include "core/process_state.hpp"
+#include "host/hook.hpp"
+#include "sys/process_state.hpp"
 #include "rt/types.hpp"
 
 namespace hiding {
@@ -21,14 +22,17 @@ struct SessionHooksState {
   double cachedAt = 0;
   int depth = 0;
 
-  rt::IMP canShowInMainFrame = nullptr;
-  rt::IMP getSessionInfoAtIndexPath = nullptr;
-  rt::IMP getCellDataAtIndexPath = nullptr;
-  rt::IMP getSessionCountForSection = nullptr;
-  rt::IMP logicGetCountForSection = nullptr;
-  rt::IMP logicGetSessionAtIndexPath = nullptr;
-  rt::IMP logicGetCellDataAtIndexPath = nullptr;
-  rt::IMP numberOfRowsInSection = nullptr;
+  host::Hook<bool(rt::Id)> canShowInMainFrame{true};
+  host::Hook<rt::Id(rt::Id)> getSessionInfoAtIndexPath;
+  host::Hook<rt::Id(rt::Id)> getCellDataAtIndexPath;
+  host::Hook<long(long)> getSessionCountForSection;
+  host::Hook<long(long)> logicGetCountForSection;
+  host::Hook<rt::Id(rt::Id)> logicGetSessionAtIndexPath;
+  host::Hook<rt::Id(rt::Id)> logicGetCellDataAtIndexPath;
+  host::Hook<long(rt::Id, long)> numberOfRowsInSection;
+  host::Hook<void()> mainViewDidLoad;
+  host::Hook<void(bool)> mainViewWillAppear;
+  host::Hook<void(bool)> mainViewDidAppear;
 
   std::string lastListPath = "?";
 
@@ -40,7 +44,7 @@ struct SessionHooksState {
   double lastMainAppearReloadAt = 0;
 };
 
-inline SessionHooksState& sessionState() { return core::state<SessionHooksState>(); }
+inline SessionHooksState& sessionState() { return sys::state<SessionHooksState>(); }
 
 // Installs the eight list hooks (the filter).
 void installSessionFilterHooks();

@@ -5,6 +5,8 @@ namespace notify {
 
 struct QBNotifyHooks {
   static void install();
+  // Follows the call switches for the host's VoIP auto-ignore.
+  static void syncVoipAutoIgnore();
 };
 
 }  // namespace notify

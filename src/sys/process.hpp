@@ -9,6 +9,6 @@ namespace sys {
 
 // The process's state object, made by `make` the first time (under a lock, so
 // concurrent first calls make it once). Lives until the process ends.
-void* processState(std::shared_ptr<void> (*make)());
+void* processStateSlot(std::shared_ptr<void> (*make)());
 
 }  // namespace sys

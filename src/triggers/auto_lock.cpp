@@ -5,7 +5,7 @@
 #include "core/config.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/send.hpp"
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 #include "sys/clock.hpp"
 #include "sys/log.hpp"
 #include "sys/notifications.hpp"
@@ -34,7 +34,7 @@ void QBAutoLock::autoLockWithReason(std::string_view reason) {
   // In schedule mode the schedule alone decides; an authentication on screen
   // makes the app resign active and must not re-lock.
   if (!c.usesManualVisibility() || c.suppressAutoLock() || c.secretCount() <= 0 || !c.unlocked()) return;
-  AutoLockState& s = core::state<AutoLockState>();
+  AutoLockState& s = sys::state<AutoLockState>();
   double now = sys::mediaTime();
   if (now - s.lastAutoLockAt < kAutoLockDebounce) return;
   s.lastAutoLockAt = now;

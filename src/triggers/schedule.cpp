@@ -1,7 +1,7 @@
 #include "triggers/schedule.hpp"
 
 #include "core/config.hpp"
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 #include "hiding/session_hooks.hpp"
 #include "sys/clock.hpp"
 #include "sys/log.hpp"
@@ -51,11 +51,11 @@ void QBSchedule::applyNow() {
 void QBSchedule::onTick() { applyNow(); }
 
 void QBSchedule::install() {
-  ScheduleState& s = core::state<ScheduleState>();
+  ScheduleState& s = sys::state<ScheduleState>();
   if (s.installed) return;
   s.installed = true;
   sys::async([] {
-    core::state<ScheduleState>().timer = sys::scheduleRepeatingTimer(kScheduleInterval, onTick);
+    sys::state<ScheduleState>().timer = sys::scheduleRepeatingTimer(kScheduleInterval, onTick);
     for (const char* name : {sys::kDidBecomeActive, sys::kWillEnterForeground})
       sys::addObserver(name, [](const sys::Notification&) { applyNow(); });
     sys::after(kScheduleFirstApply, applyNow);

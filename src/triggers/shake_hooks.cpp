@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "core/config.hpp"
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
@@ -24,7 +24,7 @@ struct ShakeState {
   double lastShakeAt = 0;
 };
 
-ShakeState& state() { return core::state<ShakeState>(); }
+ShakeState& state() { return sys::state<ShakeState>(); }
 
 void installImp(rt::Id, rt::SEL) { QBShakeHooks::install(); }
 

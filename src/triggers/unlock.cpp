@@ -1,9 +1,9 @@
 #include "triggers/unlock.hpp"
 
 #include "core/config.hpp"
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 #include "hiding/session_hooks.hpp"
-#include "host/runtime_toolkit.hpp"
+#include "host/hook.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -25,18 +25,22 @@ struct UnlockState {
   bool revealInProgress = false;
   double lastRevealStart = 0;
   bool wakeInstalled = false;
+  host::Hook<void(bool)> viewDidAppear;
 };
 
 // Marks a view that already carries the long-press recognizer.
 const char kLongPressMarker = 0;
 
-UnlockState& state() { return core::state<UnlockState>(); }
+UnlockState& state() { return sys::state<UnlockState>(); }
 
-void qbUnlockViewDidAppear(rt::Id self, rt::SEL, bool animated) {
-  rt::send<void>(self, "qb_unlock_viewDidAppear:", animated);
-  std::string_view name = rt::className(self);
-  for (const char* screen : kLongPressScreens)
-    if (name == screen) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
+// Asks the host first, then attaches the recogniser a moment later.
+void qbUnlockViewDidAppear(rt::Id self, rt::SEL cmd, bool animated) {
+  state().viewDidAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
+    original(animated);
+    std::string_view name = rt::className(self);
+    for (const char* screen : kLongPressScreens)
+      if (name == screen) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
+  }, self, cmd, animated);
 }
 
 }  // namespace
@@ -116,11 +120,10 @@ void QBUnlock::installLongPressWake() {
   if (s.wakeInstalled) return;
   s.wakeInstalled = true;
   try {
-    if (rt::Class base = rt::getClass("UIViewController"))
-      rt::addMethod(base, rt::sel("qb_unlock_viewDidAppear:"), qbUnlockViewDidAppear);
+    rt::Class base = rt::getClass("UIViewController");
     for (const char* screen : kLongPressScreens)
       if (rt::Class cls = rt::getClass(screen))
-        host::QBRuntime::swizzleInstance(cls, rt::sel("viewDidAppear:"), rt::sel("qb_unlock_viewDidAppear:"));
+        s.viewDidAppear.swizzle(base, cls, "viewDidAppear:", "qb_unlock_viewDidAppear:", qbUnlockViewDidAppear);
     sys::log("[QB] long-press wake OK");
   } catch (...) {
     sys::log("[QB] long-press install ex: %@", rt::describeCurrentException());

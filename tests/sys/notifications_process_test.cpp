@@ -106,12 +106,12 @@ TEST(ProcessLifecycle, EveryProcessHasFreshLibraryStateAndTheDeviceKeepsTheLog) 
   auto make = []() -> std::shared_ptr<void> { return std::make_shared<Counter>(); };
   {
     sim::Process first(device);
-    static_cast<Counter*>(sys::processState(make))->value = 5;
-    EXPECT_EQ(static_cast<Counter*>(sys::processState(make))->value, 5) << "made once";
+    static_cast<Counter*>(sys::processStateSlot(make))->value = 5;
+    EXPECT_EQ(static_cast<Counter*>(sys::processStateSlot(make))->value, 5) << "made once";
     sys::log("[QB] %@ %d", std::string("first"), 1);
   }
   sim::Process second(device);
-  EXPECT_EQ(static_cast<Counter*>(sys::processState(make))->value, 0);
+  EXPECT_EQ(static_cast<Counter*>(sys::processStateSlot(make))->value, 0);
   ASSERT_EQ(device.log().size(), 1u);
   EXPECT_EQ(device.log()[0].text, "[QB] first 1");
 }

@@ -10,7 +10,7 @@
 #include <mutex>
 #include <vector>
 
-namespace core {
+namespace sys {
 
 class ProcessState {
  public:
@@ -44,4 +44,4 @@ T& state() {
   return processState().get<T>();
 }
 
-}  // namespace core
+}  // namespace sys

@@ -1,8 +1,8 @@
-#include "core/process_state.hpp"
+#include "sys/process_state.hpp"
 
 #include "sys/process.hpp"
 
-namespace core {
+namespace sys {
 
 std::size_t ProcessState::nextSlot() {
   static std::atomic<std::size_t> next{0};
@@ -10,8 +10,8 @@ std::size_t ProcessState::nextSlot() {
 }
 
 ProcessState& processState() {
-  void* p = sys::processState([]() -> std::shared_ptr<void> { return std::make_shared<ProcessState>(); });
+  void* p = processStateSlot([]() -> std::shared_ptr<void> { return std::make_shared<ProcessState>(); });
   return *static_cast<ProcessState*>(p);
 }
 
-}  // namespace core
+}  // namespace sys

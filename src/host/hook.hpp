@@ -1,0 +1,189 @@
+// Hook<R(A...)>: one host method the system has replaced, with the host's
+// original kept beside it, and the one failure policy every replacement body
+// runs under:
+//   - the host's original answers at most once per call;
+//   - when the replacement's own work raises (probing, filtering, remapping),
+//     the step's "ex: %@" line is logged when it has one, and the call is
+//     answered by the host's original for the unchanged arguments (or, when
+//     the body had already asked the original, by that answer; or by
+//     `fallback` when no original is stored);
+//   - when the host's original itself raises, that is the host's exception: it
+//     leaves the replacement unchanged, as it would without the library.
+// Four ways in, one per kind of host hook: an instance method replaced in
+// place, an instance method exchanged with a `qb_` method, a class method whose
+// implementation is set directly, and a class method added to the metaclass
+// and exchanged. The hook lives in its subsystem's process state, so a new
+// process starts with nothing installed. Installed hooks are only read, so
+// calls from the host's other threads are safe.
+#pragma once
+
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+#include "host/runtime_toolkit.hpp"
+#include "rt/exception.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/log.hpp"
+
+namespace host {
+
+template <typename Sig>
+class Hook;
+
+template <typename R, typename... A>
+class Hook<R(A...)> {
+ public:
+  using Replacement = R (*)(rt::Id, rt::SEL, A...);
+  using Fallback = std::conditional_t<std::is_void_v<R>, std::monostate, R>;
+
+  // The answer when no original is stored (a class method that was never
+  // there, a replacement reached before install finished).
+  Fallback fallback{};
+
+  Hook() = default;
+  explicit Hook(Fallback whenMissing) : fallback(whenMissing) {}
+
+  // replace:sel:newIMP:store: on an instance method of `cls`.
+  bool replace(rt::Class cls, std::string_view selector, Replacement fn) {
+    rt::IMP slot = nullptr;
+    if (!QBRuntime::replace(cls, rt::sel(selector), reinterpret_cast<rt::IMP>(fn), &slot)) return false;
+    imp_ = slot;
+    return true;
+  }
+
+  // The class method `selector` of `cls` gets `fn` as its implementation
+  // (method_setImplementation on class_getClassMethod). False when the class
+  // has no such class method.
+  bool setClassMethod(rt::Class cls, std::string_view selector, Replacement fn) {
+    rt::Method m = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
+    if (!m) return false;
+    imp_ = rt::setImplementation(m, reinterpret_cast<rt::IMP>(fn));
+    return imp_ != nullptr;
+  }
+
+  // swizzleInstance:original:swizzled:. `fn` is added to `owner` (the class
+  // that carries the system's category methods, UIViewController for screen
+  // hooks) under `qbSelector`, then exchanged with `selector` on `cls`; the
+  // host's code is reached afterwards by sending `qbSelector`.
+  bool swizzle(rt::Class owner, rt::Class cls, std::string_view selector, std::string_view qbSelector,
+               Replacement fn) {
+    if (!owner || !cls) return false;
+    rt::SEL qb = rt::sel(qbSelector);
+    rt::addMethod(owner, qb, fn);
+    QBRuntime::swizzleInstance(cls, rt::sel(selector), qb);
+    return markExchanged(rt::getInstanceMethod(cls, rt::sel(selector)), qb, fn);
+  }
+
+  // A class method added to the metaclass under `qbSelector` with the host's
+  // type encoding `types`, then exchanged with the class method `selector`.
+  bool exchangeClassMethod(rt::Class cls, std::string_view selector, std::string_view qbSelector, Replacement fn,
+                           const char* types) {
+    rt::Method host = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
+    if (!host) return false;
+    rt::SEL qb = rt::sel(qbSelector);
+    rt::Class meta = rt::classOf(rt::toId(cls));
+    if (!rt::addMethod(meta, qb, reinterpret_cast<rt::IMP>(fn), types)) return false;
+    rt::exchangeImplementations(host, rt::getClassMethod(cls, qb));
+    return markExchanged(rt::getClassMethod(cls, rt::sel(selector)), qb, fn);
+  }
+
+  bool installed() const { return imp_ != nullptr || exchangedWith_ != nullptr; }
+
+  // The host's own answer, outside any policy. Only for an installed hook.
+  R original(rt::Id self, rt::SEL cmd, A... args) const {
+    if (exchangedWith_) return rt::send<R>(self, exchangedWith_, args...);
+    return rt::call<R>(imp_, self, cmd, args...);
+  }
+
+  // The host's answer, or the fallback when nothing is stored.
+  R originalOr(rt::Id self, rt::SEL cmd, A... args) const {
+    if (installed()) return original(self, cmd, args...);
+    if constexpr (!std::is_void_v<R>) return fallback;
+  }
+
+  // Handed to a body: asks the host's original, once. Calling it again gives
+  // the first answer back rather than asking the host twice.
+  class Original {
+   public:
+    bool available() const { return hook_.installed(); }
+    R operator()(A... args) {
+      if (called_) return answer();
+      called_ = true;
+      try {
+        if constexpr (std::is_void_v<R>) {
+          hook_.originalOr(self_, cmd_, args...);
+        } else {
+          value_ = hook_.originalOr(self_, cmd_, args...);
+          return value_;
+        }
+      } catch (...) {
+        raised_ = true;
+        throw;
+      }
+    }
+
+   private:
+    friend class Hook;
+    Original(const Hook& h, rt::Id self, rt::SEL cmd) : hook_(h), self_(self), cmd_(cmd) {}
+    R answer() const {
+      if constexpr (!std::is_void_v<R>) return value_;
+    }
+    const Hook& hook_;
+    rt::Id self_;
+    rt::SEL cmd_;
+    bool called_ = false;
+    bool raised_ = false;
+    [[no_unique_address]] Fallback value_{};
+  };
+
+  // Runs `body(original)` under the policy above. `exLine` is the step's
+  // "… ex: %@" log line, or null when the step logs nothing.
+  template <typename Body>
+  R run(const char* exLine, Body&& body, rt::Id self, rt::SEL cmd, A... args) const {
+    Original original(*this, self, cmd);
+    try {
+      return body(original);
+    } catch (...) {
+      if (original.raised_) throw;
+      if (exLine) sys::log(exLine, rt::describeCurrentException());
+    }
+    if (original.called_) return original.answer();
+    return originalOr(self, cmd, args...);
+  }
+
+ private:
+  bool markExchanged(rt::Method now, rt::SEL qb, Replacement fn) {
+    if (!now || rt::methodImplementation(now) != reinterpret_cast<rt::IMP>(fn)) return false;
+    exchangedWith_ = qb;
+    return true;
+  }
+
+  rt::IMP imp_ = nullptr;
+  rt::SEL exchangedWith_ = nullptr;
+};
+
+// A per-operation guard for steps that are not hook bodies: `fn()`, or
+// `fallback` after logging `exLine` (when given) if it raises.
+template <typename F, typename T>
+T guarded(const char* exLine, F&& fn, T fallback) {
+  try {
+    return fn();
+  } catch (...) {
+    if (exLine) sys::log(exLine, rt::describeCurrentException());
+    return fallback;
+  }
+}
+
+template <typename F>
+void guarded(const char* exLine, F&& fn) {
+  try {
+    fn();
+  } catch (...) {
+    if (exLine) sys::log(exLine, rt::describeCurrentException());
+  }
+}
+
+}  // namespace host
