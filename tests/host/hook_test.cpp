@@ -1,0 +1,191 @@
+// The guarded-hook primitive: its four ways of installing and its one failure
+// policy (the host's original answers at most once; the body's own failure
+// falls back to the host; the host's own exception is left alone).
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/hook.hpp"
+#include "rt/exception.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/class_builder.hpp"
+#include "support/sim_world.hpp"
+
+namespace {
+
+using rt::Id;
+using rt::SEL;
+
+// The host's side: counts its calls and can be told to raise.
+int hostCalls = 0;
+bool hostRaises = false;
+long lastHostArg = -1;
+
+long hostDouble(Id, SEL, long x) {
+  ++hostCalls;
+  lastHostArg = x;
+  if (hostRaises) rt::raise("HostException", "host failed");
+  return 2 * x;
+}
+long hostClassTriple(Id, SEL, long x) {
+  ++hostCalls;
+  return 3 * x;
+}
+void hostAppear(Id, SEL, bool) { ++hostCalls; }
+
+// What the replacement body does this time.
+enum class Body { AskPlus1, AskThenFail, FailBeforeAsking, AskTwice, ProbeOtherArg };
+Body body = Body::AskPlus1;
+host::Hook<long(long)> hook;
+
+long replacement(Id self, SEL cmd, long x) {
+  return hook.run("[QB] test ex: %@", [&](host::Hook<long(long)>::Original& original) -> long {
+    switch (body) {
+      case Body::AskPlus1:
+        return original(x) + 1;
+      case Body::AskThenFail:
+        original(x);
+        rt::raise("Mine", "after asking");
+      case Body::FailBeforeAsking:
+        rt::raise("Mine", "before asking");
+      case Body::AskTwice:
+        return original(x) + original(x + 100);
+      case Body::ProbeOtherArg:
+        return original(x + 1);
+    }
+    return 0;
+  }, self, cmd, x);
+}
+
+class HookPolicy : public qbtest::SimWorld {
+ protected:
+  void SetUp() override {
+    hostCalls = 0, hostRaises = false, lastHostArg = -1, body = Body::AskPlus1;
+    hook = {};
+    cls = sim::ClassBuilder("HostThing").method("twice:", hostDouble).classMethod("thrice:", hostClassTriple).build();
+    obj = rt::send<Id>(cls, "new");
+  }
+  long ask(long x) { return rt::send<long>(obj, "twice:", x); }
+  int logged(const std::string& text) {
+    int n = 0;
+    for (const auto& l : device.log()) n += l.text.find(text) != std::string::npos;
+    return n;
+  }
+
+  rt::Class cls = nullptr;
+  Id obj = nullptr;
+};
+
+TEST_F(HookPolicy, ReplacedMethodAnswersThroughTheBodyAndAsksTheHostOnce) {
+  ASSERT_TRUE(hook.replace(cls, "twice:", replacement));
+  EXPECT_TRUE(hook.installed());
+  EXPECT_EQ(ask(5), 11);
+  EXPECT_EQ(hostCalls, 1);
+  body = Body::AskTwice;
+  EXPECT_EQ(ask(5), 20) << "a second ask gives the first answer back";
+  EXPECT_EQ(hostCalls, 2);
+  EXPECT_EQ(lastHostArg, 5);
+}
+
+TEST_F(HookPolicy, BodyFailureFallsBackToTheHostForTheUnchangedArgument) {
+  hook.replace(cls, "twice:", replacement);
+  body = Body::FailBeforeAsking;
+  EXPECT_EQ(ask(7), 14);
+  EXPECT_EQ(hostCalls, 1);
+  EXPECT_EQ(lastHostArg, 7);
+  EXPECT_EQ(logged("[QB] test ex: before asking"), 1);
+}
+
+TEST_F(HookPolicy, FailureAfterAskingKeepsTheHostsAnswerWithoutAskingAgain) {
+  hook.replace(cls, "twice:", replacement);
+  body = Body::AskThenFail;
+  EXPECT_EQ(ask(4), 8);
+  EXPECT_EQ(hostCalls, 1);
+  body = Body::ProbeOtherArg;
+  EXPECT_EQ(ask(4), 10) << "the body may ask the host for other arguments";
+}
+
+TEST_F(HookPolicy, TheHostsOwnExceptionLeavesUnchangedAndIsNotRetried) {
+  hook.replace(cls, "twice:", replacement);
+  hostRaises = true;
+  try {
+    ask(3);
+    FAIL() << "the host's exception was swallowed";
+  } catch (const rt::Exception& e) {
+    EXPECT_EQ(e.name, "HostException");
+  }
+  EXPECT_EQ(hostCalls, 1);
+  EXPECT_EQ(logged("[QB] test ex:"), 0) << "not the replacement's failure";
+}
+
+TEST_F(HookPolicy, WithoutAnOriginalTheFallbackAnswers) {
+  hook.fallback = 42;
+  EXPECT_FALSE(hook.replace(cls, "missing:", replacement));
+  EXPECT_FALSE(hook.installed());
+  body = Body::FailBeforeAsking;
+  EXPECT_EQ(replacement(obj, rt::sel("missing:"), 1), 42);
+  body = Body::AskPlus1;
+  EXPECT_EQ(replacement(obj, rt::sel("missing:"), 1), 43);
+  EXPECT_EQ(hostCalls, 0);
+}
+
+long classReplacement(Id self, SEL cmd, long x) {
+  return hook.run(nullptr, [&](host::Hook<long(long)>::Original& original) { return original(x) * 10; }, self, cmd,
+                  x);
+}
+
+TEST_F(HookPolicy, ClassMethodSetDirectly) {
+  ASSERT_TRUE(hook.setClassMethod(cls, "thrice:", classReplacement));
+  EXPECT_EQ(rt::send<long>(cls, "thrice:", 2L), 60);
+  EXPECT_FALSE(host::Hook<long(long)>().setClassMethod(cls, "absent:", classReplacement));
+  EXPECT_FALSE(host::Hook<long(long)>().setClassMethod(nullptr, "thrice:", classReplacement));
+}
+
+TEST_F(HookPolicy, ClassMethodAddedToTheMetaclassAndExchanged) {
+  ASSERT_TRUE(hook.exchangeClassMethod(cls, "thrice:", "qb_thrice:", classReplacement, "q24@0:8q16"));
+  EXPECT_EQ(rt::send<long>(cls, "thrice:", 2L), 60);
+  EXPECT_EQ(rt::send<long>(cls, "qb_thrice:", 2L), 6) << "the qb_ name reaches the host's code";
+  EXPECT_EQ(hostCalls, 2);
+}
+
+host::Hook<void(bool)> appear;
+int actions = 0;
+bool actFails = false;
+
+void qbAppear(Id self, SEL cmd, bool animated) {
+  appear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
+    original(animated);
+    if (actFails) rt::raise("Mine", "act failed");
+    ++actions;
+  }, self, cmd, animated);
+}
+
+TEST_F(HookPolicy, SwizzledOnOneClassAsksTheHostFirstAndNeverTwice) {
+  rt::Class screen = sim::ClassBuilder("Screen").method("appear:", hostAppear).build();
+  rt::Class other = sim::ClassBuilder("OtherScreen").method("appear:", hostAppear).build();
+  appear = {};
+  actions = 0, actFails = false;
+  ASSERT_TRUE(appear.swizzle(screen, screen, "appear:", "qb_appear:", qbAppear));
+  rt::send<void>(rt::send<Id>(screen, "new"), "appear:", true);
+  EXPECT_EQ(hostCalls, 1);
+  EXPECT_EQ(actions, 1);
+  actFails = true;
+  rt::send<void>(rt::send<Id>(screen, "new"), "appear:", true);
+  EXPECT_EQ(hostCalls, 2) << "a failing act after the host's call does not call the host again";
+  rt::send<void>(rt::send<Id>(other, "new"), "appear:", true);
+  EXPECT_EQ(actions, 1) << "another class is not hooked";
+  EXPECT_EQ(hostCalls, 3);
+}
+
+TEST(Guarded, LogsAndAnswersTheFallbackOnlyOnFailure) {
+  sim::Device device;
+  sim::Process process{device};
+  EXPECT_EQ(host::guarded("[QB] step ex: %@", [] { return 3; }, 0), 3);
+  EXPECT_EQ(host::guarded("[QB] step ex: %@", []() -> int { rt::raise("X", "boom"); }, 9), 9);
+  ASSERT_FALSE(device.log().empty());
+  EXPECT_EQ(device.log().back().text, "[QB] step ex: boom");
+}
+
+}  // namespace
