@@ -31,7 +31,12 @@ struct Date {
 
 class Value {
  public:
+  // The kinds keep the property-list names, alike the aliases above; being
+  // scoped, they cannot be mistaken for them.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"
   enum class Type { Null, Bool, Integer, Real, String, Data, Date, Array, Dictionary };
+#pragma GCC diagnostic pop
 
   Value() = default;  // null
   Value(std::nullptr_t) {}

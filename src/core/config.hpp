@@ -86,9 +86,9 @@ class QBConfig {
   static long modeFromWindow(const base::Value& window);
   static std::string stringFromWindowMode(long mode);
   // minute:isInWindowStart:end: — half-open, midnight-crossing membership.
-  static bool minute(long minute, long start, long end);
+  static bool isMinuteInWindow(long minute, long start, long end);
   // windowStart:end:overlapsStart:end: — some minute of the day lies in both.
-  static bool windowStart(long start1, long end1, long start2, long end2);
+  static bool windowsOverlap(long start1, long end1, long start2, long end2);
   static std::string stringFromMinute(long minute);
   static std::string stringFromWindow(const base::Value& window);
   static DailyWindows defaultDailyWindows();

@@ -46,18 +46,18 @@ long QBConfig::modeFromWindow(const base::Value& window) {
 
 std::string QBConfig::stringFromWindowMode(long mode) { return mode == 1 ? "隐藏" : "显示"; }
 
-bool QBConfig::minute(long minute, long start, long end) {
+bool QBConfig::isMinuteInWindow(long minute, long start, long end) {
   minute = clampMinute(minute), start = clampMinute(start), end = clampMinute(end);
   if (start == end) return false;
   if (start < end) return start <= minute && minute < end;
   return minute >= start || minute < end;
 }
 
-bool QBConfig::windowStart(long start1, long end1, long start2, long end2) {
+bool QBConfig::windowsOverlap(long start1, long end1, long start2, long end2) {
   // Every minute in turn: every case, midnight crossing included, then follows
   // from the one membership rule.
   for (long m = 0; m < 1440; ++m)
-    if (minute(m, start1, end1) && minute(m, start2, end2)) return true;
+    if (isMinuteInWindow(m, start1, end1) && isMinuteInWindow(m, start2, end2)) return true;
   return false;
 }
 
@@ -105,7 +105,7 @@ bool QBConfig::validateDailyWindows(const base::Value& value, std::string* error
     long mode = field(e, "mode");
     if (!isValidMode(mode)) return fail(errorMessage, kMsgPickMode), false;
     for (const DailyWindow& w : accepted)
-      if (windowStart(start, end, w.start, w.end)) return fail(errorMessage, kMsgOverlap), false;
+      if (windowsOverlap(start, end, w.start, w.end)) return fail(errorMessage, kMsgOverlap), false;
     accepted.push_back(QBWindow(start, end, mode));
   }
   return true;

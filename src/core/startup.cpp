@@ -53,7 +53,7 @@ void stepC() {
   rt::Class shake = rt::getClass("QBShakeHooks");
   if (shake && rt::respondsTo(rt::toId(shake), rt::sel("install"))) rt::send<void>(shake, "install");
   if (c.shouldHideSecrets()) QBSessionHooks::softReloadMainFrame();
-  for (double delay : kReapplyDelays) sys::after(delay, delayedReapply);
+  for (double delay : kReapplyDelays_s) sys::after(delay, delayedReapply);
 }
 
 void stepB() {

@@ -11,6 +11,6 @@ namespace core {
 void libraryEntry();
 
 // The delays of the re-applies after step C, while the host finishes launching.
-inline constexpr double kReapplyDelays[] = {0.5, 1.4};
+inline constexpr double kReapplyDelays_s[] = {0.5, 1.4};
 
 }  // namespace core

@@ -24,10 +24,10 @@ using host::QBRuntime;
 using rt::Id;
 using rt::SEL;
 
-constexpr double kSoftReloadThrottle = 0.75;
-constexpr double kForceApplyThrottle = 1.0;
-constexpr double kAppearanceThrottle = 0.8;
-constexpr double kScrollRetryDelay = 0.4;
+constexpr double kSoftReloadThrottle_s = 0.75;
+constexpr double kForceApplyThrottle_s = 1.0;
+constexpr double kAppearanceThrottle_s = 0.8;
+constexpr double kScrollRetryDelay_s = 0.4;
 
 constexpr const char* kDataLogicKeys[] = {"m_contactsDataLogic", "m_dataLogic", "_contactsDataLogic"};
 constexpr const char* kTableKeys[] = {"m_tableView", "tableView", "_tableView"};
@@ -48,7 +48,7 @@ void mainFrameReapply() {
   QBConfig& c = QBConfig::shared();
   SessionHooksState& s = sessionState();
   double now = sys::mediaTime();
-  if (bothSuppressClear(c) && c.secretCount() > 0 && !c.unlocked() && now - s.lastMainAppearReloadAt >= kAppearanceThrottle) {
+  if (bothSuppressClear(c) && c.secretCount() > 0 && !c.unlocked() && now - s.lastMainAppearReloadAt >= kAppearanceThrottle_s) {
     s.lastMainAppearReloadAt = now;
     QBSessionHooks::softReloadMainFrame();
   }
@@ -140,7 +140,7 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
   SessionHooksState& s = sessionState();
   if (s.reloadBusy && !force) return;
   double now = sys::mediaTime();
-  if (!force && now - s.lastSoftReloadAt < kSoftReloadThrottle) return;
+  if (!force && now - s.lastSoftReloadAt < kSoftReloadThrottle_s) return;
   s.lastSoftReloadAt = now;
   s.reloadBusy = true;
   try {
@@ -162,7 +162,7 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
       if (Id table = tableOf(vc)) {
         if (main && !force && (rt::send<bool>(table, "isDragging") || rt::send<bool>(table, "isDecelerating"))) {
           // Reloading under the user's finger jumps the list; try again shortly, forced.
-          sys::after(kScrollRetryDelay, [] {
+          sys::after(kScrollRetryDelay_s, [] {
             SessionHooksState& st = sessionState();
             st.reloadBusy = false;
             st.lastSoftReloadAt = 0;
@@ -229,7 +229,7 @@ void QBSessionHooks::forceApplyVisibility() {
     return;
   }
   double now = sys::mediaTime();
-  if (now - s.lastForceApplyAt < kForceApplyThrottle) return;
+  if (now - s.lastForceApplyAt < kForceApplyThrottle_s) return;
   s.lastForceApplyAt = now;
   s.applyBusy = true;
   try {

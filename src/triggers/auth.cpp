@@ -46,7 +46,7 @@ void QBAuth::askPassword(AuthCompletion completion) {
   ui::addAction(alert, "取消", ui::ActionStyle::Cancel, [completion] { completion(false); });
   ui::addAction(alert, "确定", ui::ActionStyle::Default, [completion, alert] {
     bool ok = QBConfig::shared().tryUnlockSilentWithPassword(ui::textFieldText(alert, 0));
-    sys::after(kPasswordResultDelay, [completion, ok] { completion(ok); });
+    sys::after(kPasswordResultDelay_s, [completion, ok] { completion(ok); });
   });
   try {
     ui::present(top, alert, true);

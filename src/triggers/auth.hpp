@@ -28,6 +28,6 @@ struct QBAuth {
 inline constexpr const char* kReasonPanel = "验证以进入密友控制台";
 inline constexpr const char* kReasonReveal = "验证以显示密友";
 inline constexpr const char* kReasonDefault = "验证身份";
-inline constexpr double kPasswordResultDelay = 0.45;
+inline constexpr double kPasswordResultDelay_s = 0.45;
 
 }  // namespace triggers

@@ -36,7 +36,7 @@ void QBAutoLock::autoLockWithReason(std::string_view reason) {
   if (!c.usesManualVisibility() || c.suppressAutoLock() || c.secretCount() <= 0 || !c.unlocked()) return;
   AutoLockState& s = sys::state<AutoLockState>();
   double now = sys::mediaTime();
-  if (now - s.lastAutoLockAt < kAutoLockDebounce) return;
+  if (now - s.lastAutoLockAt < kAutoLockDebounce_s) return;
   s.lastAutoLockAt = now;
   sys::log("[QB] auto-lock %@", reason);
   c.lock();

@@ -15,6 +15,6 @@ struct QBAutoLock {
   static void flashToast(const std::string& message);
 };
 
-inline constexpr double kAutoLockDebounce = 0.8;
+inline constexpr double kAutoLockDebounce_s = 0.8;
 
 }  // namespace triggers

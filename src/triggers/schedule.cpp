@@ -26,7 +26,7 @@ bool QBSchedule::shouldBeVisibleNow() {
   if (!c.usesScheduleVisibility() || c.secretCount() == 0) return false;
   long minute = sys::localMinuteOfDay();
   for (const core::DailyWindow& w : c.normalizedDailyWindows())
-    if (QBConfig::minute(minute, w.start, w.end)) return w.mode == 0;
+    if (QBConfig::isMinuteInWindow(minute, w.start, w.end)) return w.mode == 0;
   return false;  // outside every window the secrets stay hidden
 }
 
@@ -55,10 +55,10 @@ void QBSchedule::install() {
   if (s.installed) return;
   s.installed = true;
   sys::async([] {
-    sys::state<ScheduleState>().timer = sys::scheduleRepeatingTimer(kScheduleInterval, onTick);
+    sys::state<ScheduleState>().timer = sys::scheduleRepeatingTimer(kScheduleInterval_s, onTick);
     for (const char* name : {sys::kDidBecomeActive, sys::kWillEnterForeground})
       sys::addObserver(name, [](const sys::Notification&) { applyNow(); });
-    sys::after(kScheduleFirstApply, applyNow);
+    sys::after(kScheduleFirstApply_s, applyNow);
     sys::log("[QB] schedule OK");
   });
 }

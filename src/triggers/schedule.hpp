@@ -15,7 +15,7 @@ struct QBSchedule {
   static void onTick();
 };
 
-inline constexpr double kScheduleInterval = 30.0;
-inline constexpr double kScheduleFirstApply = 1.2;
+inline constexpr double kScheduleInterval_s = 30.0;
+inline constexpr double kScheduleFirstApply_s = 1.2;
 
 }  // namespace triggers

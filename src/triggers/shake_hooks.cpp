@@ -48,12 +48,12 @@ void QBShakeHooks::install() {
   s.installed = true;
   try {
     if (sys::deviceMotionAvailable()) {
-      sys::startDeviceMotionUpdates(kShakeSampleInterval, [](sys::Acceleration a) {
+      sys::startDeviceMotionUpdates(kShakeSampleInterval_s, [](sys::Acceleration a) {
         sample(std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z));
       });
     } else if (sys::accelerometerAvailable()) {
       // Raw acceleration includes gravity: at rest its length is about 1 g.
-      sys::startAccelerometerUpdates(kShakeSampleInterval, [](sys::Acceleration a) {
+      sys::startAccelerometerUpdates(kShakeSampleInterval_s, [](sys::Acceleration a) {
         sample(std::fabs(std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z) - 1.0));
       });
     }
@@ -68,7 +68,7 @@ void QBShakeHooks::sample(double magnitude) {
   s.lastMagnitude = magnitude;
   // Deliberately loose: one loud sample is enough; the spacing and the checks
   // of handleShake keep a shake from acting twice.
-  if (magnitude < kShakeMagnitude && std::fabs(magnitude - previous) < kShakeJump) return;
+  if (magnitude < kShakeMagnitude_g && std::fabs(magnitude - previous) < kShakeJump_g) return;
   sys::async(handleShake);
 }
 
@@ -81,7 +81,7 @@ void QBShakeHooks::handleShake() {
   rt::Id top = topPresented();
   if (top && rt::isKindOf(top, "UIAlertController")) return;
   double now = sys::mediaTime();
-  if (now - s.lastShakeAt < kShakeSpacing) return;
+  if (now - s.lastShakeAt < kShakeSpacing_s) return;
   s.lastShakeAt = now;
   s.handling = true;
   try {
@@ -90,7 +90,7 @@ void QBShakeHooks::handleShake() {
       s.handling = false;
     } else if (c.shakeShowEnabled()) {
       QBUnlock::showWithAuthFrom("shake");
-      sys::after(kShakeRevealHold, [] { state().handling = false; });
+      sys::after(kShakeRevealHold_s, [] { state().handling = false; });
     } else {
       s.handling = false;
     }

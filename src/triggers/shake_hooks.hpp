@@ -17,10 +17,10 @@ struct QBShakeHooks {
   static void registerRuntimeClass();
 };
 
-inline constexpr double kShakeSampleInterval = 0.04;
-inline constexpr double kShakeMagnitude = 0.09;
-inline constexpr double kShakeJump = 0.08;
-inline constexpr double kShakeSpacing = 0.7;
-inline constexpr double kShakeRevealHold = 0.5;
+inline constexpr double kShakeSampleInterval_s = 0.04;
+inline constexpr double kShakeMagnitude_g = 0.09;
+inline constexpr double kShakeJump_g = 0.08;
+inline constexpr double kShakeSpacing_s = 0.7;
+inline constexpr double kShakeRevealHold_s = 0.5;
 
 }  // namespace triggers

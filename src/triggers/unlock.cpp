@@ -62,7 +62,7 @@ void QBUnlock::showWithAuthFrom(std::string_view source) {
   QBConfig& c = QBConfig::shared();
   if (!c.usesManualVisibility() || c.secretCount() <= 0 || c.unlocked()) return;
   double now = sys::mediaTime();
-  if (now - s.lastRevealStart < kRevealDebounce) return;
+  if (now - s.lastRevealStart < kRevealDebounce_s) return;
   s.lastRevealStart = now;
   s.revealInProgress = true;
   c.setSuppressAutoLock(true);
@@ -83,7 +83,7 @@ void QBUnlock::showWithAuthFrom(std::string_view source) {
     QBSessionHooks::revealSecretsNow();
     // Auto-lock stays held for the settling time, so a resign-active from the
     // prompt going away does not hide again.
-    sys::after(kRevealSettle, [] {
+    sys::after(kRevealSettle_s, [] {
       QBConfig& c2 = QBConfig::shared();
       c2.setSuppressAutoLock(false);
       state().revealInProgress = false;
@@ -111,7 +111,7 @@ void QBUnlock::attachLongPressToVC(rt::Id controller) {
   rt::Id target = nav ? rt::send<rt::Id>(nav, "navigationBar") : nullptr;
   if (!target) target = rt::send<rt::Id>(controller, "view");
   if (!target || rt::getAssociatedObject(target, &kLongPressMarker)) return;
-  rt::Id recognizer = ui::addLongPress(target, kLongPressDuration, false, onLongPress);
+  rt::Id recognizer = ui::addLongPress(target, kLongPressDuration_s, false, onLongPress);
   rt::setAssociatedObject(target, &kLongPressMarker, recognizer);
 }
 

@@ -19,9 +19,9 @@ struct QBUnlock {
   static void installLongPressWake();
 };
 
-inline constexpr double kRevealDebounce = 0.8;
-inline constexpr double kRevealSettle = 2.0;
-inline constexpr double kLongPressDuration = 0.7;
+inline constexpr double kRevealDebounce_s = 0.8;
+inline constexpr double kRevealSettle_s = 2.0;
+inline constexpr double kLongPressDuration_s = 0.7;
 inline constexpr const char* kLongPressScreens[] = {"NewMainFrameViewController", "BaseMsgContentViewController"};
 
 }  // namespace triggers

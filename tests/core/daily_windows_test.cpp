@@ -22,25 +22,25 @@ std::string message(const base::Value& v) {
 }
 
 TEST(DailyWindowRules, MembershipIsHalfOpenAndCrossesMidnight) {
-  EXPECT_TRUE(QBConfig::minute(480, 480, 1320));
-  EXPECT_FALSE(QBConfig::minute(1320, 480, 1320));
-  EXPECT_FALSE(QBConfig::minute(479, 480, 1320));
-  EXPECT_TRUE(QBConfig::minute(23 * 60, 1320, 360));
-  EXPECT_TRUE(QBConfig::minute(5 * 60 + 59, 1320, 360));
-  EXPECT_FALSE(QBConfig::minute(6 * 60, 1320, 360));
-  EXPECT_FALSE(QBConfig::minute(21 * 60 + 59, 1320, 360));
-  EXPECT_FALSE(QBConfig::minute(100, 100, 100)) << "an empty window holds no minute";
-  EXPECT_TRUE(QBConfig::minute(-30, 0, 10)) << "arguments are clamped";
-  EXPECT_FALSE(QBConfig::minute(5000, 1400, 1500)) << "both clamp to 1439, the excluded end";
+  EXPECT_TRUE(QBConfig::isMinuteInWindow(480, 480, 1320));
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(1320, 480, 1320));
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(479, 480, 1320));
+  EXPECT_TRUE(QBConfig::isMinuteInWindow(23 * 60, 1320, 360));
+  EXPECT_TRUE(QBConfig::isMinuteInWindow(5 * 60 + 59, 1320, 360));
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(6 * 60, 1320, 360));
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(21 * 60 + 59, 1320, 360));
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(100, 100, 100)) << "an empty window holds no minute";
+  EXPECT_TRUE(QBConfig::isMinuteInWindow(-30, 0, 10)) << "arguments are clamped";
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(5000, 1400, 1500)) << "both clamp to 1439, the excluded end";
 }
 
 TEST(DailyWindowRules, OverlapIsSomeSharedMinute) {
-  EXPECT_FALSE(QBConfig::windowStart(480, 780, 780, 900)) << "adjacent endpoints";
-  EXPECT_TRUE(QBConfig::windowStart(480, 781, 780, 900));
-  EXPECT_TRUE(QBConfig::windowStart(1320, 360, 300, 420)) << "05:00 lies in both";
-  EXPECT_FALSE(QBConfig::windowStart(1320, 360, 360, 1320)) << "together they cover the day";
-  EXPECT_TRUE(QBConfig::windowStart(1320, 360, 1380, 60));
-  EXPECT_FALSE(QBConfig::windowStart(10, 10, 0, 1439));
+  EXPECT_FALSE(QBConfig::windowsOverlap(480, 780, 780, 900)) << "adjacent endpoints";
+  EXPECT_TRUE(QBConfig::windowsOverlap(480, 781, 780, 900));
+  EXPECT_TRUE(QBConfig::windowsOverlap(1320, 360, 300, 420)) << "05:00 lies in both";
+  EXPECT_FALSE(QBConfig::windowsOverlap(1320, 360, 360, 1320)) << "together they cover the day";
+  EXPECT_TRUE(QBConfig::windowsOverlap(1320, 360, 1380, 60));
+  EXPECT_FALSE(QBConfig::windowsOverlap(10, 10, 0, 1439));
 }
 
 TEST(DailyWindowRules, TextForms) {

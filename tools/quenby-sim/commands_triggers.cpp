@@ -67,9 +67,9 @@ void addTriggerCommands(CommandTable& t) {
                     bool raw = ps.motionFromAccelerometer;
                     auto handler = ps.motionHandler;
                     for (int i = 0; i * interval < 0.5; ++i) {
-                      double t = i * interval;
-                      double strength = t < 0.3 ? (i % 2 ? 1.4 : -1.2) : 0.0;
-                      p.mainQueue().submit(p.device().elapsed() + t, [handler, strength, raw] {
+                      double at = i * interval;
+                      double strength = at < 0.3 ? (i % 2 ? 1.4 : -1.2) : 0.0;
+                      p.mainQueue().submit(p.device().elapsed() + at, [handler, strength, raw] {
                         if (raw) handler(strength, 0, -1.0);
                         else handler(strength, 0, 0);
                       });
