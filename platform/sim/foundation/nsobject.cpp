@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "rt/kvc_search.hpp"
 #include "rt/encoding.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
@@ -18,12 +19,6 @@ namespace {
 
 using rt::Id;
 using rt::SEL;
-
-std::string capitalized(const std::string& key) {
-  std::string k = key;
-  if (!k.empty() && k[0] >= 'a' && k[0] <= 'z') k[0] = char(k[0] - 'a' + 'A');
-  return k;
-}
 
 std::string objectLabel(Id self) {
   char buf[64];
@@ -122,8 +117,7 @@ void unboxInto(const std::string& type, Id value, const std::string& key, rt::Iv
 Id valueForKey(Id self, SEL, Id key) {
   std::string k = keyText(key, "valueForKey:");
   Runtime& rtm = runtime();
-  std::string cap = capitalized(k);
-  for (const std::string& name : {"get" + cap, k, "is" + cap, "_" + k}) {
+  for (const std::string& name : rt::getterNames(k)) {
     rt::Method m = rtm.lookup(self->isa, rt::sel(name));
     if (!m) continue;
     Shape shape = shapeOf(*m);
@@ -131,7 +125,7 @@ Id valueForKey(Id self, SEL, Id key) {
     return box(shape.ret, self, m);
   }
   if (!self->isa->meta) {
-    for (const std::string& name : {"_" + k, "_is" + cap, k, "is" + cap})
+    for (const std::string& name : rt::ivarNames(k))
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) return boxIvar(self, iv);
   }
   return rt::send<Id>(self, "valueForUndefinedKey:", key);
@@ -147,8 +141,7 @@ Id valueForUndefinedKey(Id self, SEL, Id key) {
 void setValueForKey(Id self, SEL, Id value, Id key) {
   std::string k = keyText(key, "setValue:forKey:");
   Runtime& rtm = runtime();
-  std::string cap = capitalized(k);
-  for (const std::string& name : {"set" + cap + ":", "_set" + cap + ":"}) {
+  for (const std::string& name : rt::setterNames(k)) {
     rt::Method m = rtm.lookup(self->isa, rt::sel(name));
     if (!m) continue;
     Shape shape = shapeOf(*m);
@@ -158,7 +151,7 @@ void setValueForKey(Id self, SEL, Id value, Id key) {
     return;
   }
   if (!self->isa->meta) {
-    for (const std::string& name : {"_" + k, "_is" + cap, k, "is" + cap}) {
+    for (const std::string& name : rt::ivarNames(k)) {
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) {
         unboxInto(iv->types, value, k, &self->ivars[iv->index], self, nullptr);
         return;
