@@ -52,6 +52,10 @@ void QBRuntime::swizzleInstance(rt::Class cls, rt::SEL original, rt::SEL swizzle
       return;
     }
     const char* types = rt::typeEncoding(origMethod);
+    // An inherited original gets a copy on the class itself first, so the
+    // exchange changes this class only, not the superclass and its siblings.
+    if (rt::addMethod(cls, original, rt::methodImplementation(origMethod), types))
+      origMethod = rt::getInstanceMethod(cls, original);
     rt::addMethod(cls, swizzled, rt::methodImplementation(swizMethod), types ? types : "v@:");
     swizMethod = rt::getInstanceMethod(cls, swizzled);
     if (!swizMethod) return;
@@ -70,8 +74,10 @@ bool QBRuntime::replace(rt::Class cls, rt::SEL sel, rt::IMP newIMP, rt::IMP* sto
       return false;
     }
     *store = rt::methodImplementation(m);
-    rt::setImplementation(m, newIMP);
     const char* types = rt::typeEncoding(m);
+    // A method the class only inherits is overridden on the class itself
+    // rather than overwritten in the superclass.
+    if (!rt::addMethod(cls, sel, newIMP, types)) rt::setImplementation(m, newIMP);
     sys::log("[QB][stable] replace %@ types=%s", name(sel), types ? types : "?");
     return true;
   } catch (...) {

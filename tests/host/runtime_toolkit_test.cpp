@@ -29,20 +29,36 @@ class Toolkit : public qbtest::HostWorld {
   void SetUp() override { start(); }
 };
 
-TEST_F(Toolkit, SwizzleExchangesAndTheQbNameReachesTheHost) {
+TEST_F(Toolkit, SwizzlingAnInheritedMethodChangesOnlyTheHookedClass) {
   rt::Class base = sim::ClassBuilder("HostScreen").method("greeting", hostGreeting).build();
   rt::Class sub = sim::ClassBuilder("HostScreenSub", "HostScreen").build();
+  rt::Class sibling = sim::ClassBuilder("HostScreenSibling", "HostScreen").build();
   // The qb_ method lives on a common ancestor, as a category on UIViewController does.
   rt::addMethod(rt::getClass("NSObject"), rt::sel("qb_greeting"), swizzledGreeting);
+  rt::Method before = rt::getInstanceMethod(base, rt::sel("greeting"));
   QBRuntime::swizzleInstance(sub, rt::sel("greeting"), rt::sel("qb_greeting"));
   EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sub, "new"), "greeting")), "qb+host");
-  EXPECT_EQ(rt::methodImplementation(rt::getInstanceMethod(base, rt::sel("greeting"))),
-            reinterpret_cast<rt::IMP>(swizzledGreeting))
-      << "the original was the superclass's record, so the superclass is exchanged too";
+  EXPECT_EQ(rt::methodImplementation(before), reinterpret_cast<rt::IMP>(hostGreeting)) << "the superclass is untouched";
+  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sibling, "new"), "greeting")), "host")
+      << "a sibling neither changes nor recurses";
+  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(base, "new"), "greeting")), "host");
   EXPECT_NE(rt::getInstanceMethod(sub, rt::sel("qb_greeting")),
             rt::getInstanceMethod(rt::getClass("NSObject"), rt::sel("qb_greeting")))
       << "the swizzled method was added to the class itself";
   EXPECT_STREQ(rt::typeEncoding(rt::getInstanceMethod(sub, rt::sel("qb_greeting"))), "@@:");
+  QBRuntime::swizzleInstance(sub, rt::sel("greeting"), rt::sel("qb_greeting"));
+  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sub, "new"), "greeting")), "host") << "exchanged back";
+}
+
+TEST_F(Toolkit, ReplacingAnInheritedMethodOverridesItOnTheClassItself) {
+  rt::Class base = sim::ClassBuilder("CounterBase").method("count:", hostCount).build();
+  rt::Class sub = sim::ClassBuilder("CounterSub", "CounterBase").build();
+  rt::IMP store = nullptr;
+  EXPECT_TRUE(QBRuntime::replace(sub, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount), &store));
+  EXPECT_EQ(store, reinterpret_cast<rt::IMP>(hostCount)) << "the inherited implementation is stored";
+  EXPECT_EQ(rt::send<long>(rt::send<Id>(sub, "new"), "count:", 2L), 2);
+  EXPECT_EQ(rt::send<long>(rt::send<Id>(base, "new"), "count:", 2L), 12) << "the superclass keeps its method";
+  EXPECT_STREQ(rt::typeEncoding(rt::getInstanceMethod(sub, rt::sel("count:"))), "q@:q");
 }
 
 TEST_F(Toolkit, SwizzleSkipsWhatIsMissingAndLogsIt) {
