@@ -4,6 +4,7 @@
 #include "sys/process_state.hpp"
 #include "hiding/session_hooks.hpp"
 #include "host/hook.hpp"
+#include "host/runtime_toolkit.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -33,13 +34,19 @@ const char kLongPressMarker = 0;
 
 UnlockState& state() { return sys::state<UnlockState>(); }
 
+// Exactly these classes: subclasses that inherit the method do not qualify.
+bool isLongPressScreen(rt::Id controller) {
+  std::string_view name = rt::className(controller);
+  for (const char* screen : kLongPressScreens)
+    if (name == screen) return true;
+  return false;
+}
+
 // Asks the host first, then attaches the recogniser a moment later.
 void qbUnlockViewDidAppear(rt::Id self, rt::SEL cmd, bool animated) {
   state().viewDidAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
     original(animated);
-    std::string_view name = rt::className(self);
-    for (const char* screen : kLongPressScreens)
-      if (name == screen) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
+    if (isLongPressScreen(self)) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
   }, self, cmd, animated);
 }
 
@@ -124,6 +131,9 @@ void QBUnlock::installLongPressWake() {
     for (const char* screen : kLongPressScreens)
       if (rt::Class cls = rt::getClass(screen))
         s.viewDidAppear.swizzle(base, cls, "viewDidAppear:", "qb_unlock_viewDidAppear:", qbUnlockViewDidAppear);
+    // The first main list appeared before this install: it gets the press now.
+    for (rt::Id vc : host::QBRuntime::collectViewControllers())
+      if (isLongPressScreen(vc)) attachLongPressToVC(vc);
     sys::log("[QB] long-press wake OK");
   } catch (...) {
     sys::log("[QB] long-press install ex: %@", rt::describeCurrentException());
