@@ -86,12 +86,39 @@ void Process::launch(const LaunchHooks& hooks) {
 }
 
 bool Process::enterBackground() {
-  if (state_ != AppState::Active) return false;
-  post(sys::kSceneWillDeactivate);
-  post(sys::kWillResignActive);
+  if (state_ != AppState::Active && state_ != AppState::Inactive) return false;
+  if (state_ == AppState::Active) {
+    post(sys::kSceneWillDeactivate);
+    post(sys::kWillResignActive);
+  }
   state_ = AppState::Background;
   post(sys::kSceneDidEnterBackground);
   post(sys::kDidEnterBackground);
+  if (auto reply = std::move(platform_.biometricReply)) {
+    platform_.biometricReply = nullptr;
+    runGuarded([&] { reply(false); });
+  }
+  runDue();
+  return true;
+}
+
+void Process::systemPromptAppeared() {
+  if (state_ != AppState::Active || !platform_.biometricReply) return;
+  post(sys::kWillResignActive);
+  post(sys::kSceneWillDeactivate);
+  state_ = AppState::Inactive;
+}
+
+bool Process::answerSystemPrompt(bool success) {
+  auto reply = std::move(platform_.biometricReply);
+  platform_.biometricReply = nullptr;
+  if (!reply) return false;
+  runGuarded([&] { reply(success); });
+  if (state_ == AppState::Inactive) {
+    state_ = AppState::Active;
+    post(sys::kDidBecomeActive);
+    post(sys::kSceneDidActivate);
+  }
   runDue();
   return true;
 }

@@ -67,8 +67,15 @@ class Process {
   // Resign active and enter the background / come back, with the application
   // and scene notifications in platform order. False when the app is not in
   // the state to do so.
+  // Background works from the inactive state too (a system prompt up), and
+  // cancels that prompt: its reply is a failure.
   bool enterBackground();
   bool enterForeground();
+  // A system prompt (Face ID / Touch ID) appearing makes the active app
+  // inactive; answering it runs the reply first, then makes the app active
+  // again. False when no prompt is up.
+  void systemPromptAppeared();
+  bool answerSystemPrompt(bool success);
   AppState appState() const { return state_; }
 
   // Runs everything due now / advances virtual time, running every block in

@@ -6,6 +6,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/queue.hpp"
+#include "triggers/reveal_settle.hpp"
 #include "ui/alerts.hpp"
 #include "ui/feedback.hpp"
 
@@ -46,6 +47,7 @@ void QBAuth::askPassword(AuthCompletion completion) {
   ui::addAction(alert, "取消", ui::ActionStyle::Cancel, [completion] { completion(false); });
   ui::addAction(alert, "确定", ui::ActionStyle::Default, [completion, alert] {
     bool ok = QBConfig::shared().tryUnlockSilentWithPassword(ui::textFieldText(alert, 0));
+    if (ok) revealCheckSucceeded();
     sys::after(kPasswordResultDelay_s, [completion, ok] { completion(ok); });
   });
   try {
@@ -67,6 +69,7 @@ void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompleti
       wrapper(false);  // deliberately no password fallback after a failed check
       return;
     }
+    revealCheckSucceeded();
     sys::async([wrapper] {
       QBConfig::shared().setUnlocked(true);
       wrapper(true);

@@ -11,6 +11,9 @@ namespace triggers {
 struct QBAutoLock {
   static void install();
   static void autoLockWithReason(std::string_view reason);
+  // The auto-lock's conditions and debounce; `evenIfSuppressed` for a reveal
+  // still settling when the app leaves. True when it locked.
+  static bool lockNow(std::string_view reason, bool evenIfSuppressed);
   // A short self-dismissing message over the key window. Offered, not called.
   static void flashToast(const std::string& message);
 };

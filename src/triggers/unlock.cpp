@@ -13,6 +13,7 @@
 #include "sys/log.hpp"
 #include "sys/queue.hpp"
 #include "triggers/auth.hpp"
+#include "triggers/reveal_settle.hpp"
 #include "ui/feedback.hpp"
 #include "ui/gestures.hpp"
 
@@ -75,12 +76,15 @@ void QBUnlock::showWithAuthFrom(std::string_view source) {
   c.setSuppressAutoLock(true);
   c.setSuppressSessionApply(true);
   sys::log("[QB] show auth from %@", source.empty() ? std::string_view("?") : source);
+  revealSettle() = RevealSettle{true, false, false};
   QBAuth::authenticateToShowWithFallbackPassword(true, [](bool passed) {
     QBConfig& cfg = QBConfig::shared();
-    if (!passed) {
+    // A departure after the check succeeded has locked already: stay hidden.
+    if (!passed || revealSettle().lockedWhileSettling) {
       cfg.setSuppressAutoLock(false);
       cfg.setSuppressSessionApply(false);
       state().revealInProgress = false;
+      revealSettle() = RevealSettle{};
       return;
     }
     cfg.setUnlocked(true);
@@ -94,6 +98,7 @@ void QBUnlock::showWithAuthFrom(std::string_view source) {
       QBConfig& c2 = QBConfig::shared();
       c2.setSuppressAutoLock(false);
       state().revealInProgress = false;
+      revealSettle() = RevealSettle{};
       if (c2.unlocked()) {
         QBSessionHooks::refreshFilterCache();
         QBSessionHooks::softReloadMainFrameForce(true);

@@ -1,6 +1,7 @@
 # Face ID for revealing: a failed check reveals nothing and does not fall back
-# to the password; a passed one reveals. Leaving the app hides again, but not
-# within the 2 s after a reveal (the prompt itself makes the app resign).
+# to the password; a passed one reveals. The prompt makes the app resign
+# active without hiding again; really leaving the app hides, even within the
+# 2 s after a reveal.
 friend alice nick=Alice
 friend bob nick=Bob
 session bob
@@ -21,14 +22,31 @@ biometric pass
 wait 1
 expect revealed
 background
-expect revealed
+expect hidden
+expect log "[QB] auto-lock UISceneDidEnterBackgroundNotification"
 foreground
 wait 2
+expect main alice
+wait 1
+shake
+biometric pass
+wait 2.5
+expect revealed
 background
 expect hidden
 expect log "[QB] auto-lock UISceneWillDeactivateNotification"
 foreground
 wait 1
+expect main alice
+
+# Leaving while the prompt is up cancels it: the check fails, nothing shows.
+wait 1
+shake
+expect screen biometric
+background
+foreground
+wait 1
+expect hidden
 expect main alice
 
 # A device without biometrics asks for the password instead.

@@ -122,11 +122,8 @@ void addTriggerCommands(CommandTable& t) {
                       requireWords(c, 2, 2, "biometric pass|fail");
                       if (c.words[1] != "pass" && c.words[1] != "fail") throw ScriptError{"usage: biometric pass|fail"};
                       sim::Process& p = s.requireProcess("biometric");
-                      auto reply = std::move(p.platform().biometricReply);
-                      p.platform().biometricReply = nullptr;
-                      if (!reply) throw ScriptError{"biometric: no biometric prompt on screen"};
-                      bool pass = c.words[1] == "pass";
-                      p.runGuarded([&] { reply(pass); });
+                      if (!p.answerSystemPrompt(c.words[1] == "pass"))
+                        throw ScriptError{"biometric: no biometric prompt on screen"};
                     }};
   t["expect screen"] = {"expect screen NAME", [](Session& s, const Command& c) {
                           requireWords(c, 3, 3, "expect screen NAME");

@@ -138,6 +138,8 @@ void evaluateBiometrics(const BiometricRequest& request, std::function<void(bool
   }
   p.biometricReason = request.reason;
   p.biometricReply = std::move(reply);
+  // The system's sheet takes the screen a moment later: the app resigns active.
+  sys::async([] { sim::currentProcess().systemPromptAppeared(); });
 }
 
 rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouchesInView,
