@@ -1,6 +1,10 @@
 #include "triggers/auth.hpp"
 
+#include <memory>
+#include <utility>
+
 #include "core/config.hpp"
+#include "host/hook.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -42,19 +46,24 @@ void QBAuth::askPassword(AuthCompletion completion) {
     return;
   }
   suppressWhileOnScreen();
+  // The answer comes exactly once, even when the alert never shows (the
+  // presenter is busy) or is taken away without its buttons.
+  auto answered = std::make_shared<bool>(false);
+  AuthCompletion once = [completion, answered](bool ok) {
+    if (std::exchange(*answered, true)) return;
+    completion(ok);
+  };
   rt::Id alert = ui::makeAlert("验证身份", "输入口令");
   ui::addTextField(alert, ui::TextFieldSpec{"口令", true, true});
-  ui::addAction(alert, "取消", ui::ActionStyle::Cancel, [completion] { completion(false); });
-  ui::addAction(alert, "确定", ui::ActionStyle::Default, [completion, alert] {
+  ui::addAction(alert, "取消", ui::ActionStyle::Cancel, [once] { once(false); });
+  ui::addAction(alert, "确定", ui::ActionStyle::Default, [once, alert] {
     bool ok = QBConfig::shared().tryUnlockSilentWithPassword(ui::textFieldText(alert, 0));
     if (ok) revealCheckSucceeded();
-    sys::after(kPasswordResultDelay_s, [completion, ok] { completion(ok); });
+    sys::after(kPasswordResultDelay_s, [once, ok] { once(ok); });
   });
-  try {
-    ui::present(top, alert, true);
-  } catch (...) {
-    completion(false);
-  }
+  ui::onDismissedWithoutAction(alert, [once] { once(false); });
+  bool shown = host::guarded(nullptr, [&] { return ui::present(top, alert, true); }, false);
+  if (!shown) once(false);
 }
 
 void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompletion completion) {

@@ -27,8 +27,14 @@ void addAction(rt::Id alert, const std::string& title, ActionStyle style, std::f
 // The text of the alert's text field at `index` ("" when it has none or is nil).
 std::string textFieldText(rt::Id alert, long index);
 
-// Presents `controller` modally on `presenter`. Raises as UIKit would when
-// the presenter cannot present (nil controller).
-void present(rt::Id presenter, rt::Id controller, bool animated);
+// Presents `controller` modally on `presenter`. Raises as UIKit would for a
+// nil controller; refuses, without raising, while the presenter is already
+// presenting. True when `controller` is on screen afterwards (on iOS: its
+// presentingViewController is set once the call returns).
+bool present(rt::Id presenter, rt::Id controller, bool animated);
+// Runs `handler` once if the alert leaves the screen without any of its
+// buttons (the host dismissing what is presented). On iOS: the alert's
+// viewDidDisappear: with no action handler having run.
+void onDismissedWithoutAction(rt::Id alert, std::function<void()> handler);
 
 }  // namespace ui

@@ -108,6 +108,49 @@ TEST(TriggersNoWindow, NoKeyWindowFailsAtOnce) {
   EXPECT_FALSE(*result);
 }
 
+TEST_F(Triggers, APasswordAlertThatNeverShowsOrIsTakenAwayFailsExactlyOnce) {
+  Outcome refused;
+  rt::Id busy = QBAuth::topVC();
+  sim::controllerState(busy)->inTransition = true;
+  QBAuth::authenticateWithMode(0, "", recorder(refused));
+  wait(1);
+  EXPECT_EQ(alert(), nullptr);
+  EXPECT_EQ(refused.calls, 1);
+  EXPECT_FALSE(refused.passed);
+  sim::controllerState(busy)->inTransition = false;
+
+  Outcome removed;
+  QBAuth::authenticateWithMode(0, "", recorder(removed));
+  wait(0.1);
+  ASSERT_NE(alert(), nullptr);
+  process->runGuarded([&] { sim::dismissPresented(alert()); });  // the host dismisses what is presented
+  wait(1);
+  EXPECT_EQ(removed.calls, 1);
+  EXPECT_FALSE(removed.passed);
+
+  Outcome pressed;
+  QBAuth::authenticateWithMode(0, "", recorder(pressed));
+  wait(0.1);
+  press("取消");
+  wait(1);
+  EXPECT_EQ(pressed.calls, 1) << "a button's own dismissal is not a removal";
+}
+
+TEST_F(Triggers, ARevealWhoseAlertCannotShowLeavesNothingHeld) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  sim::controllerState(QBAuth::topVC())->inTransition = true;
+  QBUnlock::showWithAuthFrom("test");
+  EXPECT_EQ(countLog("[QB] show auth from test"), 1);
+  wait(1);
+  EXPECT_FALSE(c.suppressAutoLock());
+  EXPECT_FALSE(c.suppressSessionApply());
+  sim::controllerState(QBAuth::topVC())->inTransition = false;
+  QBUnlock::showWithAuthFrom("test");  // the next reveal is not blocked by a stale one
+  wait(0.1);
+  EXPECT_NE(alert(), nullptr);
+}
+
 TEST_F(Triggers, BiometricSuccessSetsUnlockedBeforeTheCompletion) {
   Outcome o;
   QBAuth::authenticateWithMode(1, "", recorder(o));

@@ -2,6 +2,7 @@
 // presentation, long-press recognizers, haptics and the biometric prompt.
 // The simulator's commands (type, press, longpress, biometric) act on these.
 #include <cmath>
+#include <utility>
 
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
@@ -65,6 +66,8 @@ void dismissPresented(Id controller) {
     controllerState(presenter)->presented = nullptr;
     c.presenting = nullptr;
     disappear(controller);
+    AlertState* a = alertState(controller);
+    if (a && !a->actionTaken && a->onGoneWithoutAction) std::exchange(a->onGoneWithoutAction, nullptr)();
   }
 }
 
@@ -74,6 +77,7 @@ bool pressAlertAction(Id alert, const std::string& title) {
   for (const AlertAction& action : a->actions) {
     if (action.title != title) continue;
     std::function<void()> handler = action.handler;
+    a->actionTaken = true;
     dismissPresented(alert);
     if (handler) handler();
     return true;
@@ -116,12 +120,18 @@ std::string textFieldText(rt::Id alert, long index) {
   return sim::viewState(a->textFields[std::size_t(index)])->text;
 }
 
-void present(rt::Id presenter, rt::Id controller, bool) {
-  if (!presenter) return;
+bool present(rt::Id presenter, rt::Id controller, bool) {
+  if (!presenter) return false;
   if (!controller) rt::raise("NSInvalidArgumentException", "Application tried to present a nil modal view controller");
   // UIKit refuses to present on a controller that is already presenting.
-  if (sim::controllerState(presenter)->presented) return;
+  const sim::ControllerState& target = *sim::controllerState(presenter);
+  if (target.presented || target.inTransition) return false;
   sim::present(presenter, controller);
+  return true;
+}
+
+void onDismissedWithoutAction(rt::Id alert, std::function<void()> handler) {
+  if (sim::AlertState* a = sim::alertState(alert)) a->onGoneWithoutAction = std::move(handler);
 }
 
 void impact(ImpactStyle style) {

@@ -24,6 +24,8 @@ struct AlertState {
   std::vector<rt::Id> textFields;
   std::vector<ui::TextFieldSpec> fieldSpecs;
   std::vector<AlertAction> actions;
+  bool actionTaken = false;
+  std::function<void()> onGoneWithoutAction;
 };
 
 struct GestureState {

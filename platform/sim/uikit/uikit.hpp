@@ -50,6 +50,9 @@ struct ControllerState {
   std::vector<rt::Id> children;
   rt::Id presented = nullptr;
   rt::Id presenting = nullptr;
+  // A presentation or dismissal of this controller is under way: UIKit
+  // refuses, without raising, to present on it meanwhile.
+  bool inTransition = false;
   std::vector<rt::Id> viewControllers;  // navigation stack or tab list
   long selectedIndex = 0;
   rt::Id navigationBar = nullptr;
