@@ -68,9 +68,9 @@ void stepB() {
 }  // namespace
 
 void libraryEntry() {
-  // The library's runtime classes exist from the moment it is loaded.
-  triggers::QBShakeHooks::registerRuntimeClass();
   try {
+    // The library's runtime classes exist from the moment it is loaded.
+    triggers::QBShakeHooks::registerRuntimeClass();
     QBConfig::shared().setUnlocked(false);
     QBSessionHooks::install();
   } catch (...) {

@@ -215,7 +215,8 @@ std::vector<std::string> QBSessionHooks::listSessionUsernames() {
   std::vector<std::string> out;
   try {
     if (Id mgr = mainSessionMgr()) {
-      for (const char* key : {"normalSessions", "topSessions", "allTopSessions"}) collect(rt::probeKey(mgr, key), out);
+      // An undefined key raises here like any other failure and ends the listing.
+      for (const char* key : {"normalSessions", "topSessions", "allTopSessions"}) collect(rt::valueForKey(mgr, key), out);
       if (!out.empty()) {
         setLastListPath("MainSessionMgr");
         return out;

@@ -54,6 +54,17 @@ TEST_F(Startup, TheShakeClassIsThereToBeFoundByName) {
   }
 }
 
+TEST_F(Startup, WithoutTheShakeClassStepCSkipsTheShakeAndGoesOn) {
+  // The name is taken by a class without the installer, so ours cannot register.
+  rt::registerClassPair(rt::allocateClassPair(rt::getClass("NSObject"), "QBShakeHooks"));
+  core::libraryEntry();
+  process.advance(2);
+  EXPECT_FALSE(rt::respondsTo(rt::toId(rt::getClass("QBShakeHooks")), rt::sel("install")));
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 1);
+  EXPECT_EQ(logged(device, "[QB] long-press wake OK"), 1) << "what comes before the shake is installed";
+  for (const auto& line : device.log()) EXPECT_EQ(line.text.find("FATAL"), std::string::npos) << line.text;
+}
+
 TEST(StartupProcesses, EachProcessStartsFromScratch) {
   sim::Device device;
   sim::LaunchHooks hooks;

@@ -141,11 +141,22 @@ TEST_F(SessionFilter, ListingTheHostsSessions) {
 
 class SessionListingFallBacks : public SessionFilter {};
 
-TEST_F(SessionListingFallBacks, FromTheIndexGetterThenTheSessionArray) {
-  for (const char* k : {"normalSessions", "topSessions", "allTopSessions"}) host.build.lackingMethods.insert({"MainSessionMgr", k});
+Id emptySessions(Id, rt::SEL) { return rt::array({}); }
+
+TEST_F(SessionListingFallBacks, FromTheIndexGetterWhenTheKeysHoldNothing) {
   launchWithLibrary();
+  rt::setImplementation(rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
+                        reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
   EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
+}
+
+TEST_F(SessionListingFallBacks, AnUndefinedKeyEndsTheListingWithItsException) {
+  host.build.lackingMethods.insert({"MainSessionMgr", "topSessions"});
+  launchWithLibrary();
+  EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}))
+      << "what the first key collected stands";
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "NSUnknownKeyException");
 }
 
 TEST_F(SessionListingFallBacks, TheSessionArrayWhenTheMainManagerIsMissing) {
@@ -165,8 +176,9 @@ TEST_F(SessionListingFallBacks, NoManagersAtAll) {
 
 TEST_F(SessionListingFallBacks, ARaisingManagerNamesTheException) {
   host.build.raisingMethods.insert({"MainSessionMgr", "getNormalSessionAtIndex:"});
-  for (const char* k : {"normalSessions", "topSessions", "allTopSessions"}) host.build.lackingMethods.insert({"MainSessionMgr", k});
   launchWithLibrary();
+  rt::setImplementation(rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
+                        reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_TRUE(QBSessionHooks::listSessionUsernames().empty());
   EXPECT_EQ(QBSessionHooks::lastListPath(), "NSGenericException");
 }
