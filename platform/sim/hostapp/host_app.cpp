@@ -28,6 +28,15 @@ const Room* HostModel::findRoom(const std::string& username) const {
   return nullptr;
 }
 
+const std::set<std::string>& knownHostVariants() {
+  // store-ignores-canshow: the session store never asks canShowInMainFrame:.
+  // list-through-logic: the main list's view controller reads its rows (not
+  //   its count) through MainFrameLogicController.
+  // session-key-first: sessions carry the username under m_nsUsrName.
+  static const std::set<std::string> names = {"store-ignores-canshow", "list-through-logic", "session-key-first"};
+  return names;
+}
+
 bool HostBuild::lacksMethod(const std::string& cls, const std::string& sel) const {
   return lackingMethods.count({cls, sel}) != 0;
 }

@@ -50,9 +50,16 @@ struct HostBuild {
   std::set<std::pair<std::string, std::string>> lackingMethods;  // (class, selector); "+sel" for class methods
   std::set<std::pair<std::string, std::string>> raisingMethods;
 
+  // Named differences of this build (`host variant NAME`).
+  std::set<std::string> variants;
+
   bool lacksClass(const std::string& cls) const { return lackingClasses.count(cls) != 0; }
   bool lacksMethod(const std::string& cls, const std::string& sel) const;
+  bool is(const std::string& variant) const { return variants.count(variant) != 0; }
 };
+
+// Every build variant the host knows, by name.
+const std::set<std::string>& knownHostVariants();
 
 // The host's own way to its services: straight to the registry, not through
 // getService:, so a fault injected there hits only the library's calls.

@@ -27,9 +27,13 @@ void setIvar(Id obj, const char* name, Id value) {
 
 Id service(const char* cls) { return hostService(cls); }
 
+bool variant(const char* name) { return HostApp::current().build.is(name); }
+
+const char* sessionNameKey() { return variant("session-key-first") ? "m_nsUsrName" : "m_nsUserName"; }
+
 Id makeSession(const std::string& username) {
   Id s = rt::send<Id>(rt::getClass("MMSessionInfo"), "new");
-  setIvar(s, "m_nsUserName", rt::str(username));
+  setIvar(s, sessionNameKey(), rt::str(username));
   return s;
 }
 
@@ -39,7 +43,7 @@ void rebuildSessions(Id mgr) {
   std::vector<Id> shown;
   rt::Class cls = rt::classOf(mgr);
   for (const std::string& u : model().sessions) {
-    bool canShow = !rt::respondsTo(rt::toId(cls), rt::sel("canShowInMainFrame:")) ||
+    bool canShow = variant("store-ignores-canshow") || !rt::respondsTo(rt::toId(cls), rt::sel("canShowInMainFrame:")) ||
                    rt::send<bool>(cls, "canShowInMainFrame:", rt::str(u));
     if (canShow) shown.push_back(makeSession(u));
   }
@@ -94,7 +98,7 @@ Id cellDataAt(Id indexPath) {
   if (!session) return nullptr;
   Id cell = rt::send<Id>(rt::getClass("MMMainSessionCellData"), "new");
   setIvar(cell, "m_sessionInfo", session);
-  setIvar(cell, "m_nsUsrName", ivar(session, "m_nsUserName"));
+  setIvar(cell, "m_nsUsrName", ivar(session, sessionNameKey()));
   return cell;
 }
 
@@ -103,10 +107,26 @@ long getSessionCountForSection(Id, SEL, long section) { return sessionCount(sect
 Id getSessionInfoAtIndexPath(Id, SEL, Id indexPath) { return sessionAt(indexPath); }
 Id getCellDataAtIndexPath(Id, SEL, Id indexPath) { return cellDataAt(indexPath); }
 
-// --- NewMainFrameViewController: its own getters over the same list.
+// --- NewMainFrameViewController: its own getters over the same list, or,
+// in the list-through-logic build, its logic controller's (hooked) row getters.
+Id logicController() {
+  Id& logic = sim::runtime().singleton("hostapp.mainFrameLogic");
+  if (!logic && rt::getClass("MainFrameLogicController"))
+    logic = rt::send<Id>(rt::getClass("MainFrameLogicController"), "new");
+  return logic;
+}
+bool throughLogic() { return variant("list-through-logic") && logicController(); }
+// The count stays the controller's own; only the rows go through the logic
+// controller, whose hooks must then pass the rows through unchanged.
 long logicGetCountForSection(Id, SEL, long section) { return sessionCount(section); }
-Id logicGetSessionAtIndexPath(Id, SEL, Id ip) { return sessionAt(ip); }
-Id logicGetCellDataAtIndexPath(Id, SEL, Id ip) { return cellDataAt(ip); }
+Id logicGetSessionAtIndexPath(Id, SEL, Id ip) {
+  if (throughLogic()) return rt::send<Id>(logicController(), "getSessionInfoAtIndexPath:", ip);
+  return sessionAt(ip);
+}
+Id logicGetCellDataAtIndexPath(Id, SEL, Id ip) {
+  if (throughLogic()) return rt::send<Id>(logicController(), "getCellDataAtIndexPath:", ip);
+  return cellDataAt(ip);
+}
 long numberOfSections(Id, SEL, Id) { return 1; }
 long numberOfRows(Id self, SEL, Id, long section) { return rt::send<long>(self, "logicGetCountForSection:", section); }
 // The host's cell shows the cell data of its row.
@@ -159,7 +179,7 @@ void defineMainListClasses(HostApp& app) {
       .method("viewDidLoad", chatViewDidLoad)
       .method("viewDidAppear:", chatViewDidAppear)
       .build();
-  HostClass(app, "MMSessionInfo").ivar("m_nsUserName", "@").ivar("m_contact", "@").build();
+  HostClass(app, "MMSessionInfo").ivar("m_nsUsrName", "@").ivar("m_nsUserName", "@").ivar("m_contact", "@").build();
   HostClass(app, "MMMainSessionCellData").ivar("m_nsUsrName", "@").ivar("m_sessionInfo", "@").build();
   HostClass(app, "MainSessionMgr")
       .ivar("m_arrNormalSessions", "@")
