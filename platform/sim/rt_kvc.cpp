@@ -9,12 +9,4 @@ Id valueForKey(Id obj, std::string_view key) { return send<Id>(obj, "valueForKey
 
 void setValueForKey(Id obj, Id value, std::string_view key) { send<void>(obj, "setValue:forKey:", value, str(key)); }
 
-Id probeKey(Id obj, std::string_view key) {
-  try {
-    return valueForKey(obj, key);
-  } catch (...) {
-    return nullptr;
-  }
-}
-
 }  // namespace rt

@@ -14,6 +14,13 @@ rt::Class Runtime::findClass(std::string_view name) const {
   return it != byName_.end() && it->second->registered ? it->second : nullptr;
 }
 
+std::vector<rt::Class> Runtime::registeredClasses() const {
+  std::vector<rt::Class> out;
+  for (const rt::ClassData& c : classes_)
+    if (!c.meta && c.registered) out.push_back(const_cast<rt::Class>(&c));
+  return out;
+}
+
 rt::Class Runtime::newClassRecord(std::string_view name, rt::Class super, bool meta) {
   rt::ClassData& c = classes_.emplace_back();
   c.name = std::string(name);

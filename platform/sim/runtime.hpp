@@ -27,6 +27,9 @@ class Runtime {
   Runtime& operator=(const Runtime&) = delete;
 
   rt::Class findClass(std::string_view name) const;
+  // Every registered class (not metaclasses), in the order they were made
+  // (objc_copyClassList).
+  std::vector<rt::Class> registeredClasses() const;
   // A new class and its metaclass, not yet registered. Null if the name is taken.
   rt::Class allocateClass(rt::Class super, std::string_view name);
   void registerClass(rt::Class cls);

@@ -16,8 +16,13 @@ Id valueForKey(Id obj, std::string_view key);
 // scalars are unboxed. Raises NSUnknownKeyException for an unknown key.
 void setValueForKey(Id obj, Id value, std::string_view key);
 
-// valueForKey: that swallows the exception of an unknown or failing key and
-// answers nil, the way the system probes host objects key by key.
+// Whether [obj valueForKey:key] would find an accessor or an instance
+// variable (true, without asking, for a class that overrides valueForKey: or
+// valueForUndefinedKey:). Never calls the object's accessors.
+bool keyValueCodingFinds(Id obj, std::string_view key);
+// valueForKey: that answers nil for a key the object cannot answer (without
+// raising: it asks keyValueCodingFinds first) and for an accessor that
+// raises; the way the system probes host objects key by key.
 Id probeKey(Id obj, std::string_view key);
 
 }  // namespace rt

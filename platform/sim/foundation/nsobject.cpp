@@ -124,7 +124,18 @@ Id valueForKey(Id self, SEL, Id key) {
     if (!shape.args.empty()) continue;
     return box(shape.ret, self, m);
   }
-  if (!self->isa->meta) {
+  // The ordered to-many pattern: Foundation answers with a proxy array; a
+  // snapshot of its elements answers the same reads.
+  std::string cap = rt::capitalizedKey(k);
+  rt::Method countOf = rtm.lookup(self->isa, rt::sel("countOf" + cap));
+  rt::Method objectAt = rtm.lookup(self->isa, rt::sel("objectIn" + cap + "AtIndex:"));
+  if (countOf && objectAt) {
+    std::vector<Id> items;
+    long n = rt::call<long>(countOf->imp, self, countOf->name);
+    for (long i = 0; i < n; ++i) items.push_back(rt::call<Id>(objectAt->imp, self, objectAt->name, i));
+    return rt::array(items);
+  }
+  if (!self->isa->meta && rt::send<bool>(self->isa, "accessInstanceVariablesDirectly")) {
     for (const std::string& name : rt::ivarNames(k))
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) return boxIvar(self, iv);
   }
@@ -150,7 +161,7 @@ void setValueForKey(Id self, SEL, Id value, Id key) {
     unboxInto(shape.args, value, k, nullptr, self, m);
     return;
   }
-  if (!self->isa->meta) {
+  if (!self->isa->meta && rt::send<bool>(self->isa, "accessInstanceVariablesDirectly")) {
     for (const std::string& name : rt::ivarNames(k)) {
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) {
         unboxInto(iv->types, value, k, &self->ivars[iv->index], self, nullptr);
@@ -168,6 +179,7 @@ void setValueForUndefinedKey(Id self, SEL, Id, Id key) {
                                           rt::asString(key).value_or("(null)") + ".");
 }
 
+bool accessInstanceVariablesDirectly(Id, SEL) { return true; }
 Id alloc(Id self, SEL) { return rt::createInstance(static_cast<rt::Class>(self)); }
 Id newObject(Id self, SEL) { return rt::send<Id>(alloc(self, nullptr), "init"); }
 Id init(Id self, SEL) { return self; }
@@ -192,6 +204,7 @@ void registerNSObject(Runtime& rtm) {
   rtm.foundation.object = ClassBuilder("NSObject", "")
                               .classMethod("alloc", alloc)
                               .classMethod("new", newObject)
+                              .classMethod("accessInstanceVariablesDirectly", accessInstanceVariablesDirectly)
                               .classMethod("class", classOfClass)
                               .classMethod("instancesRespondToSelector:", instancesRespondToSelector)
                               .method("init", init)
