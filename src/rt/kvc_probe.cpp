@@ -6,7 +6,6 @@
 // that answer keys their own way (dictionaries, proxies, any override of
 // valueForKey: or valueForUndefinedKey:) are asked directly. Stateless, so
 // safe from any thread the host calls in on.
-#include <array>
 #include <string>
 
 #include "rt/kvc.hpp"
@@ -17,6 +16,11 @@
 namespace rt {
 namespace {
 
+Class rootOf(Class cls) {
+  while (Class super = superclass(cls)) cls = super;
+  return cls;
+}
+
 bool sameAsRoot(Class cls, Class root, SEL s) {
   Method mine = getInstanceMethod(cls, s);
   Method base = getInstanceMethod(root, s);
@@ -26,17 +30,14 @@ bool sameAsRoot(Class cls, Class root, SEL s) {
 // The collection accessors valueForKey: also accepts: the array pattern
 // (countOf<Key> with objectIn<Key>AtIndex: or <key>AtIndexes:) and the set
 // pattern (countOf<Key>, enumeratorOf<Key>, memberOf<Key>:).
-bool hasCollectionAccessors(Class cls, std::string_view key) {
-  std::string cap = capitalizedKey(key);
-  if (!getInstanceMethod(cls, sel("countOf" + cap))) return false;
-  if (getInstanceMethod(cls, sel("objectIn" + cap + "AtIndex:")) ||
-      getInstanceMethod(cls, sel(std::string(key) + "AtIndexes:")))
-    return true;
-  return getInstanceMethod(cls, sel("enumeratorOf" + cap)) && getInstanceMethod(cls, sel("memberOf" + cap + ":"));
+bool hasCollectionAccessors(Class cls, const KeySearch& p) {
+  if (!getInstanceMethod(cls, p.countOf)) return false;
+  if (getInstanceMethod(cls, p.objectInAtIndex) || getInstanceMethod(cls, p.atIndexes)) return true;
+  return getInstanceMethod(cls, p.enumeratorOf) && getInstanceMethod(cls, p.memberOf);
 }
 
 bool accessesInstanceVariables(Class cls) {
-  SEL s = sel("accessInstanceVariablesDirectly");
+  static const SEL s = sel("accessInstanceVariablesDirectly");
   return !respondsTo(toId(cls), s) || send<bool>(cls, s);
 }
 
@@ -44,15 +45,18 @@ bool accessesInstanceVariables(Class cls) {
 
 bool keyValueCodingFinds(Id obj, std::string_view key) {
   if (!obj || key.empty()) return false;
+  static const SEL valueForKeySel = sel("valueForKey:");
+  static const SEL undefinedKeySel = sel("valueForUndefinedKey:");
   Class cls = classOf(obj);
-  Class root = getClass("NSObject");
-  if (!root || !sameAsRoot(cls, root, sel("valueForKey:")) || !sameAsRoot(cls, root, sel("valueForUndefinedKey:")))
+  Class root = rootOf(cls);
+  if (!sameAsRoot(cls, root, valueForKeySel) || !sameAsRoot(cls, root, undefinedKeySel))
     return true;  // it answers keys its own way: only asking tells
-  for (const std::string& name : getterNames(key))
-    if (getInstanceMethod(cls, sel(name))) return true;
-  if (hasCollectionAccessors(cls, key)) return true;
+  const KeySearch& p = keySearch(key);
+  for (SEL s : p.getters)
+    if (getInstanceMethod(cls, s)) return true;
+  if (hasCollectionAccessors(cls, p)) return true;
   if (isMetaclass(cls) || !accessesInstanceVariables(cls)) return false;
-  for (const std::string& name : ivarNames(key))
+  for (const std::string& name : p.ivars)
     if (getInstanceVariable(cls, name)) return true;
   return false;
 }

@@ -117,8 +117,9 @@ void unboxInto(const std::string& type, Id value, const std::string& key, rt::Iv
 Id valueForKey(Id self, SEL, Id key) {
   std::string k = keyText(key, "valueForKey:");
   Runtime& rtm = runtime();
-  for (const std::string& name : rt::getterNames(k)) {
-    rt::Method m = rtm.lookup(self->isa, rt::sel(name));
+  const rt::KeySearch& search = rt::keySearch(k);
+  for (SEL getter : search.getters) {
+    rt::Method m = rtm.lookup(self->isa, getter);
     if (!m) continue;
     Shape shape = shapeOf(*m);
     if (!shape.args.empty()) continue;
@@ -126,9 +127,8 @@ Id valueForKey(Id self, SEL, Id key) {
   }
   // The ordered to-many pattern: Foundation answers with a proxy array; a
   // snapshot of its elements answers the same reads.
-  std::string cap = rt::capitalizedKey(k);
-  rt::Method countOf = rtm.lookup(self->isa, rt::sel("countOf" + cap));
-  rt::Method objectAt = rtm.lookup(self->isa, rt::sel("objectIn" + cap + "AtIndex:"));
+  rt::Method countOf = rtm.lookup(self->isa, search.countOf);
+  rt::Method objectAt = rtm.lookup(self->isa, search.objectInAtIndex);
   if (countOf && objectAt) {
     std::vector<Id> items;
     long n = rt::call<long>(countOf->imp, self, countOf->name);
@@ -136,7 +136,7 @@ Id valueForKey(Id self, SEL, Id key) {
     return rt::array(items);
   }
   if (!self->isa->meta && rt::send<bool>(self->isa, "accessInstanceVariablesDirectly")) {
-    for (const std::string& name : rt::ivarNames(k))
+    for (const std::string& name : search.ivars)
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) return boxIvar(self, iv);
   }
   return rt::send<Id>(self, "valueForUndefinedKey:", key);
