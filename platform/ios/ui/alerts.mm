@@ -60,7 +60,9 @@ void watchedDidDisappear(id self, SEL cmd, BOOL animated) {
 
 Class watchedAlertClass() {
   static Class watched = [] {
-    Class c = objc_allocateClassPair([UIAlertController class], "QBWatchedAlertController", 0);
+    const char* name = "QBWatchedAlertController";
+    Class c = objc_allocateClassPair([UIAlertController class], name, 0);
+    if (!c) return objc_lookUpClass(name);  // a second copy of the library made it already
     class_addMethod(c, @selector(viewDidDisappear:), reinterpret_cast<IMP>(watchedDidDisappear), "v@:B");
     objc_registerClassPair(c);
     return c;
@@ -123,7 +125,7 @@ void onDismissedWithoutAction(rt::Id alert, std::function<void()> handler) {
   UIAlertController* a = alertOf(alert);
   if (!a) return;
   watchOf(a)->onGoneWithoutAction = std::move(handler);
-  object_setClass(a, watchedAlertClass());
+  if (Class watched = watchedAlertClass()) object_setClass(a, watched);
 }
 
 }  // namespace ui
