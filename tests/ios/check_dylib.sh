@@ -31,6 +31,23 @@ if ! "$objdump" --section-headers "$dylib" | grep -q '__mod_init_func'; then
   fail "no initialiser (__mod_init_func): the library would not run at load"
 fi
 
+# The initialisers must include the library's entry (platform/ios/entry.mm):
+# the 64-bit little-endian pointers of __mod_init_func against its address.
+entry=$("$nm" "$dylib" | awk '$3 ~ /quenbyLoaded/ && !seen++ {print $1}')
+if [ -z "$entry" ]; then
+  fail "no library entry function in the dylib"
+else
+  words=$("$objdump" -s --section=__mod_init_func "$dylib" | awk '/^ [0-9a-f]+ / {for (i = 2; i <= 5; i++) if (length($i) == 8 && $i ~ /^[0-9a-f]+$/) print $i}')
+  le() { echo "${1:6:2}${1:4:2}${1:2:2}${1:0:2}"; }
+  found=0
+  set -- $words
+  while [ $# -ge 2 ]; do
+    if [ $((16#$(le "$2")$(le "$1"))) -eq $((16#$entry)) ]; then found=1; fi
+    shift 2
+  done
+  [ "$found" -eq 1 ] || fail "the library entry is not among the initialisers"
+fi
+
 # Exact libSystem names the system may use; everything else must match a
 # family pattern below.
 libsystem=(
@@ -80,6 +97,10 @@ while IFS= read -r sym; do
   allowed "$sym" || fail "undefined symbol not provided on iOS: $sym"
 done <<<"$undefined"
 if [ "$count" -eq 0 ]; then fail "no undefined symbols at all: not a real link of the backend"; fi
+# The backend was compiled as ARC code with blocks: the compiler's ARC entry
+# points and the stack-block class are referenced.
+grep -qx '_objc_storeStrong' <<<"$undefined" || fail "no ARC entry points: not built with -fobjc-arc"
+grep -qx '__NSConcreteStackBlock' <<<"$undefined" || fail "no blocks in the backend"
 
 # Every facade header with out-of-line functions has an iOS file of the same
 # name. Headers of plain data, and those whose code is portable (a .cpp beside
