@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Set-up, build, and the whole test suite: unit tests, scenario scripts and a
-# bounded fuzz run; then the concurrency tests again under ThreadSanitizer.
+# bounded fuzz run; then the concurrency tests again under ThreadSanitizer;
+# then the iOS backend's check build and its dylib test.
 # With CI=true warnings are errors.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -16,3 +17,17 @@ echo "== ThreadSanitizer: concurrent access to the settings"
 cmake --preset tsan >/dev/null
 cmake --build --preset tsan --target core_tests
 TSAN_OPTIONS="halt_on_error=1" build/tsan/tests/core/core_tests --gtest_filter='ConfigConcurrency.*'
+
+echo "== iOS backend: arm64 Mach-O dylib against the declaration set"
+ios_tools=(clang++ ld64.lld-14 llvm-nm-14 llvm-objdump-14 file)
+missing_tools=()
+for t in "${ios_tools[@]}"; do command -v "$t" >/dev/null || missing_tools+=("$t"); done
+if [ ! -d /usr/lib/llvm-14/include/c++/v1 ]; then missing_tools+=("libc++-14-dev"); fi
+if [ ! -d /usr/aarch64-linux-gnu/include ]; then missing_tools+=("libc6-dev-arm64-cross"); fi
+if [ ${#missing_tools[@]} -ne 0 ]; then
+  echo "SKIPPED: iOS check build (missing: ${missing_tools[*]})"
+else
+  cmake --preset ios-check >/dev/null
+  cmake --build --preset ios-check
+  ctest --preset ios-check
+fi
