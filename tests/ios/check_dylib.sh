@@ -57,6 +57,8 @@ libsystem=(
   _snprintf _vsnprintf _abort
   ___stack_chk_fail ___stack_chk_guard
   dyld_stub_binder
+  # thread_local storage (the per-thread key-value search memo), from dyld
+  __tlv_bootstrap __tlv_atexit
 )
 
 allowed() {

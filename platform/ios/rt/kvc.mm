@@ -19,12 +19,4 @@ void setValueForKey(Id obj, Id value, std::string_view key) {
   ios::translating([&] { [ios::object(obj) setValue:ios::object(value) forKey:ios::ns(key)]; });
 }
 
-Id probeKey(Id obj, std::string_view key) {
-  try {
-    return valueForKey(obj, key);
-  } catch (...) {
-    return nullptr;
-  }
-}
-
 }  // namespace rt
