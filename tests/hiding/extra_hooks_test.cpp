@@ -124,7 +124,7 @@ TEST_F(ExtraHooks, WhileNotHidingEveryReplacementAnswersWithTheHostsOwnObject) {
   installAll();
   answers.array = rt::array({s("a"), s("S")});
   answers.dict = rt::dictionary({{s("K"), rt::array({s("S")})}});
-  answers.items = {item("a"), item("S")};
+  answers.items = {item("S"), item("a")};
   auto check = [&](const char* when) {
     SCOPED_TRACE(when);
     for (auto [cls, sel] : {std::pair{"SessionSelectView", "recentForwardContacts"},
@@ -136,6 +136,7 @@ TEST_F(ExtraHooks, WhileNotHidingEveryReplacementAnswersWithTheHostsOwnObject) {
     EXPECT_EQ(rt::send<Id>(make("FTSContactDataProvider"), "getDicContacts"), answers.dict);
     Id facade = make("WCFacade");
     EXPECT_EQ(rt::send<unsigned long>(facade, "countOfTimelineDataItem"), 2u);
+    EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 0L), answers.items[0]);
     EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 1L), answers.items[1]);
     Id results = rt::mutableDictionary();
     rt::send<void>(make("ContactsDataLogic"), kFill, 0u, rt::mutableArray(), rt::mutableDictionary(), results);
