@@ -2,11 +2,12 @@
 // methods answer fixed objects, so "the host's own value" can be checked by
 // identity: unchanged answers while not hiding, the filters, the Moments walk
 // and its cap, installation, and the host pieces that fail around them.
+#include "hiding/extra_hooks.hpp"
+
 #include <gtest/gtest.h>
 
 #include "core/config.hpp"
 #include "hiding/contact_hooks.hpp"
-#include "hiding/extra_hooks.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
@@ -60,8 +61,9 @@ class ExtraHooks : public qbtest::HostWorld {
 
   void SetUp() override {
     g = &answers;
-    for (const char* cls : {"SessionSelectController", "SessionSelectView", "RecentForwardScrollView", "ContactsDataLogic",
-                            "ContactTagSearchFromContactLogic", "FTSContactDataProvider", "WCFacade"})
+    for (const char* cls :
+         {"SessionSelectController", "SessionSelectView", "RecentForwardScrollView", "ContactsDataLogic",
+          "ContactTagSearchFromContactLogic", "FTSContactDataProvider", "WCFacade"})
       host.build.lackingClasses.insert(cls);
     start();
   }
@@ -163,7 +165,8 @@ TEST_F(ExtraHooks, ArrayResultsLoseTheirSecretsInOrderAndPassTheirArgumentOn) {
     Id got = rt::send<Id>(make(cls), sel);
     EXPECT_EQ(rt::elements(got), (std::vector<Id>{s("a"), s("b"), s(""), noName, rt::null()})) << sel;
   }
-  EXPECT_EQ(texts(rt::send<Id>(make("ContactsDataLogic"), "getContactsArrayWith:", 7u)), (std::vector<std::string>{"a", "b", "", rt::description(noName), "<null>"}));
+  EXPECT_EQ(texts(rt::send<Id>(make("ContactsDataLogic"), "getContactsArrayWith:", 7u)),
+            (std::vector<std::string>{"a", "b", "", rt::description(noName), "<null>"}));
   EXPECT_EQ(answers.lastType, 7u);
   answers.array = s("S");
   EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array) << "not an array: unchanged";
@@ -333,7 +336,8 @@ TEST_F(ExtraHooks, AMissingSelectorSkipsOneRowWithTheToolkitsLine) {
 TEST_F(ExtraHooks, ADictionaryThatCannotListOrReadItsKeysIsLeftAsItIs) {
   installAll();
   hideS();
-  rt::Class noKeys = sim::ClassBuilder("NoKeysDictionary", "NSMutableDictionary").method("allKeys", raisingGetter).build();
+  rt::Class noKeys =
+      sim::ClassBuilder("NoKeysDictionary", "NSMutableDictionary").method("allKeys", raisingGetter).build();
   rt::Class noLookup =
       sim::ClassBuilder("NoLookupDictionary", "NSMutableDictionary").method("objectForKey:", raisingWithKey).build();
   Id results = rt::send<Id>(noKeys, "dictionary");
@@ -347,7 +351,8 @@ TEST_F(ExtraHooks, ADictionaryThatCannotListOrReadItsKeysIsLeftAsItIs) {
 
   rt::Class frozenNoLookup =
       sim::ClassBuilder("FrozenNoLookupDictionary", "NSDictionary").method("objectForKey:", raisingWithKey).build();
-  answers.dict = rt::send<Id>(frozenNoLookup, "dictionaryWithDictionary:", rt::dictionary({{s("K"), rt::array({s("S")})}}));
+  answers.dict =
+      rt::send<Id>(frozenNoLookup, "dictionaryWithDictionary:", rt::dictionary({{s("K"), rt::array({s("S")})}}));
   Id got = nullptr;
   ASSERT_NO_THROW(got = rt::send<Id>(make("FTSContactDataProvider"), "getDicContacts"));
   EXPECT_EQ(got, answers.dict) << "the rebuild failed: the host's own dictionary";
@@ -390,8 +395,9 @@ TEST_F(ExtraHooks, TheContactSwitchIsInertAndSaysWhy) {
   defineStandIns();
   hiding::QBContactHooks::install();
   hiding::QBContactHooks::installWithFlag(true);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"[QB][stable] contact hooks DISABLED",
-                                                  "[QB][stable] contact hooks flag on but not implemented in stable build"}));
+  EXPECT_EQ(logLines(),
+            (std::vector<std::string>{"[QB][stable] contact hooks DISABLED",
+                                      "[QB][stable] contact hooks flag on but not implemented in stable build"}));
   hideS();
   answers.array = rt::array({s("S")});
   EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array) << "nothing was installed";

@@ -2,13 +2,14 @@
 // search, Moments and the forward picker leave a hidden secret out and show
 // it again once revealed; a host build without any one hooked method still
 // draws every screen; failing host pieces show the secret instead of breaking.
+#include "hostapp/surfaces.hpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
-#include "hostapp/surfaces.hpp"
 #include "support/host_world.hpp"
 
 namespace {
@@ -47,7 +48,9 @@ class Surfaces : public qbtest::HostWorld {
   void reloadContacts() {
     process->runGuarded([&] { QBSessionHooks::softReloadMainFrameForce(true); });
   }
-  static bool has(const Names& names, const std::string& u) { return std::find(names.begin(), names.end(), u) != names.end(); }
+  static bool has(const Names& names, const std::string& u) {
+    return std::find(names.begin(), names.end(), u) != names.end();
+  }
   // Every screen, with what it shows, for messages.
   std::string everything() {
     auto join = [](const Names& n) {

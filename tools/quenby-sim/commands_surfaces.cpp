@@ -20,7 +20,8 @@ std::string joined(const std::vector<std::string>& names, const char* empty) {
 // A screen the user has not opened in this run cannot be looked at.
 void requireOpened(Session& s, const std::string& command, bool opened, const char* what) {
   s.requireProcess(command);
-  if (!opened) throw ScriptError{command + ": the " + std::string(what) + " screen has not been opened (open " + what + ")"};
+  if (!opened)
+    throw ScriptError{command + ": the " + std::string(what) + " screen has not been opened (open " + what + ")"};
 }
 
 struct Surface {

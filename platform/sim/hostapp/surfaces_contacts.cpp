@@ -64,7 +64,9 @@ void fillSections(Id logic, Id keys, Id titles, Id results) {
   }
 }
 
-void fillSectionResult(Id self, SEL, unsigned, Id keys, Id titles, Id results) { fillSections(self, keys, titles, results); }
+void fillSectionResult(Id self, SEL, unsigned, Id keys, Id titles, Id results) {
+  fillSections(self, keys, titles, results);
+}
 
 // The whole chain of one reload.
 void reloadContacts(Id self, SEL) {
@@ -73,8 +75,10 @@ void reloadContacts(Id self, SEL) {
   d.keys = rt::mutableArray();
   d.titles = rt::mutableDictionary();
   d.results = rt::mutableDictionary();
-  if (responds(self, kFillSel)) rt::send<void>(self, kFillSel, 0u, d.keys, d.titles, d.results);
-  else fillSections(self, d.keys, d.titles, d.results);
+  if (responds(self, kFillSel))
+    rt::send<void>(self, kFillSel, 0u, d.keys, d.titles, d.results);
+  else
+    fillSections(self, d.keys, d.titles, d.results);
   d.starred = responds(self, "getFavourContactArray") ? rt::send<Id>(self, "getFavourContactArray") : rt::array({});
   d.footerCount = responds(self, "getContactsArrayWith:") ? rt::count(rt::send<Id>(self, "getContactsArrayWith:", 1u))
                                                           : rt::count(d.friends);

@@ -71,7 +71,8 @@ void selectViewDidLoad(Id self, SEL) {
   if (row) setIvar(row, "m_selectView", selectView);
   setIvar(self, "m_selectView", selectView);
   setIvar(self, "m_recentView", row);
-  Id recent = responds(row, "contactsForRecentForwardMenu") ? rt::send<Id>(row, "contactsForRecentForwardMenu") : nullptr;
+  Id recent =
+      responds(row, "contactsForRecentForwardMenu") ? rt::send<Id>(row, "contactsForRecentForwardMenu") : nullptr;
   setIvar(self, "m_recentContacts", rt::array(rt::elements(recent)));
   std::vector<Id> offered;
   for (Id c : candidatePool()) {

@@ -55,7 +55,8 @@ Id getDicContacts(Id, SEL) {
   }
   std::vector<std::pair<Id, Id>> entries;
   for (auto& [key, list] : bySection) entries.emplace_back(rt::str(key), rt::array(list));
-  return HostApp::current().build.hasVariant("fts-immutable") ? rt::dictionary(entries) : rt::mutableDictionary(entries);
+  return HostApp::current().build.hasVariant("fts-immutable") ? rt::dictionary(entries)
+                                                              : rt::mutableDictionary(entries);
 }
 
 // --- The search screen.
