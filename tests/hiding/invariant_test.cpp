@@ -95,7 +95,7 @@ class HiddenMainListRun : public qbtest::HostWorld {
 
 TEST_F(HiddenMainListRun, SeededRandomRuns) {
   std::vector<std::uint64_t> seeds;
-  if (const char* s = std::getenv("QB_SEED")) seeds.push_back(std::strtoull(s, nullptr, 10));
+  if (const char* env = std::getenv("QB_SEED")) seeds.push_back(std::strtoull(env, nullptr, 10));
   else
     for (std::uint64_t s = 1; s <= 25; ++s) seeds.push_back(s);
   for (std::uint64_t seed : seeds) {
