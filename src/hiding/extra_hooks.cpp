@@ -52,7 +52,7 @@ ExtraHooksState& extraState() { return sys::state<ExtraHooksState>(); }
 
 bool hiding() { return core::QBConfig::shared().shouldHideSecrets(); }
 
-// --- Rows 1-2: the picker asks two opposite questions; both answers keep a
+// --- The forward picker asks two opposite questions; both answers keep a
 // secret out.
 
 bool onShouldFilterContact(Id self, SEL cmd, Id contact) {
@@ -69,7 +69,7 @@ bool onFilterContactCandidate(Id self, SEL cmd, Id contact) {
   }, self, cmd, contact);
 }
 
-// --- Rows 3-7: array results.
+// --- Array results: the recent forwards and the contact lists.
 
 Id filteredArray(const ArrayHook& hook, Id self, SEL cmd) {
   return hook.run(nullptr, [&](ArrayHook::Original& original) { return QBExtraHooks::filterArray(original()); },
@@ -90,7 +90,8 @@ Id getContactsArrayWith(Id self, SEL cmd, unsigned type) {
   }, self, cmd, type);
 }
 
-// --- Rows 8-9: the host fills dictionaries that its screen then reads.
+// --- Section and search dictionaries: the host fills them, then its screen
+// reads them.
 
 void fillSectionResult(Id self, SEL cmd, unsigned option, Id sectionKeys, Id sectionTitles, Id searchResult) {
   using Hook = host::Hook<void(unsigned, Id, Id, Id)>;
@@ -110,8 +111,8 @@ void fillSectionResultForDicSearchResult(Id self, SEL cmd) {
   }, self, cmd);
 }
 
-// --- Row 10: a mutable result is filtered in place; an immutable one is
-// rebuilt without its secret entries.
+// --- The search data provider: a mutable result is filtered in place; an
+// immutable one is rebuilt without its secret entries.
 
 Id withoutSecrets(Id dictionary) {
   Id out = rt::mutableDictionary();
@@ -135,7 +136,7 @@ Id getDicContacts(Id self, SEL cmd) {
   }, self, cmd);
 }
 
-// --- Rows 11-12: the timeline as if its secret items did not exist. Both
+// --- Moments: the timeline as if its secret items did not exist. Both
 // walk the host's items from the top on every call, up to the scan cap.
 
 const char* const kCountSel = "countOfTimelineDataItem";
