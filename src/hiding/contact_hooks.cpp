@@ -1,8 +1,21 @@
 #include "hiding/contact_hooks.hpp"
 
+#include "sys/log.hpp"
+
 namespace hiding {
 
-// Not built yet: start-up calls it in its place; it does nothing.
-void QBContactHooks::install() {}
+namespace {
+constexpr bool kContactHooksEnabled = false;
+}
+
+void QBContactHooks::install() { installWithFlag(kContactHooksEnabled); }
+
+void QBContactHooks::installWithFlag(bool enabled) {
+  if (!enabled) {
+    sys::log("[QB][stable] contact hooks DISABLED");
+    return;
+  }
+  sys::log("[QB][stable] contact hooks flag on but not implemented in stable build");
+}
 
 }  // namespace hiding

@@ -1,5 +1,7 @@
 // Randomized runs of user and host events, each checked after every step:
-// while hidden, once the main list has been reloaded, no secret is on it.
+// while hidden, once a screen has loaded since the state changed, no secret is
+// on the main list, the contacts list, search, Moments or the recent-forward
+// row; while revealed, the secrets are back on those other screens.
 // A failing run prints its seed; rerun it with QB_SEED=N.
 #include <gtest/gtest.h>
 
@@ -22,14 +24,16 @@ class HiddenMainListRun : public qbtest::HostWorld {
   void SetUp() override {
     for (const char* u : kUsers) addFriend(u);
     host.model.sessions = {"a", "b", "c", "d", "e"};
+    for (const char* u : kUsers) host.model.addMoment(u, "");
   }
+  qbtest::SecretsFollowStateOnOtherScreens* screens = nullptr;
   static constexpr const char* kUsers[] = {"a", "b", "c", "d", "e", "f"};
 
   // One step chosen by the seeded source; returns what it did.
   std::string step(std::mt19937_64& rng) {
     QBConfig& c = QBConfig::shared();
     std::string who = kUsers[rng() % 6];
-    switch (rng() % 9) {
+    switch (rng() % 13) {
       case 0:
       case 1:
         process->runGuarded([&] {
@@ -64,6 +68,22 @@ class HiddenMainListRun : public qbtest::HostWorld {
       case 7:
         process->runGuarded([&] { host.selectTab(long(rng() % 2)); });
         return "switch tab";
+      case 9:
+        process->runGuarded([&] { hostapp::openSearch(host, who); });
+        screens->opened(qbtest::SecretsFollowStateOnOtherScreens::Search, who);
+        return "open search " + who;
+      case 10:
+        process->runGuarded([&] { hostapp::openMoments(host); });
+        screens->opened(qbtest::SecretsFollowStateOnOtherScreens::Moments);
+        return "open moments";
+      case 11:
+        if (rng() % 2) {
+          host.model.addMoment(who, "");
+          return "moment " + who;
+        }
+        process->runGuarded([&] { hostapp::openForward(host); });
+        screens->opened(qbtest::SecretsFollowStateOnOtherScreens::Forward);
+        return "open forward";
       default: {
         double t = double(rng() % 2000) / 1000.0;
         wait(t);
@@ -82,12 +102,17 @@ TEST_F(HiddenMainListRun, SeededRandomRuns) {
     std::mt19937_64 rng(seed);
     launchWithLibrary();
     qbtest::NoSecretOnMainListWhileHidden invariant(host);
+    qbtest::SecretsFollowStateOnOtherScreens others(host);
+    screens = &others;
     std::vector<std::string> steps;
     for (int i = 0; i < 150; ++i) {
       steps.push_back(step(rng));
       process->runDue();
       ASSERT_FALSE(process->crashed()) << "seed " << seed << ": " << process->crashReason();
-      if (auto breach = invariant.check(process->appState() == sim::AppState::Active)) {
+      bool active = process->appState() == sim::AppState::Active;
+      std::optional<std::string> breach = invariant.check(active);
+      if (auto other = others.check(active); !breach) breach = other;
+      if (breach) {
         std::string trail;
         for (std::size_t k = steps.size() > 8 ? steps.size() - 8 : 0; k < steps.size(); ++k) trail += "\n  " + steps[k];
         FAIL() << "seed " << seed << " (rerun with QB_SEED=" << seed << "), step " << i << ": " << *breach

@@ -84,6 +84,14 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"setting secretNotifyMode 3\n", ":1: setting secretNotifyMode: expected 0 to 2, got '3'"},
       {"setting nosuch 1\n", ":1: setting: unknown key 'nosuch'"},
       {"expect hidden\n", ":1: expect hidden: the app is not running"},
+      {"host variant fts-mutable\n", ":1: host variant: unknown variant 'fts-mutable'"},
+      {"launch\nhost variant fts-immutable\n", ":2: host variant: the app is already running"},
+      {"launch\nopen search\n", ":2: usage: open search TEXT"},
+      {"launch\nopen moments now\n", ":2: usage: open moments"},
+      {"launch\nexpect search alice\n", ":2: expect search: the search screen has not been opened"},
+      {"launch\nshow forward\n", ":2: show forward: the forward screen has not been opened"},
+      {"expect contacts\n", ":1: expect contacts: the app is not running"},
+      {"moment\n", ":1: usage: moment USER [TEXT]"},
   };
   for (const Case& c : cases) {
     std::string f = script("err.qbs", c.text);

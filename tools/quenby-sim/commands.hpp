@@ -48,5 +48,7 @@ void addStateCommands(CommandTable& table);
 void addHostCommands(CommandTable& table);
 void addMainListCommands(CommandTable& table);
 void addTriggerCommands(CommandTable& table);
+// Wraps `open`, `expect screen` and `host`: add after the commands it extends.
+void addSurfaceCommands(CommandTable& table);
 
 }  // namespace qbsim

@@ -40,6 +40,16 @@ const std::vector<Step>& demoSteps() {
       {"A long press on a chat's title bar reveals too (after the password); leaving the app hides again.",
        {"open chat alice", "longpress", "type 7351", "press 确定", "wait 2.5", "expect revealed", "background",
         "expect hidden", "foreground", "open main"}},
+      {"Hidden means hidden everywhere, not only in the chat list. Bob and Carol post to Moments; "
+       "Bob is not in the contacts list, not found by a search, not in Moments, and not offered when forwarding.",
+       {"moment carol \"morning run\"", "moment bob \"new office\"", "open contacts", "show contacts",
+        "open search b", "show search", "open moments", "show moments", "open forward", "show forward",
+        "expect contacts alice carol", "expect moments carol", "open main"}},
+      {"After the password the contacts list reloads with Bob in it, and every other screen shows him "
+       "the next time it opens. Leaving the app hides him everywhere again.",
+       {"shake", "type 7351", "press 确定", "wait 3", "open contacts", "expect contacts alice carol bob",
+        "open moments", "expect moments bob carol", "background", "foreground", "wait 1", "open moments",
+        "expect moments carol", "open main"}},
       {"Messages from secrets should only vibrate while hidden; the change is saved at once.",
        {"setting secretNotifyMode 1", "expect file secretNotifyMode 1", "expect file backgroundNotify true"}},
       {"A schedule for later: show the secrets from 08:00 to 13:00, hide them across the night.",

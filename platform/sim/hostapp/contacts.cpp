@@ -69,6 +69,9 @@ std::string ivarText(Id c, const char* name) {
   return rt::asString(rt::ivarObject(c, rt::getInstanceVariable(rt::classOf(c), name))).value_or("");
 }
 
+// The property's accessor, as the host's contact class declares it.
+Id contactUsername(Id self, SEL) { return rt::str(ivarText(self, "m_nsUsrName")); }
+
 Id getContactDisplayName(Id self, SEL) {
   std::string remark = ivarText(self, "m_nsRemark");
   if (!remark.empty()) return rt::str(remark);
@@ -135,11 +138,9 @@ Id getHeadImgPathForOldVersion(Id, SEL, Id name, bool hd) {
 }
 
 Id dataLogicInit(Id self, SEL, unsigned, Id, bool) { return self; }
-void reloadContacts(Id, SEL) {}
 Id getAllNormalContact(Id, SEL) {
-  Id mgr = hostService("CContactMgr");
   std::vector<Id> out;
-  for (const Friend& f : model().friends) out.push_back(mgr ? cached(mgr, f.username) : makeContact(f.username, true));
+  for (const Friend& f : model().friends) out.push_back(hostContact(f.username));
   return rt::array(out);
 }
 Id getFavourContactArray(Id, SEL) {
@@ -151,9 +152,15 @@ Id getFavourContactArray(Id, SEL) {
 
 }  // namespace
 
+Id hostContact(const std::string& username) {
+  Id mgr = hostService("CContactMgr");
+  return mgr ? cached(mgr, username) : makeContact(username, true);
+}
+
 void defineContactClasses(HostApp& app) {
   HostClass(app, "CContact")
       .ivar("m_nsUsrName", "@")
+      .method("m_nsUsrName", contactUsername)
       .ivar("m_nsNickName", "@")
       .ivar("m_nsRemark", "@")
       .ivar("m_nsAliasName", "@")
@@ -178,7 +185,6 @@ void defineContactClasses(HostApp& app) {
       .build();
   HostClass(app, "ContactsDataLogic")
       .method("initWithScene:delegate:sort:", dataLogicInit)
-      .method("reloadContacts", reloadContacts)
       .method("getAllNormalContact", getAllNormalContact)
       .method("getFavourContactArray", getFavourContactArray)
       .build();

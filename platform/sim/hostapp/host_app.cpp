@@ -1,5 +1,6 @@
 #include "hostapp/host_app.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,6 +16,7 @@ namespace hostapp {
 void defineContextClasses(HostApp& app);
 void defineContactClasses(HostApp& app);
 void defineMainListClasses(HostApp& app);
+void defineSurfaceClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
   for (Friend& f : friends)
@@ -33,7 +35,10 @@ const std::set<std::string>& knownHostVariants() {
   // list-through-logic: the main list's view controller reads its rows (not
   //   its count) through MainFrameLogicController.
   // session-key-first: sessions carry the username under m_nsUsrName.
-  static const std::set<std::string> names = {"store-ignores-canshow", "list-through-logic", "session-key-first"};
+  // fts-immutable: contact search's full-text source answers an immutable
+  //   dictionary.
+  static const std::set<std::string> names = {"store-ignores-canshow", "list-through-logic", "session-key-first",
+                                              "fts-immutable"};
   return names;
 }
 
@@ -63,6 +68,7 @@ void HostApp::defineClasses() {
   defineContextClasses(*this);
   defineContactClasses(*this);
   defineMainListClasses(*this);
+  defineSurfaceClasses(*this);
   for (const auto& [cls, sel] : build.raisingMethods) makeRaising(cls, sel);
 }
 
@@ -84,6 +90,19 @@ rt::IMP HostApp::originalImplementation(const std::string& cls, const std::strin
 void HostModel::bringSessionToTop(const std::string& username) {
   std::erase(sessions, username);
   sessions.insert(sessions.begin(), username);
+  noteRecentChat(username);
+}
+
+void HostModel::noteRecentChat(const std::string& username) {
+  std::erase(recentChats, username);
+  recentChats.insert(recentChats.begin(), username);
+  if (recentChats.size() > 10) recentChats.resize(10);
+}
+
+void HostModel::addMoment(const std::string& username, const std::string& text) {
+  long serial = 1;
+  for (const Moment& m : moments) serial = std::max(serial, m.serial + 1);
+  moments.insert(moments.begin(), Moment{username, text, serial});
 }
 
 namespace {

@@ -31,14 +31,27 @@ struct Room {
   std::string title;
 };
 
+struct Moment {
+  std::string username;  // the author
+  std::string text;
+  long serial = 0;       // stable identity of the item
+};
+
 struct HostModel {
   std::string me = "wxid_me";
   std::vector<Friend> friends;
   std::vector<Room> rooms;
   // The chats of the main list, top first, by username.
   std::vector<std::string> sessions;
+  // The Moments timeline, newest first.
+  std::vector<Moment> moments;
+  // The host's own record of recent chats, most recent first, at most 10:
+  // every chat, whatever the main list shows.
+  std::vector<std::string> recentChats;
   // Moves (or adds) the chat with `username` to the top.
   void bringSessionToTop(const std::string& username);
+  void noteRecentChat(const std::string& username);
+  void addMoment(const std::string& username, const std::string& text);
 
   Friend* findFriend(const std::string& username);
   const Room* findRoom(const std::string& username) const;
@@ -49,13 +62,12 @@ struct HostBuild {
   std::set<std::string> lackingClasses;
   std::set<std::pair<std::string, std::string>> lackingMethods;  // (class, selector); "+sel" for class methods
   std::set<std::pair<std::string, std::string>> raisingMethods;
-
   // Named differences of this build (`host variant NAME`).
   std::set<std::string> variants;
 
   bool lacksClass(const std::string& cls) const { return lackingClasses.count(cls) != 0; }
   bool lacksMethod(const std::string& cls, const std::string& sel) const;
-  bool is(const std::string& variant) const { return variants.count(variant) != 0; }
+  bool hasVariant(const std::string& name) const { return variants.count(name) != 0; }
 };
 
 // Every build variant the host knows, by name.
@@ -64,6 +76,9 @@ const std::set<std::string>& knownHostVariants();
 // The host's own way to its services: straight to the registry, not through
 // getService:, so a fault injected there hits only the library's calls.
 rt::Id hostService(const char* cls);
+// The contact manager's record of a username (a fresh record when the build
+// has no manager).
+rt::Id hostContact(const std::string& username);
 
 class HostApp {
  public:

@@ -1,6 +1,6 @@
 // The host's main chat list: the session objects, the session managers
 // (MainSessionMgr, MMNewSessionMgr), the list's logic controller and its view
-// controller, and the contacts screen. The list screen shows what its table
+// controller. The list screen shows what its table
 // view got from its data source at the last reload, as on a phone.
 #include "hostapp/host_app.hpp"
 #include "hostapp/host_class.hpp"
@@ -27,7 +27,7 @@ void setIvar(Id obj, const char* name, Id value) {
 
 Id service(const char* cls) { return hostService(cls); }
 
-bool variant(const char* name) { return HostApp::current().build.is(name); }
+bool variant(const char* name) { return HostApp::current().build.hasVariant(name); }
 
 const char* sessionNameKey() { return variant("session-key-first") ? "m_nsUsrName" : "m_nsUserName"; }
 
@@ -143,30 +143,6 @@ void mainViewWillAppear(Id, SEL, bool) {}
 void mainViewDidAppear(Id, SEL, bool) {}
 void reloadSessions(Id self, SEL) { rt::send<void>(ivar(self, "m_tableView"), "reloadData"); }
 
-// --- ContactsViewController: its table lists the data logic's contacts.
-Id contactsLogic(Id self) {
-  Id l = ivar(self, "m_contactsDataLogic");
-  if (!l && rt::getClass("ContactsDataLogic")) {
-    l = rt::send<Id>(rt::getClass("ContactsDataLogic"), "new");
-    setIvar(self, "m_contactsDataLogic", l);
-  }
-  return l;
-}
-long contactRows(Id self, SEL, Id, long) { return rt::count(rt::send<Id>(contactsLogic(self), "getAllNormalContact")); }
-Id contactCell(Id self, SEL, Id, Id ip) {
-  std::vector<Id> list = rt::elements(rt::send<Id>(contactsLogic(self), "getAllNormalContact"));
-  long row = rt::indexPathRow(ip);
-  return row < long(list.size()) ? list[std::size_t(row)] : nullptr;
-}
-void contactsViewDidLoad(Id self, SEL) {
-  Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
-  setIvar(self, "m_tableView", table);
-  contactsLogic(self);
-  rt::send<void>(table, "setDataSource:", self);
-  rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
-  rt::send<void>(table, "reloadData");
-}
-
 // --- BaseMsgContentViewController: a chat.
 void chatViewDidAppear(Id, SEL, bool) {}
 void chatViewDidLoad(Id, SEL) {}
@@ -211,13 +187,6 @@ void defineMainListClasses(HostApp& app) {
       .method("tableView:cellForRowAtIndexPath:", cellForRow)
       .method("reloadSessions", reloadSessions)
       .build();
-  HostClass(app, "ContactsViewController", "UIViewController")
-      .ivar("m_tableView", "@")
-      .ivar("m_contactsDataLogic", "@")
-      .method("viewDidLoad", contactsViewDidLoad)
-      .method("tableView:numberOfRowsInSection:", contactRows)
-      .method("tableView:cellForRowAtIndexPath:", contactCell)
-      .build();
 }
 
 void HostApp::openChat(const std::string& username) {
@@ -228,6 +197,7 @@ void HostApp::openChat(const std::string& username) {
   popToRoot();
   Id chat = rt::send<Id>(cls, "new");
   setIvar(chat, "m_nsUsrName", rt::str(username));
+  model.noteRecentChat(username);
   rt::send<void>(nav, "pushViewController:animated:", chat, true);
   sim::appear(chat);
 }

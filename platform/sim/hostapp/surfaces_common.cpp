@@ -1,0 +1,141 @@
+// What the host's other screens share: reading a contact's username and
+// display name, the contacts list's sections and order, search matching,
+// opening a screen on the selected tab, and the registration of their classes.
+#include <algorithm>
+#include <functional>
+
+#include "hostapp/host_class.hpp"
+#include "hostapp/surfaces.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/runtime.hpp"
+#include "sim/uikit/uikit.hpp"
+
+namespace hostapp {
+
+void defineContactsScreen(HostApp& app);
+void defineSearchClasses(HostApp& app);
+void defineMomentsClasses(HostApp& app);
+void defineForwardClasses(HostApp& app);
+
+void defineSurfaceClasses(HostApp& app) {
+  defineContactsScreen(app);
+  defineSearchClasses(app);
+  defineMomentsClasses(app);
+  defineForwardClasses(app);
+}
+
+std::string contactUsername(rt::Id contact) {
+  if (!contact || rt::isNull(contact)) return "";
+  if (rt::isString(contact)) return *rt::asString(contact);
+  // Contact records keep it in m_nsUsrName, timeline items in username.
+  for (const char* name : {"m_nsUsrName", "username"})
+    if (rt::Ivar iv = rt::getInstanceVariable(rt::classOf(contact), name))
+      return rt::asString(rt::ivarObject(contact, iv)).value_or("");
+  return "";
+}
+
+std::string contactDisplayName(rt::Id contact) {
+  std::string name;
+  if (contact && rt::respondsTo(contact, rt::sel("getContactDisplayName")))
+    name = rt::asString(rt::send<rt::Id>(contact, "getContactDisplayName")).value_or("");
+  return name.empty() ? contactUsername(contact) : name;
+}
+
+std::string sectionKeyOf(const std::string& displayName) {
+  char c = displayName.empty() ? 0 : displayName[0];
+  if (c >= 'a' && c <= 'z') return std::string(1, char(c - 'a' + 'A'));
+  if (c >= 'A' && c <= 'Z') return std::string(1, c);
+  return "#";
+}
+
+namespace {
+
+// "A"-"Z" first, "#" last.
+int sectionRank(const std::string& key) { return key == "#" ? 26 : key[0] - 'A'; }
+
+}  // namespace
+
+void sortInContactsOrder(std::vector<rt::Id>& contacts) {
+  struct Keyed {
+    rt::Id contact;
+    int rank;
+    std::string name, username;
+  };
+  std::vector<Keyed> keyed;
+  for (rt::Id c : contacts) {
+    std::string name = contactDisplayName(c);
+    keyed.push_back({c, sectionRank(sectionKeyOf(name)), name, contactUsername(c)});
+  }
+  std::stable_sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+    if (a.rank != b.rank) return a.rank < b.rank;
+    int byName = rt::localizedStandardCompare(a.name, b.name);
+    return byName != 0 ? byName < 0 : a.username < b.username;
+  });
+  for (std::size_t i = 0; i < keyed.size(); ++i) contacts[i] = keyed[i].contact;
+}
+
+bool matchesSearch(const Friend& f, rt::Id contact, const std::string& text) {
+  std::string needle = rt::lowercase(text);
+  for (const std::string& field : {contactDisplayName(contact), f.nickname, f.remark, f.username})
+    if (rt::lowercase(field).find(needle) != std::string::npos) return true;
+  return false;
+}
+
+namespace {
+
+rt::Id& screenSlot(const char* name) { return sim::runtime().singleton(std::string("hostapp.screen.") + name); }
+
+rt::Id newScreen(const char* cls) {
+  rt::Class c = rt::getClass(cls);
+  if (!c) c = rt::getClass("UIViewController");  // a build without the screen shows a blank one
+  return rt::send<rt::Id>(c, "new");
+}
+
+// Pushes a new screen on the selected tab, on top of its first screen.
+void push(HostApp& app, const char* slot, const char* cls, const std::function<void(rt::Id)>& setUp = nullptr) {
+  if (!app.tabs()) return;
+  app.popToRoot();
+  rt::Id screen = newScreen(cls);
+  if (setUp) setUp(screen);
+  rt::Id nav = rt::send<rt::Id>(app.tabs(), "selectedViewController");
+  rt::send<void>(nav, "pushViewController:animated:", screen, true);
+  sim::appear(screen);
+  screenSlot(slot) = screen;
+}
+
+rt::Id ivarOf(rt::Id obj, const char* name) {
+  return obj ? rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)) : nullptr;
+}
+
+std::vector<std::string> usernames(rt::Id list) {
+  std::vector<std::string> out;
+  for (rt::Id e : rt::elements(list)) {
+    std::string u = contactUsername(e);
+    out.push_back(u.empty() ? "(empty row)" : u);
+  }
+  return out;
+}
+
+}  // namespace
+
+void openSearch(HostApp& app, const std::string& text) {
+  push(app, "search", kSearchScreenClass, [&](rt::Id screen) {
+    rt::Ivar iv = rt::getInstanceVariable(rt::classOf(screen), "m_searchText");
+    rt::setIvarObject(screen, iv, rt::str(text));
+  });
+}
+void openMoments(HostApp& app) { push(app, "moments", kMomentsScreenClass); }
+void openForward(HostApp& app) { push(app, "forward", kForwardScreenClass); }
+
+bool searchOpened() { return screenSlot("search") != nullptr; }
+bool momentsOpened() { return screenSlot("moments") != nullptr; }
+bool forwardOpened() { return screenSlot("forward") != nullptr; }
+
+std::vector<std::string> searchShown() { return usernames(ivarOf(screenSlot("search"), "m_results")); }
+std::vector<std::string> momentsShown() { return usernames(ivarOf(screenSlot("moments"), "m_items")); }
+std::vector<std::string> forwardRowShown() { return usernames(ivarOf(screenSlot("forward"), "m_recentContacts")); }
+std::vector<std::string> forwardCandidatesShown() { return usernames(ivarOf(screenSlot("forward"), "m_candidates")); }
+
+}  // namespace hostapp

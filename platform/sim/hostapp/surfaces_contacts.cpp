@@ -1,0 +1,183 @@
+// The contacts screen (ContactsViewController) and the parts of its data
+// logic (ContactsDataLogic) that build it. Whenever the table reloads, and
+// whenever the logic is told to reloadContacts, the logic asks
+// getAllNormalContact for the friends and fills fresh section dictionaries
+// through fillSectionResultForOption:…; the table's rows are the section
+// arrays in section order. The starred group and the footer count are read
+// at the same time.
+#include <map>
+
+#include "hostapp/host_class.hpp"
+#include "hostapp/surfaces.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/runtime.hpp"
+#include "sim/uikit/uikit.hpp"
+
+namespace hostapp {
+namespace {
+
+using rt::Id;
+using rt::SEL;
+
+const char* const kFillSel = "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:";
+
+struct ContactSections {
+  Id friends = nullptr;  // what getAllNormalContact gave at the last reload
+  Id keys = nullptr, titles = nullptr, results = nullptr;
+  Id starred = nullptr;
+  long footerCount = -1;
+};
+
+ContactSections& sections(Id logic) {
+  if (!sim::native<ContactSections>(logic)) logic->native = ContactSections{};
+  return *sim::native<ContactSections>(logic);
+}
+
+bool responds(Id obj, const char* sel) { return obj && rt::respondsTo(obj, rt::sel(sel)); }
+
+std::vector<Id> allFriends() {
+  std::vector<Id> out;
+  for (const Friend& f : HostApp::current().model.friends) out.push_back(hostContact(f.username));
+  return out;
+}
+
+// Groups the friends of the last reload (or, in a build without
+// getAllNormalContact, the contact manager's) into the three containers.
+void fillSections(Id logic, Id keys, Id titles, Id results) {
+  Id source = sections(logic).friends;
+  std::vector<Id> friends = rt::isArray(source) ? rt::elements(source) : allFriends();
+  sortInContactsOrder(friends);
+  std::map<std::string, std::vector<Id>> bySection;
+  std::vector<std::string> order;
+  for (Id c : friends) {
+    std::string key = sectionKeyOf(contactDisplayName(c));
+    if (bySection[key].empty()) order.push_back(key);
+    bySection[key].push_back(c);
+  }
+  for (const std::string& key : order) {
+    Id k = rt::str(key);
+    rt::addObject(keys, k);
+    rt::setObjectForKey(titles, k, k);
+    rt::setObjectForKey(results, rt::mutableArray(bySection[key]), k);
+  }
+}
+
+void fillSectionResult(Id self, SEL, unsigned, Id keys, Id titles, Id results) {
+  fillSections(self, keys, titles, results);
+}
+
+// The whole chain of one reload.
+void reloadContacts(Id self, SEL) {
+  ContactSections& d = sections(self);
+  d.friends = responds(self, "getAllNormalContact") ? rt::send<Id>(self, "getAllNormalContact") : nullptr;
+  d.keys = rt::mutableArray();
+  d.titles = rt::mutableDictionary();
+  d.results = rt::mutableDictionary();
+  if (responds(self, kFillSel))
+    rt::send<void>(self, kFillSel, 0u, d.keys, d.titles, d.results);
+  else
+    fillSections(self, d.keys, d.titles, d.results);
+  d.starred = responds(self, "getFavourContactArray") ? rt::send<Id>(self, "getFavourContactArray") : rt::array({});
+  d.footerCount = responds(self, "getContactsArrayWith:") ? rt::count(rt::send<Id>(self, "getContactsArrayWith:", 1u))
+                                                          : rt::count(d.friends);
+}
+
+// Type 1 is every friend; the other lists are empty here.
+Id getContactsArrayWith(Id, SEL, unsigned type) { return rt::array(type == 1 ? allFriends() : std::vector<Id>{}); }
+
+// --- ContactsViewController
+
+Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
+void setIvar(Id obj, const char* name, Id value) {
+  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
+}
+
+Id logicOf(Id screen) { return ivar(screen, "m_contactsDataLogic"); }
+
+Id sectionRows(Id screen, long section) {
+  Id logic = logicOf(screen);
+  if (!logic) return nullptr;
+  ContactSections& d = sections(logic);
+  std::vector<Id> keys = rt::elements(d.keys);
+  if (section < 0 || section >= long(keys.size())) return nullptr;
+  return rt::objectForKey(d.results, keys[std::size_t(section)]);
+}
+
+// UIKit asks this first on every reloadData: the screen refreshes its data then.
+long numberOfSections(Id self, SEL, Id) {
+  Id logic = logicOf(self);
+  if (!logic) return 0;
+  reloadContacts(logic, nullptr);
+  return rt::count(sections(logic).keys);
+}
+long numberOfRows(Id self, SEL, Id, long section) { return rt::count(sectionRows(self, section)); }
+Id cellForRow(Id self, SEL, Id, Id ip) {
+  std::vector<Id> rows = rt::elements(sectionRows(self, rt::indexPathSection(ip)));
+  long row = rt::indexPathRow(ip);
+  return row >= 0 && row < long(rows.size()) ? rows[std::size_t(row)] : nullptr;
+}
+
+void viewDidLoad(Id self, SEL) {
+  if (rt::Class cls = rt::getClass("ContactsDataLogic")) setIvar(self, "m_contactsDataLogic", rt::send<Id>(cls, "new"));
+  Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
+  setIvar(self, "m_tableView", table);
+  rt::send<void>(table, "setDataSource:", self);
+  rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
+  rt::send<void>(table, "reloadData");
+}
+
+}  // namespace
+
+void defineContactsScreen(HostApp& app) {
+  HostClass(app, "ContactsDataLogic")
+      .method("reloadContacts", reloadContacts)
+      .method("getContactsArrayWith:", getContactsArrayWith)
+      .method(kFillSel, fillSectionResult)
+      .build();
+  HostClass(app, "ContactsViewController", "UIViewController")
+      .ivar("m_tableView", "@")
+      .ivar("m_contactsDataLogic", "@")
+      .method("viewDidLoad", viewDidLoad)
+      .method("numberOfSectionsInTableView:", numberOfSections)
+      .method("tableView:numberOfRowsInSection:", numberOfRows)
+      .method("tableView:cellForRowAtIndexPath:", cellForRow)
+      .build();
+}
+
+std::vector<std::string> contactsShown(HostApp& app) {
+  std::vector<std::string> out;
+  Id screen = app.contactsScreen();
+  Id table = screen ? rt::ivarObject(screen, rt::getInstanceVariable(rt::classOf(screen), "m_tableView")) : nullptr;
+  const sim::ViewState* v = table ? sim::viewState(table) : nullptr;
+  if (!v) return out;
+  for (const auto& section : v->shownRows)
+    for (Id cell : section) {
+      std::string u = contactUsername(cell);
+      out.push_back(u.empty() ? "(empty row)" : u);
+    }
+  return out;
+}
+
+namespace {
+Id loadedLogic(HostApp& app) {
+  Id screen = app.contactsScreen();
+  if (!screen || !rt::isKindOf(screen, "ContactsViewController")) return nullptr;
+  return logicOf(screen);
+}
+}  // namespace
+
+std::vector<std::string> contactsStarred(HostApp& app) {
+  std::vector<std::string> out;
+  if (Id logic = loadedLogic(app))
+    for (Id c : rt::elements(sections(logic).starred)) out.push_back(contactUsername(c));
+  return out;
+}
+
+long contactsFooterCount(HostApp& app) {
+  Id logic = loadedLogic(app);
+  return logic ? sections(logic).footerCount : -1;
+}
+
+}  // namespace hostapp
