@@ -71,6 +71,7 @@ void Process::post(const std::string& name) {
 
 void Process::launch(const LaunchHooks& hooks) {
   state_ = AppState::Inactive;
+  snapshot_ = hooks.appSwitcherSnapshot;
   if (hooks.defineHostClasses) hooks.defineHostClasses();
   if (hooks.libraryEntry) runGuarded(hooks.libraryEntry);
   if (hooks.hostDidFinishLaunching) runGuarded(hooks.hostDidFinishLaunching);
@@ -94,6 +95,7 @@ bool Process::enterBackground() {
   state_ = AppState::Background;
   post(sys::kSceneDidEnterBackground);
   post(sys::kDidEnterBackground);
+  if (snapshot_) runGuarded(snapshot_);
   if (auto reply = std::move(platform_.biometricReply)) {
     platform_.biometricReply = nullptr;
     runGuarded([&] { reply(false); });

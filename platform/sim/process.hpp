@@ -44,6 +44,9 @@ struct LaunchHooks {
   std::function<void()> hostDidFinishLaunching;
   // After the app first becomes active (the first screen has appeared).
   std::function<void()> hostDidBecomeActive;
+  // The system's picture of the screen for the app switcher, taken when the
+  // app enters the background, once its background notifications are handled.
+  std::function<void()> appSwitcherSnapshot;
 };
 
 class Process {
@@ -113,6 +116,7 @@ class Process {
   std::shared_ptr<void> state_ptr_;
   void* hostApp_ = nullptr;
   PlatformState platform_;
+  std::function<void()> snapshot_;
 };
 
 // The current process; aborts when there is none.

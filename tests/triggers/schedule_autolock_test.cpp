@@ -4,6 +4,7 @@
 
 #include "core/config.hpp"
 #include "support/host_world.hpp"
+#include "hiding/session_hooks.hpp"
 #include "triggers/auto_lock.hpp"
 #include "triggers/schedule.hpp"
 #include "host/runtime_toolkit.hpp"
@@ -94,6 +95,39 @@ TEST_F(Drivers, LeavingTheForegroundLocksOnceForABurstOfNotifications) {
   EXPECT_FALSE(c.unlocked());
   EXPECT_EQ(countLog("[QB] auto-lock ", before), 1);
   EXPECT_EQ(countLog("[QB] auto-lock UISceneWillDeactivateNotification", before), 1) << "the first of them";
+}
+
+TEST_F(Drivers, LeavingHidesTheListsOnScreenAtOnceAndOncePerDeparture) {
+  launchWithLibrary();
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  c.setUnlocked(true);
+  wait(5);
+  sim::currentProcess().runGuarded([&] { host.sessionsChanged(); });
+  ASSERT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
+  // One reload pass logs once per container that reaches the main list.
+  std::size_t mark = device.log().size();
+  hiding::QBSessionHooks::softReloadMainFrameForce(true);
+  long perPass = countLog("[QB] softReload main force=1", mark);
+  ASSERT_GT(perPass, 0);
+  for (int departure = 0; departure < 2; ++departure) {
+    std::size_t before = device.log().size();
+    ASSERT_TRUE(process->enterBackground());
+    EXPECT_EQ(host.lastSnapshot().mainRows, (std::vector<std::string>{"a", "b"})) << "departure " << departure;
+    EXPECT_EQ(countLog("[QB] softReload main force=1", before), perPass)
+        << "the application's and the scene's notifications of one departure reload once";
+    ASSERT_TRUE(process->enterForeground());
+    wait(3);
+    c.setUnlocked(true);
+    wait(1);
+  }
+  // In schedule mode leaving is no reason to touch the lists, hidden or not.
+  c.setVisibilityControlMode(1);
+  c.setUnlocked(false);
+  wait(1);
+  std::size_t before = device.log().size();
+  ASSERT_TRUE(process->enterBackground());
+  EXPECT_EQ(countLog("[QB] softReload", before), 0);
 }
 
 TEST_F(Drivers, AutoLockDebounceAndItsConditions) {

@@ -1,4 +1,5 @@
-// The main chat list: session, message, open main, show main, expect main.
+// The main chat list: session, message, open main, show main, expect main, and the
+// app switcher's picture of it (show snapshot, expect snapshot).
 #include "commands.hpp"
 
 namespace qbsim {
@@ -50,6 +51,23 @@ void addMainListCommands(CommandTable& t) {
                       if (rows.empty()) s.out() << "(no chats)\n";
                       for (const std::string& r : rows) s.out() << r << "\n";
                     }};
+  t["show snapshot"] = {"show snapshot", [](Session& s, const Command& c) {
+                          requireWords(c, 2, 2, "show snapshot");
+                          const hostapp::HostApp::Snapshot& shot = s.host().lastSnapshot();
+                          if (!shot.taken) {
+                            s.out() << "(no snapshot: the app has not entered the background)\n";
+                            return;
+                          }
+                          s.out() << "screen " << shot.screen << "\n";
+                          for (const std::string& r : shot.rows) s.out() << r << "\n";
+                        }};
+  t["expect snapshot"] = {"expect snapshot [USER...]", [](Session& s, const Command& c) {
+                            const hostapp::HostApp::Snapshot& shot = s.host().lastSnapshot();
+                            if (!shot.taken) throw ScriptError{"expect snapshot: the app has not entered the background yet"};
+                            std::vector<std::string> want(c.words.begin() + 2, c.words.end());
+                            if (shot.mainRows != want)
+                              throw ExpectFailure{joined(shot.mainRows) + " (screen " + shot.screen + ")"};
+                          }};
   t["expect main"] = {"expect main [USER...]", [](Session& s, const Command& c) {
                         s.requireProcess("expect main");
                         std::vector<std::string> want(c.words.begin() + 2, c.words.end());

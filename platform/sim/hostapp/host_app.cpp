@@ -59,6 +59,7 @@ sim::LaunchHooks HostApp::launchHooks() {
   sim::LaunchHooks hooks;
   hooks.defineHostClasses = [this] { defineClasses(); };
   hooks.hostDidFinishLaunching = [this] { buildFirstScreen(); };
+  hooks.appSwitcherSnapshot = [this] { takeSnapshot(); };
   return hooks;
 }
 

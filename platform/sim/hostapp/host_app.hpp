@@ -107,6 +107,16 @@ class HostApp {
   // What the main list's screen shows, top to bottom: the chats its table got
   // at its last reload.
   std::vector<std::string> mainListShown() const;
+  // The app switcher's picture taken when the app last entered the
+  // background: the screen on top and the rows of its list.
+  struct Snapshot {
+    bool taken = false;
+    std::string screen;
+    std::vector<std::string> mainRows;  // the main chat list, when it was on top
+    std::vector<std::string> rows;      // the rows of the list on top, if any
+  };
+  const Snapshot& lastSnapshot() const { return snapshot_; }
+  void takeSnapshot();
   // Pushes a chat with `username` on the chats tab, as tapping its row does.
   void openChat(const std::string& username);
   // Back to the first screen of the tab shown.
@@ -124,6 +134,7 @@ class HostApp {
   void buildFirstScreen();
   rt::Id mainFrame_ = nullptr, contactsScreen_ = nullptr, tabs_ = nullptr;
   std::map<std::pair<std::string, std::string>, rt::IMP> originals_;
+  Snapshot snapshot_;
 };
 
 }  // namespace hostapp

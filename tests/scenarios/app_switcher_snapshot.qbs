@@ -1,0 +1,42 @@
+# The picture the app switcher keeps of the app never shows a secret chat:
+# neither after a reveal, nor when the app leaves while a reveal settles. In
+# schedule mode leaving the app changes nothing.
+friend alice nick=Alice
+friend bob nick=Bob
+session bob
+session alice
+secret bob
+launch
+wait 2
+shake
+type 7351
+press 确定
+wait 3
+expect main alice bob
+background
+expect snapshot alice
+show snapshot
+foreground
+wait 1
+expect main alice
+
+wait 1
+shake
+type 7351
+press 确定
+wait 0.6
+expect revealed
+background
+expect snapshot alice
+foreground
+wait 3
+expect hidden
+
+# Schedule mode: a window that shows the secrets keeps them in the picture.
+setting visibilityControl 1
+setting dailyWindows 00:00-23:59 show
+wait 31
+expect revealed
+expect main alice bob
+background
+expect snapshot alice bob
