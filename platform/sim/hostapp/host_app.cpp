@@ -15,6 +15,7 @@ namespace hostapp {
 void defineContextClasses(HostApp& app);
 void defineContactClasses(HostApp& app);
 void defineMainListClasses(HostApp& app);
+void defineAboutClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
   for (Friend& f : friends)
@@ -54,6 +55,7 @@ void HostApp::defineClasses() {
   defineContextClasses(*this);
   defineContactClasses(*this);
   defineMainListClasses(*this);
+  defineAboutClasses(*this);
   for (const auto& [cls, sel] : build.raisingMethods) makeRaising(cls, sel);
 }
 
