@@ -153,8 +153,9 @@ void addPanel(CommandTable& t) {
                     act(s, "panel delete:" + at + " cannot be deleted", [&] { return sim::swipeDelete(table, section, row); });
                   }
                 }};
-  t["picker"] = {"picker search TEXT | picker pick USER | picker back", [](Session& s, const Command& c) {
-                   const std::string usage = "picker search TEXT | picker pick USER | picker back";
+  const std::string pickerUsage = "picker search TEXT | picker pick USER | picker back";
+  t["picker"] = {pickerUsage, [pickerUsage](Session& s, const Command& c) {
+                   const std::string& usage = pickerUsage;
                    requireWords(c, 2, 3, usage);
                    const std::string& what = c.words[1];
                    rt::Id picker = pickerScreen(s, "picker " + what);
