@@ -155,8 +155,7 @@ void addPanel(CommandTable& t) {
                 }};
   const std::string pickerUsage = "picker search TEXT | picker pick USER | picker back";
   t["picker"] = {pickerUsage, [pickerUsage](Session& s, const Command& c) {
-                   const std::string& usage = pickerUsage;
-                   requireWords(c, 2, 3, usage);
+                   requireWords(c, 2, 3, pickerUsage);
                    const std::string& what = c.words[1];
                    rt::Id picker = pickerScreen(s, "picker " + what);
                    rt::Id table = sim::tableOf(picker);
@@ -172,7 +171,7 @@ void addPanel(CommandTable& t) {
                      if (row < 0) throw ScriptError{"picker pick: " + c.words[2] + " is not in the list shown"};
                      act(s, "picker pick: no such row", [&] { return sim::selectRow(table, 0, row); });
                    } else {
-                     throw ScriptError{"usage: " + usage};
+                     throw ScriptError{"pickerUsage: " + pickerUsage};
                    }
                  }};
 }
