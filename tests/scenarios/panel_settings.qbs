@@ -46,6 +46,13 @@ expect file secrets []
 panel dismiss
 expect screen about
 expect revealed
+# Both hand-off flags stay set, so leaving the app does not lock them either:
+# only a later authentication, a close with 完成 or a new start clears them.
+background
+wait 5
+foreground
+wait 1
+expect revealed
 quit
 launch
 wait 2
