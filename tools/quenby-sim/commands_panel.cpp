@@ -51,6 +51,8 @@ rt::Id pickerScreen(Session& s, const std::string& command) {
 void printTable(Session& s, rt::Id controller) {
   std::vector<sim::ShownSection> sections;
   s.process()->runGuarded([&] { sections = sim::showTable(sim::tableOf(controller)); });
+  if (sim::TableState* t = sim::findExtra<sim::TableState>(sim::tableOf(controller)))
+    for (const std::string& line : t->headerLines) s.out() << line << "\n";
   for (std::size_t i = 0; i < sections.size(); ++i) {
     const sim::ShownSection& sec = sections[i];
     if (sec.header.empty() && sec.rows.empty() && sec.footer.empty()) continue;
