@@ -50,11 +50,11 @@ struct CellSpec {
   Color tint;
 };
 
-// A new cell (initWithStyle:reuseIdentifier:) laid out as the spec says.
+// A new cell (initWithStyle:reuseIdentifier:) laid out as `spec` describes it.
 rt::Id makeCell(const CellSpec& spec, const std::string& reuseIdentifier = "");
 // A cell the table keeps for reuse under the identifier, or nil.
 rt::Id dequeueCell(rt::Id table, const std::string& reuseIdentifier);
-// Sets every part of the spec on a cell, then lays it out at once.
+// Sets everything `spec` describes on a cell, then lays it out at once.
 void configureCell(rt::Id cell, const CellSpec& spec);
 
 // A switch set to `on`; `changed` receives it after each change by the user.
