@@ -5,7 +5,9 @@
 // the facades of rt and sys act on it.
 #pragma once
 
+#include <any>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -31,6 +33,10 @@ struct PlatformState {
   bool motionFromAccelerometer = false;
   double motionInterval = 0;
   std::vector<std::string> haptics;
+  // UIKit state kept beside an object's own record (cells, switches, sheets, taps).
+  std::map<rt::Id, std::any> objectExtras;
+  // The host app's Info.plist strings (CFBundleShortVersionString, …).
+  std::map<std::string, std::string> bundleInfo;
 };
 const char* appStateName(AppState s);
 

@@ -27,6 +27,12 @@ std::string describe(const DrawOp& op) {
                   f->color.blue, f->color.alpha);
     return buf;
   }
+  if (const DrawImage* d = std::get_if<DrawImage>(&op)) {
+    sim::ImageState* img = sim::imageState(d->image);
+    std::snprintf(buf, sizeof buf, " at %g,%g %gx%g clip %g", d->rect.origin.x, d->rect.origin.y, d->rect.size.width,
+                  d->rect.size.height, d->clipRadius);
+    return "image " + (img ? img->source : std::string("nil")) + buf;
+  }
   const DrawText& t = std::get<DrawText>(op);
   std::snprintf(buf, sizeof buf, "\" at %g,%g system %g %s rgba(%g,%g,%g,%g)", t.origin.x, t.origin.y, t.font.size,
                 weightName(t.font.weight), t.color.red, t.color.green, t.color.blue, t.color.alpha);
@@ -48,6 +54,20 @@ rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector
   std::vector<std::string> drawing;
   for (const DrawOp& op : ops) drawing.push_back(describe(op));
   return sim::drawnImage(size, scale > 0 ? scale : 3.0, opaque, std::move(drawing));
+}
+
+rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Color tint) {
+  if (name.empty()) return nullptr;
+  char buf[160];
+  std::snprintf(buf, sizeof buf, " %g %s rgba(%g,%g,%g,%g)", pointSize, weightName(weight), tint.red, tint.green,
+                tint.blue, tint.alpha);
+  // A symbol is about as wide and high as its point size.
+  return sim::drawnImage({pointSize + 2, pointSize}, 3.0, false, {"symbol " + name + buf});
+}
+
+rt::CGSize imageSize(rt::Id image) {
+  sim::ImageState* s = sim::imageState(image);
+  return s ? s->size : rt::CGSize{};
 }
 
 }  // namespace ui

@@ -6,6 +6,7 @@
 #include "hiding/extra_hooks.hpp"
 #include "hiding/session_hooks.hpp"
 #include "notify/notify_hooks.hpp"
+#include "panel/panel_controller.hpp"
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
@@ -71,6 +72,7 @@ void libraryEntry() {
   try {
     // The library's runtime classes exist from the moment it is loaded.
     triggers::QBShakeHooks::registerRuntimeClass();
+    panel::QBPanelController::registerRuntimeClass();
     QBConfig::shared().setUnlocked(false);
     QBSessionHooks::install();
   } catch (...) {

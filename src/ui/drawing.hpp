@@ -38,12 +38,26 @@ struct DrawText {
   Font font;
   Color color;
 };
-using DrawOp = std::variant<FillRect, DrawText>;
+// An image drawn into `rect`, clipped to a rounded rectangle of `clipRadius`
+// (UIBezierPath addClip, then drawInRect:).
+struct DrawImage {
+  rt::Id image = nullptr;
+  rt::CGRect rect;
+  double clipRadius = 0;
+};
+using DrawOp = std::variant<FillRect, DrawText, DrawImage>;
 
 // The size the text takes in the font (sizeWithAttributes:).
 rt::CGSize textSize(const std::string& text, const Font& font);
 // A UIImage of `size` points at `scale` (0: the screen's scale) with the
 // operations drawn in order.
 rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector<DrawOp>& ops);
+// A system symbol (UIImage systemImageNamed:withConfiguration: with a
+// UIImageSymbolConfiguration of point size and weight), always drawn in
+// `tint` (imageWithTintColor:renderingMode: AlwaysOriginal). Nil when the
+// system has no symbol of that name.
+rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Color tint);
+// The image's size in points.
+rt::CGSize imageSize(rt::Id image);
 
 }  // namespace ui

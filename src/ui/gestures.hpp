@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "rt/geometry.hpp"
 #include "rt/types.hpp"
 
 namespace ui {
@@ -17,5 +18,10 @@ enum class GestureState : long { Possible = 0, Began = 1, Changed = 2, Ended = 3
 rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouchesInView,
                     std::function<void(rt::Id recognizer)> action);
 GestureState gestureState(rt::Id recognizer);
+// Adds a tap recognizer to `view`; `action` receives it once the tap has
+// been recognised (state Ended). Returns the recognizer.
+rt::Id addTap(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action);
+// locationInView: the touch's position in `view`'s coordinates.
+rt::CGPoint locationInView(rt::Id recognizer, rt::Id view);
 
 }  // namespace ui

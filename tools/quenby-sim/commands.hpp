@@ -50,5 +50,6 @@ void addMainListCommands(CommandTable& table);
 void addTriggerCommands(CommandTable& table);
 // Wraps `open`, `expect screen` and `host`: add after the commands it extends.
 void addSurfaceCommands(CommandTable& table);
+void addPanelCommands(CommandTable& table);
 
 }  // namespace qbsim

@@ -1,6 +1,7 @@
 // The main chat list: session, message, open main, show main, expect main, and the
 // app switcher's picture of it (show snapshot, expect snapshot).
 #include "commands.hpp"
+#include "hostapp/about_page.hpp"
 
 namespace qbsim {
 namespace {
@@ -32,6 +33,12 @@ void addMainListCommands(CommandTable& t) {
                  requireWords(c, 2, 3, "open main|contacts|chat USER");
                  sim::Process& p = s.requireProcess("open");
                  const std::string& what = c.words[1];
+                 if (what == "about" && c.words.size() == 2) {
+                   rt::Id page = nullptr;
+                   p.runGuarded([&] { page = hostapp::openAbout(s.host()); });
+                   if (!page) throw ScriptError{"open: this host build has no About page"};
+                   return;
+                 }
                  if (what == "chat") {
                    if (c.words.size() != 3) throw ScriptError{"usage: open chat USER"};
                    p.runGuarded([&] { s.host().openChat(c.words[2]); });

@@ -27,6 +27,9 @@ std::string screenName(Session& s) {
   if (cls == "NewMainFrameViewController") return "main";
   if (cls == "BaseMsgContentViewController") return "chat";
   if (cls == "ContactsViewController") return "contacts";
+  if (cls == "SettingAboutMMViewController") return "about";
+  if (cls == "QBPanelController") return "panel";
+  if (cls == "QBContactPickController") return "picker";
   return std::string(cls);
 }
 

@@ -59,6 +59,12 @@ const std::vector<Step>& demoSteps() {
        {"unsecret bob", "message bob \"hello?\"", "show main"}},
       {"The app is ended and started again: the settings survive, and the remaining secret is hidden again.",
        {"quit", "launch", "expect hidden", "expect main bob carol alice", "show config"}},
+      {"The panel has no visible way in: five quick taps on the version label of the About page, then the "
+       "password. While it is open the secrets are shown; every row saves at once.",
+       {"open about", "wait 1", "tap version", "tap version", "tap version", "tap version", "tap version",
+        "expect screen alert", "type 7351", "press 确定", "wait 1", "expect screen panel", "show panel"}},
+      {"Closing it with 完成 hides the secrets again (manual mode).",
+       {"panel done", "wait 1", "expect hidden"}},
       {"The whole log, in virtual time:", {"show log"}},
   };
   return steps;

@@ -17,6 +17,7 @@ void defineContextClasses(HostApp& app);
 void defineContactClasses(HostApp& app);
 void defineMainListClasses(HostApp& app);
 void defineSurfaceClasses(HostApp& app);
+void defineAboutClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
   for (Friend& f : friends)
@@ -70,6 +71,7 @@ void HostApp::defineClasses() {
   defineContactClasses(*this);
   defineMainListClasses(*this);
   defineSurfaceClasses(*this);
+  defineAboutClasses(*this);
   for (const auto& [cls, sel] : build.raisingMethods) makeRaising(cls, sel);
 }
 

@@ -15,6 +15,8 @@ namespace sim {
 void registerViews(Runtime& rtm);
 void registerControllers(Runtime& rtm);
 void registerInteraction(Runtime& rtm);
+void registerTables();
+void registerScreens();
 
 namespace {
 
@@ -145,6 +147,8 @@ void registerUIKit(Runtime& rtm) {
   registerViews(rtm);
   registerControllers(rtm);
   registerInteraction(rtm);
+  registerTables();
+  registerScreens();
   ClassBuilder("UIApplication", "UIResponder")
       .classMethod("sharedApplication", sharedApplicationImp)
       .method("connectedScenes", connectedScenes)

@@ -1,0 +1,86 @@
+#include "hostapp/about_page.hpp"
+
+#include "hostapp/host_class.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "sys/queue.hpp"
+
+namespace hostapp {
+namespace {
+
+using rt::Id;
+using rt::SEL;
+
+constexpr long kVersionTag = 8050;
+
+Id label(Id parent, const std::string& text, rt::CGRect frame, long tag = 0) {
+  Id l = rt::send<Id>(rt::getClass("UILabel"), "new");
+  rt::send<void>(l, "setText:", rt::str(text));
+  rt::send<void>(l, "setFrame:", frame);
+  rt::send<void>(l, "setTag:", tag);
+  rt::send<void>(l, "setUserInteractionEnabled:", false);  // UILabel's default
+  rt::send<void>(parent, "addSubview:", l);
+  return l;
+}
+
+Id box(Id parent, rt::CGRect frame) {
+  Id v = rt::send<Id>(rt::getClass("UIView"), "new");
+  rt::send<void>(v, "setFrame:", frame);
+  rt::send<void>(parent, "addSubview:", v);
+  return v;
+}
+
+void buildLabels(Id page) {
+  Id view = rt::send<Id>(page, "view");
+  Id header = box(box(view, {{0, 330}, {390, 160}}), {{0, 0}, {390, 160}});
+  label(header, "微信", {{0, 60}, {390, 30}});
+  label(header, std::string("Version ") + kHostVersion, {{0, 100}, {390, 20}}, kVersionTag);
+  Id rows = box(view, {{0, 520}, {390, 100}});
+  label(rows, "功能介绍", {{16, 0}, {358, 44}});
+  label(rows, "隐私保护指引", {{16, 50}, {358, 44}});
+}
+
+void aboutViewDidLoad(Id self, SEL) {
+  rt::send<void>(self, "setTitle:", rt::str("关于微信"));
+  sys::after(kAboutLabelsDelay, [self] { buildLabels(self); });
+}
+void aboutViewDidAppear(Id, SEL, bool) {}
+
+Id findTagged(Id view, long tag) {
+  if (!view) return nullptr;
+  if (rt::send<long>(view, "tag") == tag) return view;
+  for (Id sub : rt::elements(rt::send<Id>(view, "subviews")))
+    if (Id hit = findTagged(sub, tag)) return hit;
+  return nullptr;
+}
+
+}  // namespace
+
+void defineAboutClasses(HostApp& app) {
+  sim::currentProcess().platform().bundleInfo["CFBundleShortVersionString"] = kHostVersion;
+  HostClass(app, "SettingAboutMMViewController", "UIViewController")
+      .method("viewDidLoad", aboutViewDidLoad)
+      .method("viewDidAppear:", aboutViewDidAppear)
+      .build();
+}
+
+Id openAbout(HostApp& app) {
+  rt::Class cls = rt::getClass("SettingAboutMMViewController");
+  if (!cls || !app.tabs()) return nullptr;
+  app.selectTab(0);
+  app.popToRoot();
+  Id nav = rt::send<Id>(app.tabs(), "selectedViewController");
+  Id page = rt::send<Id>(cls, "new");
+  rt::send<void>(nav, "pushViewController:animated:", page, true);
+  sim::appear(page);
+  return page;
+}
+
+Id aboutVersionLabel(Id page) {
+  if (!page || !rt::send<bool>(page, "isViewLoaded")) return nullptr;
+  return findTagged(rt::send<Id>(page, "view"), kVersionTag);
+}
+
+}  // namespace hostapp

@@ -1,0 +1,269 @@
+// UITableViewController, UITableViewCell, UISwitch and swipe actions. The
+// table checks updates as UIKit does: deleting a row when the data source
+// does not answer one row fewer raises NSInternalInconsistencyException, so a
+// wrong answer shows as it would on a phone.
+#include "sim/uikit/tables.hpp"
+
+#include <cstdio>
+
+#include "rt/exception.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/class_builder.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "ui/views.hpp"
+
+namespace sim {
+namespace {
+
+using rt::Id;
+using rt::SEL;
+
+Id newObject(const char* cls) { return rt::send<Id>(rt::getClass(cls), "new"); }
+
+Id initWithStyle(Id self, SEL, long style) {
+  extra<ScreenState>(self).tableStyle = style;
+  return self;
+}
+
+// A table view controller's view is its table, with itself as data source and delegate.
+Id tableControllerView(Id self, SEL) {
+  ControllerState& c = *controllerState(self);
+  if (!c.viewLoaded) {
+    c.viewLoaded = true;
+    c.view = newObject("UITableView");
+    extra<TableState>(c.view).style = extra<ScreenState>(self).tableStyle;
+    rt::send<void>(c.view, "setDataSource:", self);
+    rt::send<void>(c.view, "setDelegate:", self);
+    rt::send<void>(self, "viewDidLoad");
+  }
+  return c.view;
+}
+Id tableView(Id self, SEL) { return rt::send<Id>(self, "view"); }
+
+void deselectRow(Id, SEL, Id, bool) {}
+Id dequeueReusable(Id, SEL, Id) { return nullptr; }  // a fresh table has nothing to reuse
+
+rt::IMP hostReloadData = nullptr;
+long askRows(Id table, long section) {
+  return rt::send<long>(rt::send<Id>(table, "dataSource"), "tableView:numberOfRowsInSection:", table, section);
+}
+long askSections(Id table) {
+  Id ds = rt::send<Id>(table, "dataSource");
+  return rt::respondsTo(ds, rt::sel("numberOfSectionsInTableView:")) ? rt::send<long>(ds, "numberOfSectionsInTableView:", table)
+                                                                      : 1;
+}
+void recordCounts(Id table) {
+  TableState& t = extra<TableState>(table);
+  t.rowCounts.clear();
+  if (!rt::send<Id>(table, "dataSource")) return;
+  for (long s = 0, n = askSections(table); s < n; ++s) t.rowCounts.push_back(askRows(table, s));
+  t.countsKnown = true;
+}
+void reloadData(Id self, SEL cmd) {
+  rt::call<void>(hostReloadData, self, cmd);
+  recordCounts(self);
+}
+
+bool switchOn(Id self, SEL) { return extra<SwitchState>(self).on; }
+void setSwitchOn(Id self, SEL, bool on) { extra<SwitchState>(self).on = on; }
+
+std::string mismatch(long section, long before, long after, long deleted) {
+  char buf[200];
+  std::snprintf(buf, sizeof buf,
+                "Invalid update: invalid number of rows in section %ld. The number of rows contained in an existing "
+                "section after the update (%ld) must be equal to %ld minus %ld deleted",
+                section, after, before, deleted);
+  return buf;
+}
+
+bool rowExists(Id table, long section, long row) {
+  return section >= 0 && section < askSections(table) && row >= 0 && row < askRows(table, section);
+}
+
+Id indexPathOf(long section, long row) { return rt::indexPath(row, section); }
+
+}  // namespace
+
+void registerTables() {
+  ClassBuilder("UITableViewController", "UIViewController")
+      .method("initWithStyle:", initWithStyle)
+      .method("view", tableControllerView)
+      .method("tableView", tableView)
+      .build();
+  ClassBuilder("UITableViewCell", "UIView").build();
+  ClassBuilder("UIControl", "UIView").build();
+  ClassBuilder("UISwitch", "UIControl").method("isOn", switchOn).method("setOn:", setSwitchOn).build();
+  ClassBuilder("UIContextualAction").build();
+  ClassBuilder("UISwipeActionsConfiguration").build();
+  rt::Class table = rt::getClass("UITableView");
+  rt::addMethod(table, rt::sel("deselectRowAtIndexPath:animated:"), deselectRow);
+  rt::addMethod(table, rt::sel("dequeueReusableCellWithIdentifier:"), dequeueReusable);
+  rt::Method reload = rt::getInstanceMethod(table, rt::sel("reloadData"));
+  hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
+}
+
+rt::Id tableOf(rt::Id controller) {
+  if (!controller || !rt::isKindOf(controller, "UITableViewController")) return nullptr;
+  return rt::send<Id>(controller, "tableView");
+}
+
+std::vector<ShownSection> showTable(rt::Id table) {
+  std::vector<ShownSection> out;
+  Id ds = rt::send<Id>(table, "dataSource");
+  Id dl = rt::send<Id>(table, "delegate");
+  if (!ds) return out;
+  const TableState& t = extra<TableState>(table);
+  for (long s = 0, n = askSections(table); s < n; ++s) {
+    ShownSection sec;
+    if (rt::respondsTo(ds, rt::sel("tableView:titleForHeaderInSection:")))
+      sec.header = rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, s)).value_or("");
+    if (rt::respondsTo(ds, rt::sel("tableView:titleForFooterInSection:")))
+      sec.footer = rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, s)).value_or("");
+    for (long r = 0, rows = askRows(table, s); r < rows; ++r) {
+      ShownRow row;
+      Id ip = indexPathOf(s, r);
+      row.height = rt::respondsTo(dl, rt::sel("tableView:heightForRowAtIndexPath:"))
+                       ? rt::send<double>(dl, "tableView:heightForRowAtIndexPath:", table, ip)
+                       : (t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44);
+      row.cell = rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", table, ip);
+      if (!row.cell) rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
+      const ui::CellSpec& spec = extra<CellState>(row.cell).spec;
+      row.title = spec.title;
+      row.detail = spec.detail;
+      if (spec.accessoryView && rt::isKindOf(spec.accessoryView, "UISwitch"))
+        row.state = extra<SwitchState>(spec.accessoryView).on ? "on" : "off";
+      else if (spec.accessory == ui::Accessory::Checkmark)
+        row.state = "checked";
+      sec.rows.push_back(row);
+    }
+    out.push_back(std::move(sec));
+  }
+  recordCounts(table);
+  return out;
+}
+
+bool selectRow(rt::Id table, long section, long row) {
+  if (!rowExists(table, section, row)) return false;
+  Id dl = rt::send<Id>(table, "delegate");
+  if (rt::respondsTo(dl, rt::sel("tableView:didSelectRowAtIndexPath:")))
+    rt::send<void>(dl, "tableView:didSelectRowAtIndexPath:", table, indexPathOf(section, row));
+  return true;
+}
+
+bool flipSwitch(rt::Id table, long section, long row, bool on) {
+  if (!rowExists(table, section, row)) return false;
+  Id cell = rt::send<Id>(rt::send<Id>(table, "dataSource"), "tableView:cellForRowAtIndexPath:", table,
+                         indexPathOf(section, row));
+  CellState* c = findExtra<CellState>(cell);
+  Id sw = c ? c->spec.accessoryView : nullptr;
+  if (!sw || !rt::isKindOf(sw, "UISwitch")) return false;
+  SwitchState& s = extra<SwitchState>(sw);
+  if (s.on == on) return true;  // no change, no event
+  s.on = on;
+  if (auto changed = s.changed) changed(sw);
+  return true;
+}
+
+bool swipeDelete(rt::Id table, long section, long row) {
+  if (!rowExists(table, section, row)) return false;
+  Id ds = rt::send<Id>(table, "dataSource");
+  Id dl = rt::send<Id>(table, "delegate");
+  Id ip = indexPathOf(section, row);
+  bool commits = rt::respondsTo(ds, rt::sel("tableView:commitEditingStyle:forRowAtIndexPath:"));
+  bool editable = rt::respondsTo(ds, rt::sel("tableView:canEditRowAtIndexPath:"))
+                      ? rt::send<bool>(ds, "tableView:canEditRowAtIndexPath:", table, ip)
+                      : commits;
+  if (!editable) return false;
+  Id config = rt::respondsTo(dl, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"))
+                  ? rt::send<Id>(dl, "tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:", table, ip)
+                  : nullptr;
+  if (SwipeState* swipe = findExtra<SwipeState>(config)) {
+    if (auto handler = swipe->handler) handler([](bool) {});
+    return true;
+  }
+  if (!commits) return false;
+  rt::send<void>(ds, "tableView:commitEditingStyle:forRowAtIndexPath:", table, long(1), ip);
+  return true;
+}
+
+}  // namespace sim
+
+namespace ui {
+
+rt::Id makeCell(const CellSpec& spec, const std::string& reuseIdentifier) {
+  rt::Id cell = sim::newObject("UITableViewCell");
+  sim::extra<sim::CellState>(cell).reuseIdentifier = reuseIdentifier;
+  configureCell(cell, spec);
+  return cell;
+}
+
+rt::Id dequeueCell(rt::Id table, const std::string& reuseIdentifier) {
+  return rt::send<rt::Id>(table, "dequeueReusableCellWithIdentifier:", rt::str(reuseIdentifier));
+}
+
+void configureCell(rt::Id cell, const CellSpec& spec) {
+  sim::CellState& c = sim::extra<sim::CellState>(cell);
+  c.spec = spec;
+  c.laidOut = true;
+}
+
+rt::Id makeSwitch(bool on, Color onTint, std::function<void(rt::Id sw)> changed) {
+  rt::Id sw = sim::newObject("UISwitch");
+  sim::SwitchState& s = sim::extra<sim::SwitchState>(sw);
+  s.on = on;
+  s.onTint = onTint;
+  s.changed = std::move(changed);
+  return sw;
+}
+
+bool switchIsOn(rt::Id sw) { return rt::send<bool>(sw, "isOn"); }
+
+rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler) {
+  rt::Id config = sim::newObject("UISwipeActionsConfiguration");
+  sim::extra<sim::SwipeState>(config) = sim::SwipeState{title, std::move(handler)};
+  return config;
+}
+
+void reloadSection(rt::Id table, long section, RowAnimation) {
+  sim::TableState& t = sim::extra<sim::TableState>(table);
+  long sections = sim::askSections(table);
+  if (t.countsKnown && sections != long(t.rowCounts.size()))
+    rt::raise("NSInternalInconsistencyException", "Invalid update: invalid number of sections");
+  if (section < 0 || section >= sections)
+    rt::raise("NSInternalInconsistencyException", "attempt to reload section " + std::to_string(section) + " that does not exist");
+  sim::recordCounts(table);
+}
+
+void deleteRow(rt::Id table, long section, long row, RowAnimation) {
+  sim::TableState& t = sim::extra<sim::TableState>(table);
+  if (!t.countsKnown || section >= long(t.rowCounts.size()) || row < 0 || row >= t.rowCounts[std::size_t(section)])
+    rt::raise("NSInternalInconsistencyException", "attempt to delete row " + std::to_string(row) + " from section " +
+                                                      std::to_string(section) + " which does not exist");
+  long before = t.rowCounts[std::size_t(section)];
+  long after = sim::askRows(table, section);
+  if (after != before - 1) rt::raise("NSInternalInconsistencyException", sim::mismatch(section, before, after, 1));
+  sim::recordCounts(table);
+}
+
+void styleTable(rt::Id table, const TableLook& look) { sim::extra<sim::TableState>(table).look = look; }
+
+rt::Id setStackedHeader(rt::Id table, double width, double margin, const std::vector<HeaderLine>& lines) {
+  rt::Id header = sim::newObject("UIView");
+  sim::TableState& t = sim::extra<sim::TableState>(table);
+  t.headerLines.clear();
+  double height = 0;
+  for (const HeaderLine& l : lines) {
+    rt::Id label = makeLabel(l.text, LabelStyle{l.font, l.color, {0, 0, 0, 0}, true, 0, false, 0});
+    rt::send<void>(label, "setFrame:", rt::CGRect{{margin, height}, {width - 2 * margin, l.font.size * 1.2}});
+    rt::send<void>(header, "addSubview:", label);
+    height += textSize(l.text, l.font).height + 4;
+    t.headerLines.push_back(l.text);
+  }
+  t.headerSize = {width, height};
+  rt::send<void>(header, "setFrame:", rt::CGRect{{0, 0}, t.headerSize});
+  return header;
+}
+
+}  // namespace ui

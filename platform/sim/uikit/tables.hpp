@@ -1,0 +1,113 @@
+// The simulated table screens and their controls: UITableViewController,
+// cells, switches, swipe actions, page sheets, bar buttons, search
+// controllers, date pickers and tap recognizers with a location. A table is
+// read the way UIKit asks it (sections, rows, heights, headers, footers,
+// cells), so what the simulator prints is what the data source answered.
+#pragma once
+
+#include <any>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "rt/geometry.hpp"
+#include "rt/types.hpp"
+#include "sim/process.hpp"
+#include "ui/navigation.hpp"
+#include "ui/pickers.hpp"
+#include "ui/tables.hpp"
+
+namespace sim {
+
+// The extra record of type T beside `obj` (created on first use).
+template <typename T>
+T& extra(rt::Id obj) {
+  std::any& a = currentProcess().platform().objectExtras[obj];
+  if (!std::any_cast<T>(&a)) a = T{};
+  return *std::any_cast<T>(&a);
+}
+template <typename T>
+T* findExtra(rt::Id obj) {
+  auto& m = currentProcess().platform().objectExtras;
+  auto it = m.find(obj);
+  return it == m.end() ? nullptr : std::any_cast<T>(&it->second);
+}
+
+struct CellState {
+  ui::CellSpec spec;
+  std::string reuseIdentifier;
+  bool laidOut = false;
+};
+struct SwitchState {
+  bool on = false;
+  ui::Color onTint;
+  std::function<void(rt::Id)> changed;
+};
+struct SwipeState {
+  std::string title;
+  ui::SwipeHandler handler;
+};
+struct TableState {
+  long style = 0;
+  ui::TableLook look;
+  std::vector<std::string> headerLines;
+  rt::CGSize headerSize;
+  std::vector<long> rowCounts;  // as last asked: the basis of UIKit's update checks
+  bool countsKnown = false;
+};
+struct ScreenState {  // a view controller's navigation item and presentation
+  long modalPresentationStyle = -2;  // UIModalPresentationAutomatic
+  bool largeDetentOnly = false, grabberVisible = false, prefersLargeTitles = true;
+  std::string leftTitle;
+  long leftStyle = 0;
+  std::function<void()> leftAction;
+  rt::Id searchController = nullptr;
+  ui::Color background, tint;
+  long tableStyle = 0;  // a table view controller's initWithStyle:
+};
+struct SearchState {
+  ui::SearchSpec spec;
+  std::string text;
+  std::function<void(const std::string&)> update;
+};
+struct DatePickerState {
+  long hour = 0, minute = 0;
+  std::string locale;
+  ui::PickerLayout layout;
+};
+struct TapState {
+  rt::Id touched = nullptr;  // the view the touch was given in
+  rt::CGPoint point;         // in that view's coordinates
+};
+
+void registerTables();
+
+struct ShownRow {
+  std::string title, detail;
+  std::string state;  // "checked", "on", "off" or ""
+  double height = 0;
+  rt::Id cell = nullptr;
+};
+struct ShownSection {
+  std::string header, footer;
+  std::vector<ShownRow> rows;
+};
+// Every section and row of the table, asked as UIKit asks.
+std::vector<ShownSection> showTable(rt::Id table);
+// The table of a table view controller (nil for any other screen).
+rt::Id tableOf(rt::Id controller);
+// The user's hands: false when there is no such row / control / action.
+bool selectRow(rt::Id table, long section, long row);
+bool flipSwitch(rt::Id table, long section, long row, bool on);
+bool swipeDelete(rt::Id table, long section, long row);
+bool pressLeftBarButton(rt::Id controller);
+bool typeSearch(rt::Id controller, const std::string& text);
+// The time wheel of an alert, or nil.
+rt::Id alertTimePicker(rt::Id alert);
+void setPickerTime(rt::Id picker, long hour, long minute);
+// A tap at `point` in `root`'s coordinates: the deepest visible view that
+// takes touches there, then the first tap recognizer from it upwards, alone,
+// recognizes it. False when no recognizer did.
+bool tapAt(rt::Id root, rt::CGPoint point);
+
+}  // namespace sim

@@ -1,0 +1,275 @@
+#include "panel/panel_controller.hpp"
+
+#include <optional>
+
+#include "core/config.hpp"
+#include "hiding/session_hooks.hpp"
+#include "host/contact_info.hpp"
+#include "host/hook.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "notify/notify_hooks.hpp"
+#include "panel/contact_pick_controller.hpp"
+#include "panel/panel_table.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/log.hpp"
+#include "sys/queue.hpp"
+#include "triggers/auth.hpp"
+#include "triggers/schedule.hpp"
+#include "ui/alerts.hpp"
+#include "ui/navigation.hpp"
+#include "ui/tables.hpp"
+
+namespace panel {
+namespace {
+
+using core::QBConfig;
+using rt::Id;
+using rt::SEL;
+
+void clearSuppressFlags() {
+  QBConfig& c = QBConfig::shared();
+  c.setSuppressAutoLock(false);
+  c.setSuppressSessionApply(false);
+}
+
+Id lastPresented(Id vc) {
+  while (vc) {
+    Id next = rt::send<Id>(vc, "presentedViewController");
+    if (!next) break;
+    vc = next;
+  }
+  return vc;
+}
+
+Id tableOf(Id panel) { return rt::send<Id>(panel, "tableView"); }
+long sectionOf(Id indexPath) { return rt::indexPathSection(indexPath); }
+long rowOf(Id indexPath) { return rt::indexPathRow(indexPath); }
+
+void buildHeader(Id self) {
+  rt::CGRect bounds = rt::send<rt::CGRect>(rt::send<Id>(self, "view"), "bounds");
+  double width = bounds.size.width > 0 ? bounds.size.width : ui::screenWidth();
+  ui::setStackedHeader(tableOf(self), width, 20,
+                       {{"密友", {28, ui::Weight::Bold}, ui::kLabel},
+                        {"会话 · 通讯录 · 朋友圈 · 最近转发一并隐藏", {13, ui::Weight::Medium}, ui::kSecondaryLabel},
+                        {"我 → 设置 → 关于微信 → 连点版本号 5 次打开本页", {12, ui::Weight::Regular}, ui::kTertiaryLabel}});
+}
+
+// --- The runtime class's methods.
+
+void viewDidLoad(Id self, SEL cmd) {
+  rt::Method super = rt::getInstanceMethod(rt::getClass("UITableViewController"), cmd);
+  if (super) rt::call<void>(rt::methodImplementation(super), self, cmd);
+  rt::send<void>(self, "setTitle:", rt::str(""));
+  ui::setViewBackground(self, ui::kGroupedBackground);
+  ui::setNavigationTint(rt::send<Id>(self, "navigationController"), ui::kSystemGreen);
+  ui::styleTable(tableOf(self), ui::TableLook{ui::kGroupedBackground, 56, 56, true});
+  ui::setLeftBarButton(self, "完成", ui::BarButtonStyle::Done, [self] { QBPanelController::closeAndLock(self); });
+  buildHeader(self);
+}
+
+long numberOfSections(Id, SEL, Id) { return kSections; }
+long numberOfRows(Id, SEL, Id, long section) { return rowsInSection(section); }
+double heightForRow(Id, SEL, Id, Id ip) { return rowHeight(sectionOf(ip), rowOf(ip)); }
+Id headerForSection(Id, SEL, Id, long section) {
+  std::string t = headerTitle(section);
+  return t.empty() ? nullptr : rt::str(t);
+}
+Id footerForSection(Id, SEL, Id, long section) {
+  std::string t = footerTitle(section);
+  return t.empty() ? nullptr : rt::str(t);
+}
+Id cellForRow(Id self, SEL, Id, Id ip) { return cellFor(self, sectionOf(ip), rowOf(ip)); }
+void didSelectRow(Id self, SEL, Id table, Id ip) {
+  rt::send<void>(table, "deselectRowAtIndexPath:animated:", ip, true);
+  didSelect(self, sectionOf(ip), rowOf(ip));
+}
+bool canEditRow(Id, SEL, Id, Id ip) { return canEdit(sectionOf(ip), rowOf(ip)); }
+Id trailingSwipe(Id self, SEL, Id, Id ip) {
+  long section = sectionOf(ip), row = rowOf(ip);
+  if (!canEdit(section, row)) return nullptr;
+  return ui::destructiveSwipe("删除", [self, section, row](std::function<void(bool)> completion) {
+    deleteRow(self, section, row, completion);
+  });
+}
+void commitEditing(Id self, SEL, Id, long style, Id ip) {
+  constexpr long kDeleteStyle = 1;  // UITableViewCellEditingStyleDelete
+  if (style == kDeleteStyle && canEdit(sectionOf(ip), rowOf(ip))) deleteRow(self, sectionOf(ip), rowOf(ip), [](bool) {});
+}
+
+// The five switches: save at once; the call switches also re-sync the host's
+// call auto-ignore. The table is left as it is.
+template <void (QBConfig::*Set)(bool), bool Calls>
+void onSwitch(Id, SEL, Id sw) {
+  QBConfig& c = QBConfig::shared();
+  (c.*Set)(ui::switchIsOn(sw));
+  c.save();
+  if (Calls) notify::QBNotifyHooks::syncVoipAutoIgnore();
+}
+
+void closeAndLockImp(Id self, SEL) { QBPanelController::closeAndLock(self); }
+void reloadImp(Id self, SEL) { QBPanelController::reload(self); }
+void showTipImp(Id self, SEL, Id message) { QBPanelController::showTip(self, rt::asString(message).value_or("")); }
+void pickFromSessionsImp(Id self, SEL) { QBPanelController::pickFromSessions(self); }
+void presentFromImp(Id, SEL, Id target) { QBPanelController::presentFrom(target); }
+void presentPanelOnImp(Id, SEL, Id target) { QBPanelController::presentPanelOn(target); }
+Id topVCImp(Id, SEL) { return QBPanelController::topVC(); }
+
+std::vector<PickItem> sessionItems() {
+  std::vector<PickItem> out;
+  for (const hiding::SessionItem& s : hiding::QBSessionHooks::listSessionItems())
+    out.push_back({s.username, s.displayName, s.nickname, s.remark});
+  return out;
+}
+
+}  // namespace
+
+void QBPanelController::registerRuntimeClass() {
+  QBContactPickController::registerRuntimeClass();
+  if (rt::getClass("QBPanelController")) return;
+  rt::Class cls = rt::allocateClassPair(rt::getClass("UITableViewController"), "QBPanelController");
+  if (!cls) return;
+  rt::registerClassPair(cls);
+  rt::addClassMethod(cls, rt::sel("presentFrom:"), presentFromImp);
+  rt::addClassMethod(cls, rt::sel("presentPanelOn:"), presentPanelOnImp);
+  rt::addClassMethod(cls, rt::sel("topVC"), topVCImp);
+  rt::addMethod(cls, rt::sel("viewDidLoad"), viewDidLoad);
+  rt::addMethod(cls, rt::sel("numberOfSectionsInTableView:"), numberOfSections);
+  rt::addMethod(cls, rt::sel("tableView:numberOfRowsInSection:"), numberOfRows);
+  rt::addMethod(cls, rt::sel("tableView:heightForRowAtIndexPath:"), heightForRow);
+  rt::addMethod(cls, rt::sel("tableView:titleForHeaderInSection:"), headerForSection);
+  rt::addMethod(cls, rt::sel("tableView:titleForFooterInSection:"), footerForSection);
+  rt::addMethod(cls, rt::sel("tableView:cellForRowAtIndexPath:"), cellForRow);
+  rt::addMethod(cls, rt::sel("tableView:didSelectRowAtIndexPath:"), didSelectRow);
+  rt::addMethod(cls, rt::sel("tableView:canEditRowAtIndexPath:"), canEditRow);
+  rt::addMethod(cls, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"), trailingSwipe);
+  rt::addMethod(cls, rt::sel("tableView:commitEditingStyle:forRowAtIndexPath:"), commitEditing);
+  rt::addMethod(cls, rt::sel("onShakeShowSwitch:"), onSwitch<&QBConfig::setShakeShowEnabled, false>);
+  rt::addMethod(cls, rt::sel("onLongPressSwitch:"), onSwitch<&QBConfig::setLongPressUnlockEnabled, false>);
+  rt::addMethod(cls, rt::sel("onShakeHideSwitch:"), onSwitch<&QBConfig::setShakeHideEnabled, false>);
+  rt::addMethod(cls, rt::sel("onVoipVoiceSwitch:"), onSwitch<&QBConfig::setVoipVoiceNotifyEnabled, true>);
+  rt::addMethod(cls, rt::sel("onVoipVideoSwitch:"), onSwitch<&QBConfig::setVoipVideoNotifyEnabled, true>);
+  rt::addMethod(cls, rt::sel("closeAndLock"), closeAndLockImp);
+  rt::addMethod(cls, rt::sel("reload"), reloadImp);
+  rt::addMethod(cls, rt::sel("showTip:"), showTipImp);
+  rt::addMethod(cls, rt::sel("pickFromSessions"), pickFromSessionsImp);
+}
+
+Id QBPanelController::topVC() {
+  Id window = host::QBRuntime::keyWindow();
+  Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
+  if (top && rt::isKindOf(top, "UINavigationController")) return rt::send<Id>(top, "visibleViewController");
+  return top;
+}
+
+void QBPanelController::presentFrom(Id target) {
+  if (!target) target = topVC();
+  if (!target) return;
+  QBConfig& c = QBConfig::shared();
+  c.setSuppressAutoLock(true);
+  c.setSuppressSessionApply(true);
+  triggers::QBAuth::authenticateForPanel([target](bool passed) {
+    if (!passed) {
+      clearSuppressFlags();
+      return;
+    }
+    sys::after(kAuthDelay, [target] {
+      try {
+        Id window = host::QBRuntime::keyWindow();
+        Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
+        if (!top) top = target;
+        QBConfig& cfg = QBConfig::shared();
+        if (!cfg.unlocked()) {
+          // The secrets stay visible for as long as the panel is open.
+          cfg.setUnlocked(true);
+          hiding::QBSessionHooks::refreshFilterCache();
+        }
+        presentPanelOn(top);
+      } catch (...) {
+        sys::log("[QB] present ex: %@", rt::describeCurrentException());
+        clearSuppressFlags();
+      }
+    });
+  });
+}
+
+void QBPanelController::presentPanelOn(Id target) {
+  if (!target) return;
+  try {
+    if (rt::send<Id>(target, "presentedViewController")) {
+      // Busy presenting (an alert closing, another sheet): try again on whatever is on top then.
+      sys::after(kBusyRetry, [target] {
+        Id top = topVC();
+        presentPanelOn(lastPresented(top ? top : target));
+      });
+      return;
+    }
+    Id panel = rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"), "initWithStyle:",
+                            long(ui::TableStyle::InsetGrouped));
+    Id nav = rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
+                          "initWithRootViewController:", panel);
+    ui::presentPageSheet(target, nav, ui::SheetSpec{}, true);
+  } catch (...) {
+    sys::log("[QB] presentPanel ex: %@", rt::describeCurrentException());
+    clearSuppressFlags();
+  }
+}
+
+void QBPanelController::closeAndLock(Id self) {
+  QBConfig::shared().setSuppressSessionApply(true);
+  ui::dismiss(self, true, [] {
+    clearSuppressFlags();
+    QBConfig& c = QBConfig::shared();
+    if (c.usesManualVisibility()) {
+      c.setUnlocked(false);
+      hiding::QBSessionHooks::refreshFilterCache();
+      sys::after(kCloseReloadDelay, [] { hiding::QBSessionHooks::softReloadMainFrameForce(true); });
+    } else {
+      triggers::QBSchedule::applyNow();
+    }
+  });
+}
+
+void QBPanelController::reload(Id self) { rt::send<void>(tableOf(self), "reloadData"); }
+
+void QBPanelController::showTip(Id self, const std::string& message) {
+  if (message.empty()) return;
+  Id alert = ui::makeAlert("", message);
+  ui::addAction(alert, "好", ui::ActionStyle::Default, nullptr);
+  ui::present(self, alert, true);
+}
+
+void QBPanelController::pickFromSessions(Id self) {
+  std::vector<PickItem> items =
+      host::guarded(nullptr, [] { return host::QBContactInfo::listNormalContactItems(); }, std::vector<PickItem>{});
+  if (items.empty()) {
+    using Items = std::optional<std::vector<PickItem>>;
+    Items fromSessions = host::guarded(nullptr, [] { return Items(sessionItems()); }, Items());
+    if (!fromSessions) return;  // the session list failed too: nothing to offer, nothing said
+    items = std::move(*fromSessions);
+  }
+  if (items.empty()) {
+    showTip(self, "未读到通讯录联系人");
+    return;
+  }
+  Id picker = QBContactPickController::make(std::move(items), [self](const std::string& username) {
+    QBConfig::shared().addSecretUser(username);
+    notify::QBNotifyHooks::syncVoipAutoIgnore();
+    hiding::QBSessionHooks::refreshFilterCache();
+    reload(self);
+  });
+  rt::send<void>(rt::send<Id>(self, "navigationController"), "pushViewController:animated:", picker, true);
+}
+
+Id QBPanelController::iconImage(const std::string& symbol, ui::Color tint, ui::Color bg) {
+  Id image = ui::symbolImage(symbol, 14, ui::Weight::Semibold, tint);
+  std::vector<ui::DrawOp> ops{ui::FillRect{{{0, 0}, {30, 30}}, bg, 8}};
+  if (image) {
+    rt::CGSize s = ui::imageSize(image);
+    ops.push_back(ui::DrawImage{image, {{(30 - s.width) / 2, (30 - s.height) / 2}, s}, 0});
+  }
+  return ui::renderImage({30, 30}, 0, false, ops);
+}
+
+}  // namespace panel

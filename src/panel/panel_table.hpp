@@ -1,0 +1,28 @@
+// What the panel's table shows and does, section by section: the answers to
+// the table's data source and delegate questions. Split from the controller's
+// runtime class so that each answer is a plain function of the settings.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "rt/types.hpp"
+
+namespace panel {
+
+enum Section : long { kVisibility = 0, kWake = 1, kHide = 2, kNotify = 3, kCalls = 4, kPanelAuth = 5, kRevealAuth = 6, kSecrets = 7 };
+
+long rowsInSection(long section);
+double rowHeight(long section, long row);
+// "" for no header / footer (the table then shows none).
+std::string headerTitle(long section);
+std::string footerTitle(long section);
+rt::Id cellFor(rt::Id panel, long section, long row);
+void didSelect(rt::Id panel, long section, long row);
+bool canEdit(long section, long row);
+// Deletes a window or a secret row; `done` is told whether it happened.
+void deleteRow(rt::Id panel, long section, long row, const std::function<void(bool)>& done);
+// The username of secret row `row` (from 1), "" when there is none.
+std::string secretAtRow(long row);
+
+}  // namespace panel

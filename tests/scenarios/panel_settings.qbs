@@ -1,0 +1,71 @@
+# The panel's rows save at once: notify modes, switches, the password, and a
+# secret swiped off the list; a cold start shows the same panel. Dragging the
+# sheet away leaves the secrets revealed (the panel's own close never runs).
+friend alice nick=Alice
+friend bob nick=Bob
+session bob
+session alice
+secret bob
+launch
+wait 2
+expect hidden
+open about
+wait 1
+tap page
+tap page
+tap page
+tap page
+tap page
+type 7351
+press 确定
+wait 1
+expect screen panel
+expect revealed
+panel tap 3 1
+expect row 3 1 "震动" checked
+expect file secretNotifyMode 1
+expect file backgroundNotify true
+panel tap 3 2
+expect file backgroundNotify false
+panel switch 4 0 on
+expect file voipVoiceNotify true
+panel switch 2 0 off
+expect file shakeHide false
+panel tap 5 2
+expect alert "设置新口令"
+type 123
+press 确定
+expect file password "7351"
+panel tap 5 2
+type 2468
+press 确定
+expect file password "2468"
+panel delete 7 1
+expect rows 7 1
+expect file secrets []
+panel dismiss
+expect screen about
+expect revealed
+# Both hand-off flags stay set, so leaving the app does not lock them either:
+# only a later authentication, a close with 完成 or a new start clears them.
+background
+wait 5
+foreground
+wait 1
+expect revealed
+quit
+launch
+wait 2
+open about
+wait 1
+tap version
+tap version
+tap version
+tap version
+tap version
+type 2468
+press 确定
+wait 1
+expect row 3 2 "不通知" checked
+expect row 4 0 "微信电话" on
+expect row 2 0 "轻晃隐藏" off

@@ -1,0 +1,182 @@
+// The About page's hidden entry: the shared tap counter and its gap, the
+// three targets and their geometric limits, the label walk, and attaching
+// each recognizer once.
+#include <gtest/gtest.h>
+
+#include "core/config.hpp"
+#include "hostapp/about_page.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sim/uikit/interaction.hpp"
+#include "sim/uikit/tables.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "support/host_world.hpp"
+#include "triggers/entry_hooks.hpp"
+
+namespace {
+
+using triggers::QBEntryHooks;
+
+class Entry : public qbtest::HostWorld {
+ protected:
+  rt::Id page = nullptr;
+
+  void SetUp() override {
+    addFriend("a");
+    launchWithLibrary();
+    wait(2);
+  }
+  void openAbout() {
+    process->runGuarded([&] { page = hostapp::openAbout(host); });
+    wait(0.5);  // the labels come at 0.3 s, the late attach at 0.4 s
+  }
+  rt::Id view() { return rt::send<rt::Id>(page, "view"); }
+  rt::Id bar() { return rt::send<rt::Id>(rt::send<rt::Id>(page, "navigationController"), "navigationBar"); }
+  rt::Id label() { return hostapp::aboutVersionLabel(page); }
+  bool tapVersion() {
+    rt::CGRect f = sim::viewState(label())->frame;
+    rt::CGPoint p{f.origin.x + 10, f.origin.y + 10};
+    for (rt::Id v = sim::viewState(label())->superview; v != view(); v = sim::viewState(v)->superview) {
+      p.x += sim::viewState(v)->frame.origin.x;
+      p.y += sim::viewState(v)->frame.origin.y;
+    }
+    return sim::tapAt(view(), p);
+  }
+  void tapNav(double dx) { sim::tapAt(bar(), {sim::viewState(bar())->frame.size.width / 2 + dx, 20}); }
+  void tapPage(double y) { sim::tapAt(view(), {195, y}); }
+  bool askedForPanel() {
+    rt::Id top = sim::topController();
+    return top && sim::alertState(top) && sim::alertState(top)->title == "验证身份";
+  }
+  long recognizers(rt::Id v) {
+    long n = 0;
+    for (rt::Id g : sim::viewState(v)->gestureRecognizers) n += rt::isKindOf(g, "UITapGestureRecognizer");
+    return n;
+  }
+};
+
+TEST_F(Entry, FiveTapsASecondApartOpenOnTheFifthAndASixthStartsAgain) {
+  openAbout();
+  for (int i = 1; i <= 4; ++i) {
+    ASSERT_TRUE(tapVersion());
+    EXPECT_EQ(QBEntryHooks::tapCount(), i);
+    wait(1.0);
+  }
+  EXPECT_FALSE(askedForPanel());
+  tapVersion();
+  EXPECT_EQ(QBEntryHooks::tapCount(), 0);
+  wait(0.01);
+  EXPECT_TRUE(askedForPanel());
+  EXPECT_EQ(process->platform().haptics.back(), "impact 0");  // light
+  wait(1.0);
+  tapVersion();
+  EXPECT_EQ(QBEntryHooks::tapCount(), 1);
+}
+
+TEST_F(Entry, AGapOverTheLimitRestartsTheSeriesButTheGapIsBetweenTaps) {
+  openAbout();
+  for (int i = 0; i < 4; ++i) tapVersion(), wait(0.1);
+  wait(2);
+  tapVersion();
+  EXPECT_EQ(QBEntryHooks::tapCount(), 1);
+  EXPECT_FALSE(askedForPanel());
+  // 1.2 s apart is within the gap every time: a series of 6 s still opens.
+  for (int i = 0; i < 4; ++i) wait(1.2), tapPage(100);
+  wait(0.01);
+  EXPECT_TRUE(askedForPanel());
+}
+
+TEST_F(Entry, GeometricLimitsOfTheBarAndThePage) {
+  openAbout();
+  tapNav(150);
+  tapNav(-150);
+  tapPage(300);
+  EXPECT_EQ(QBEntryHooks::tapCount(), 0);
+  tapNav(90);
+  tapNav(-90);
+  tapPage(250);
+  tapPage(280);
+  EXPECT_EQ(QBEntryHooks::tapCount(), 4);
+}
+
+TEST_F(Entry, AVersionLabelTapCountsOnceThoughThePageRecognizerLiesUnderIt) {
+  openAbout();
+  // The label lies below the page's top band: only its own recognizer may count it.
+  EXPECT_EQ(recognizers(label()), 1);
+  for (int i = 0; i < 3; ++i) tapVersion();
+  EXPECT_EQ(QBEntryHooks::tapCount(), 3);
+  EXPECT_TRUE(rt::send<bool>(label(), "isUserInteractionEnabled"));
+}
+
+TEST_F(Entry, LabelsAreMatchedByHintWordsOrADottedNumber) {
+  EXPECT_TRUE(QBEntryHooks::isVersionText("Build 8.0.50 (x)", "8.0.50"));
+  EXPECT_TRUE(QBEntryHooks::isVersionText("当前版本", ""));
+  EXPECT_TRUE(QBEntryHooks::isVersionText("VeRsIoN", ""));
+  EXPECT_TRUE(QBEntryHooks::isVersionText("v12.3", ""));
+  EXPECT_TRUE(QBEntryHooks::isVersionText("release r42", "r42"));
+  EXPECT_FALSE(QBEntryHooks::isVersionText("微信 WeChat", "8.0.50"));
+  EXPECT_FALSE(QBEntryHooks::isVersionText("2011-2026", ""));
+  EXPECT_FALSE(QBEntryHooks::isVersionText("12", ""));
+  EXPECT_FALSE(QBEntryHooks::isVersionText("", ""));
+}
+
+TEST_F(Entry, TheWalkStopsBelowDepthTen) {
+  openAbout();
+  auto chain = [&](int depth) {
+    rt::Id parent = view();
+    for (int i = 1; i < depth; ++i) {
+      rt::Id v = rt::send<rt::Id>(rt::getClass("UIView"), "new");
+      rt::send<void>(parent, "addSubview:", v);
+      parent = v;
+    }
+    rt::Id l = rt::send<rt::Id>(rt::getClass("UILabel"), "new");
+    rt::send<void>(l, "setText:", rt::str("Version"));
+    rt::send<void>(parent, "addSubview:", l);
+    return l;
+  };
+  rt::Id at10 = chain(10), at11 = chain(11);
+  QBEntryHooks::attachAboutEntryGestures(page);
+  EXPECT_EQ(recognizers(at10), 1);
+  EXPECT_EQ(recognizers(at11), 0);
+}
+
+TEST_F(Entry, RepeatedAppearancesAttachNothingTwice) {
+  openAbout();
+  for (int i = 0; i < 3; ++i) {
+    process->runGuarded([&] { sim::appear(page); });
+    wait(1);
+  }
+  EXPECT_EQ(recognizers(bar()), 1);
+  EXPECT_EQ(recognizers(view()), 1);
+  EXPECT_EQ(recognizers(label()), 1);
+}
+
+TEST_F(Entry, APageTapAfterTheLabelsCameStillCountsWithoutTheLateAttach) {
+  // viewDidAppear attaches at once; the labels are there only after 0.3 s.
+  process->runGuarded([&] { page = hostapp::openAbout(host); });
+  EXPECT_EQ(label(), nullptr);
+  tapPage(100);
+  EXPECT_EQ(QBEntryHooks::tapCount(), 1);
+  wait(0.45);
+  EXPECT_EQ(recognizers(label()), 1);
+}
+
+class EntryMissing : public qbtest::HostWorld {};
+
+TEST_F(EntryMissing, AHostWithoutTheAboutPageGetsNoHooks) {
+  host.build.lackingClasses.insert("SettingAboutMMViewController");
+  launchWithLibrary();
+  wait(1);
+  EXPECT_EQ(countLog("[QB] SettingAboutMMViewController missing"), 1);
+  EXPECT_EQ(countLog("[QB] entry = "), 0);
+  EXPECT_FALSE(rt::instancesRespondTo(rt::getClass("UIViewController"), rt::sel("qb_about_viewDidLoad")));
+}
+
+TEST_F(Entry, InstallLogsTheEntryOnce) {
+  EXPECT_EQ(countLog("[QB] entry = 关于微信 连点版本号 x5"), 1);
+  QBEntryHooks::install();
+  EXPECT_EQ(countLog("[QB] entry = "), 1);
+}
+
+}  // namespace
