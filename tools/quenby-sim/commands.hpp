@@ -48,5 +48,6 @@ void addStateCommands(CommandTable& table);
 void addHostCommands(CommandTable& table);
 void addMainListCommands(CommandTable& table);
 void addTriggerCommands(CommandTable& table);
+void addNotifyCommands(CommandTable& table);
 
 }  // namespace qbsim

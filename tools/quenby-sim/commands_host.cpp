@@ -54,7 +54,7 @@ void addHostCommands(CommandTable& t) {
                    }
                  s.host().model.rooms.push_back({name, title});
                }};
-  t["host"] = {"host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR", [](Session& s, const Command& c) {
+  t["host"] = {"host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME", [](Session& s, const Command& c) {
                  if (c.words.size() >= 3 && c.words[1] == "lacks" && c.words.size() <= 4) {
                    requireNotRunning(s, "host lacks");
                    if (c.words.size() == 3) s.host().build.lackingClasses.insert(c.words[2]);
@@ -65,7 +65,13 @@ void addHostCommands(CommandTable& t) {
                    s.host().makeRaising(c.words[2], c.words[3]);
                    return;
                  }
-                 throw ScriptError{"usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR"};
+                 if (c.words.size() == 3 && c.words[1] == "variant") {
+                   requireNotRunning(s, "host variant");
+                   if (!hostapp::knownVariant(c.words[2])) throw ScriptError{"host variant: unknown '" + c.words[2] + "'"};
+                   s.host().build.variants.insert(c.words[2]);
+                   return;
+                 }
+                 throw ScriptError{"usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME"};
                }};
 }
 

@@ -15,6 +15,8 @@ namespace hostapp {
 void defineContextClasses(HostApp& app);
 void defineContactClasses(HostApp& app);
 void defineMainListClasses(HostApp& app);
+void defineNotificationClasses(HostApp& app);
+void defineCallClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
   for (Friend& f : friends)
@@ -54,6 +56,8 @@ void HostApp::defineClasses() {
   defineContextClasses(*this);
   defineContactClasses(*this);
   defineMainListClasses(*this);
+  defineNotificationClasses(*this);
+  defineCallClasses(*this);
   for (const auto& [cls, sel] : build.raisingMethods) makeRaising(cls, sel);
 }
 
@@ -117,5 +121,16 @@ HostClass::HostClass(HostApp& app, std::string name, std::string super) : app_(a
 void HostClass::note(const std::string& sel, rt::IMP imp) { app_.noteMethod(name_, sel, imp); }
 
 rt::Class HostClass::build() { return builder_ ? builder_->build() : nullptr; }
+
+}  // namespace hostapp
+
+namespace hostapp {
+
+bool knownVariant(const std::string& name) {
+  static const std::set<std::string> names = {"push-3arg",          "ilink-calls",
+                                              "message-keys-alt",   "callkit-end-reportended",
+                                              "callkit-end-atdate", "callkit-end-none"};
+  return names.count(name) != 0;
+}
 
 }  // namespace hostapp

@@ -50,9 +50,16 @@ struct HostBuild {
   std::set<std::pair<std::string, std::string>> lackingMethods;  // (class, selector); "+sel" for class methods
   std::set<std::pair<std::string, std::string>> raisingMethods;
 
+  // Named differences of this build ("push-3arg", …); see knownVariant.
+  std::set<std::string> variants;
+
   bool lacksClass(const std::string& cls) const { return lackingClasses.count(cls) != 0; }
   bool lacksMethod(const std::string& cls, const std::string& sel) const;
+  bool has(const std::string& variant) const { return variants.count(variant) != 0; }
 };
+
+// Whether a host build variant of that name exists.
+bool knownVariant(const std::string& name);
 
 // The host's own way to its services: straight to the registry, not through
 // getService:, so a fault injected there hits only the library's calls.
@@ -91,6 +98,16 @@ class HostApp {
   void popToRoot();
   // Shows one of the tabs (0 chats, 1 contacts) as UIKit does.
   void selectTab(long index);
+
+  // An incoming message (its chat already moved to the top) through the
+  // host's notification paths: in-app while active, a local notification in
+  // the background. `callType` marks the host's missed-call message.
+  void deliverMessage(const std::string& from, const std::string& text, bool missedCall = false, bool video = false);
+  // An incoming call through the host's call and CallKit paths; unanswered,
+  // it ends after 30 s and leaves a missed-call message.
+  void deliverCall(const std::string& from, bool video);
+  // The chat whose screen is on top, or "".
+  std::string openChatUsername() const;
 
   // The host app of the current process.
   static HostApp& current();
