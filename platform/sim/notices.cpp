@@ -34,9 +34,7 @@ void Notices::vibrate() {
 
 void Notices::ring() {
   std::lock_guard lock(mutex_);
-  Announcement& a = open();
-  a.ringing = true;
-  a.sound = true;  // the ringtone
+  open().ringing = true;
 }
 
 bool Notices::endCall(const std::string& from) {
