@@ -2,6 +2,7 @@
 // local-notification chain in the background, by notify mode and state.
 #include <gtest/gtest.h>
 
+#include "hostapp/host_app.hpp"
 #include "notify/notify_hooks.hpp"
 #include "notify_world.hpp"
 #include "rt/foundation.hpp"
@@ -184,6 +185,20 @@ TEST_F(Gating, MissedCallMessageFollowsTheSwitchesWhileRevealed) {
   setSwitches(false, true);
   process->runGuarded([&] { host.deliverMessage("bob", "[未接视频通话]", true, true); });
   EXPECT_EQ(device.notices().latest("bob")->banner, "in-app");
+}
+
+TEST_F(Gating, BannerItemIsJudgedByTheMessageItWraps) {
+  launch();
+  setMode(0);
+  auto show = [&](const char* from) {
+    rt::Id m = rt::dictionary({{rt::str("m_nsFromUsr"), rt::str(from)}});
+    rt::Id item = rt::dictionary({{rt::str("msgWrap"), m}});
+    device.notices().begin(from, "message", "", 0);
+    rt::send<void>(hostapp::hostService("QuickReplyMsgViewController"), "showQuickReplyItem:dismissTimeout:", item, 3.0);
+    return device.notices().latest(from)->banner;
+  };
+  EXPECT_EQ(show("bob"), "");
+  EXPECT_EQ(show("alice"), "in-app");
 }
 
 TEST_F(Gating, InstallsOnceAndSyncOnlyLogs) {

@@ -67,9 +67,12 @@ void onNewMsgArriving(Id self, SEL, Id m, long) {
   if (rt::isKindOf(top, "BaseMsgContentViewController") &&
       (!responds(top, "shouldShowQuickReplyPush:") || !rt::send<bool>(top, "shouldShowQuickReplyPush:", m)))
     return;
+  // The banner shows an item that wraps the message.
+  Id item = rt::send<Id>(rt::getClass("QuickReplyItem"), "new");
+  rt::setIvarObject(item, rt::getInstanceVariable(rt::classOf(item), "msgWrap"), m);
   Id banner = hostService("QuickReplyMsgViewController");
   if (responds(banner, "showQuickReplyItem:dismissTimeout:"))
-    rt::send<void>(banner, "showQuickReplyItem:dismissTimeout:", m, kQuickReplyTimeout_s);
+    rt::send<void>(banner, "showQuickReplyItem:dismissTimeout:", item, kQuickReplyTimeout_s);
 }
 bool shouldShowQuickReplyPush(Id, SEL, Id) { return true; }
 void showQuickReplyItem(Id, SEL, Id item, double) {
@@ -172,6 +175,7 @@ void defineNotificationClasses(HostApp& app) {
       .method("canShowPushForContact:msgWrap:", canShowPushForContact)
       .method("canShowPushAtViewController:sessionUserName:", canShowPushAtViewController)
       .build();
+  HostClass(app, "QuickReplyItem").ivar("msgWrap", "@").build();
   HostClass(app, "QuickReplyMsgViewController", "UIViewController")
       .method("showQuickReplyItem:dismissTimeout:", showQuickReplyItem)
       .build();
