@@ -79,7 +79,8 @@ void handleInviteMonoMsg(Id self, SEL cmd, Id m) {
       suppressInvitesFrom(caller);
     }
     original(m);
-    if (inviteSuppressedFor(inviteCaller(m))) hideInvitationViews();
+    InviteSuppression r = currentInviteSuppression();
+    if (!r.username.empty() && sys::absoluteTime() < r.expiry) hideInvitationViews();
   }, self, cmd, m);
 }
 

@@ -47,6 +47,14 @@ TEST_P(MissingSelector, TheRestStillGates) {
 
 INSTANTIATE_TEST_SUITE_P(EachHookedSelector, MissingSelector, ::testing::ValuesIn(kHooked));
 
+TEST_F(MissingSelector, NoMessageClassAnnouncesNothingAndBreaksNothing) {
+  host.build.lackingClasses.insert("CMessageWrap");
+  launch();
+  EXPECT_EQ(message("alice").banner, "");
+  EXPECT_TRUE(call("alice", false).ringing);
+  wait(31);
+}
+
 class RaisingHost : public qbtest::NotifyWorld {};
 
 TEST_F(RaisingHost, VibrationHelperRaisingLetsTheHostAnnounce) {

@@ -37,12 +37,12 @@ class InviteGuard : public qbtest::NotifyWorld {
         .ivar("fromUserName", "@")
         .method("loadBreadthView", loadView)
         .build();
-    rt::Class host = rt::getClass("VoipInviteHost");
-    ASSERT_TRUE(notify::installInviteHook(InviteHook::ProcessInviteMsg, host, "processInviteMsg:"));
-    ASSERT_TRUE(notify::installInviteHook(InviteHook::HandleInviteMonoMsg, host, "handleInviteMonoMsg:"));
+    rt::Class inviteHost = rt::getClass("VoipInviteHost");
+    ASSERT_TRUE(notify::installInviteHook(InviteHook::ProcessInviteMsg, inviteHost, "processInviteMsg:"));
+    ASSERT_TRUE(notify::installInviteHook(InviteHook::HandleInviteMonoMsg, inviteHost, "handleInviteMonoMsg:"));
     ASSERT_TRUE(notify::installInviteHook(InviteHook::LoadBreadthView, rt::getClass("VoIPInvitationBreadthView"),
                                           "loadBreadthView"));
-    EXPECT_FALSE(notify::installInviteHook(InviteHook::VcUpdate, host, "vc_updateWithInvitationInfo:"));
+    EXPECT_FALSE(notify::installInviteHook(InviteHook::VcUpdate, inviteHost, "vc_updateWithInvitationInfo:"));
   }
   static Id invite(const char* from, bool video) {
     return rt::dictionary({{rt::str("fromUserName"), rt::str(from)}, {rt::str("isVideo"), rt::boolNumber(video)}});

@@ -95,7 +95,7 @@ class NotifyRandomRun : public qbtest::NotifyWorld {
 
 TEST_F(NotifyRandomRun, SeededRandomRuns) {
   std::vector<std::uint64_t> seeds;
-  if (const char* s = std::getenv("QB_SEED")) seeds.push_back(std::strtoull(s, nullptr, 10));
+  if (const char* fixed = std::getenv("QB_SEED")) seeds.push_back(std::strtoull(fixed, nullptr, 10));
   else
     for (std::uint64_t s = 1; s <= 20; ++s) seeds.push_back(s);
   for (std::uint64_t seed : seeds) {

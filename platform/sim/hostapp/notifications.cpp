@@ -115,7 +115,7 @@ void showPushShort(Id, SEL, Id m, Id, bool) { showLocal(m, rt::str("push"), fals
 
 void onShowPush(Id self, SEL, Id m, bool) {
   const char* infoSel = "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
-  if (!responds(self, infoSel) || !rt::send<Id>(self, infoSel, m, 7L, false)) return;
+  if (!m || !responds(self, infoSel) || !rt::send<Id>(self, infoSel, m, 7L, false)) return;
   Id identifier = rt::str("msg-" + std::to_string(m->serial));
   if (responds(self, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:"))
     rt::send<void>(self, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", m, identifier,
@@ -148,6 +148,7 @@ void playVibration(Id, SEL) { notices().vibrate(); }
 Id makeHostMessage(const std::string& from, const std::string& text, bool call, bool video) {
   HostApp& a = app();
   Id m = rt::send<Id>(rt::getClass("CMessageWrap"), "new");
+  if (!m) return nullptr;  // a build without the class announces nothing
   HostMessage msg{from, a.model.me, text, call ? kVoipType : kTextType, video};
   bool alt = a.build.has("message-keys-alt");
   setIvar(m, alt ? "fromUserName" : "m_nsFromUsr", rt::str(from));
