@@ -136,7 +136,8 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title, co
   std::string lower = rt::lowercase(joined);
   bool call = contains(lower, "voip") || contains(lower, "call") || isCallMessage(userInfo);
   for (const char* word : kNotificationCallWords) call = call || contains(joined, word);
-  if (call) return callKindBlocks(user, isVideoCall(userInfo) || contains(joined, "视频"));
+  if (call && callKindBlocks(user, isVideoCall(userInfo) || contains(joined, "视频"))) return true;
+  // A call the switches allow is still a secret's notification.
   QBConfig& c = QBConfig::shared();
   return c.shouldHideSecrets() && c.secretNotifyMode() == 0;
 }

@@ -103,6 +103,11 @@ TEST_F(Probes, CallDetection) {
   EXPECT_FALSE(notify::callDetectionBlocks("bob", "Bob", "hello", none, ""));
   setMode(0);
   EXPECT_TRUE(notify::callDetectionBlocks("bob", "Bob", "hello", none, ""));
+  // A call the switches allow still goes while hidden in mode 0, but not revealed.
+  EXPECT_TRUE(notify::callDetectionBlocks("bob", "Bob", "邀请你语音通话", none, ""));
+  config().setUnlocked(true);
+  EXPECT_FALSE(notify::callDetectionBlocks("bob", "Bob", "邀请你语音通话", none, ""));
+  EXPECT_TRUE(notify::callDetectionBlocks("bob", "Bob", "邀请你视频通话", none, ""));
 }
 
 }  // namespace
