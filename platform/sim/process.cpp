@@ -1,7 +1,7 @@
 #include "sim/process.hpp"
 
-#include <cstdio>
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 
 #include "rt/exception.hpp"

@@ -24,18 +24,20 @@ Notices& notices() { return currentProcess().device().notices(); }
 Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
 void setIvar(Id obj, const char* name, Id v) { rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), v); }
 
-// --- UNNotificationContent / UNMutableNotificationContent
-#define QB_CONTENT_PROPERTY(getter, setter, name)              \
-  Id getter(Id self, SEL) { return ivar(self, name); }         \
-  void setter(Id self, SEL, Id v) { setIvar(self, name, v); }
-QB_CONTENT_PROPERTY(title, setTitle, "_title")
-QB_CONTENT_PROPERTY(body, setBody, "_body")
-QB_CONTENT_PROPERTY(sound, setSound, "_sound")
-QB_CONTENT_PROPERTY(userInfo, setUserInfo, "_userInfo")
-QB_CONTENT_PROPERTY(threadIdentifier, setThreadIdentifier, "_threadIdentifier")
-#undef QB_CONTENT_PROPERTY
+// --- UNNotificationContent / UNMutableNotificationContent: properties kept
+// in instance variables of these names.
+constexpr char kTitle[] = "_title", kBody[] = "_body", kSound[] = "_sound", kUserInfo[] = "_userInfo",
+               kThread[] = "_threadIdentifier";
+template <const char* Name>
+Id property(Id self, SEL) {
+  return ivar(self, Name);
+}
+template <const char* Name>
+void setProperty(Id self, SEL, Id v) {
+  setIvar(self, Name, v);
+}
 
-constexpr const char* kContentFields[] = {"_title", "_body", "_sound", "_userInfo", "_threadIdentifier"};
+constexpr const char* kContentFields[] = {kTitle, kBody, kSound, kUserInfo, kThread};
 
 Id contentMutableCopy(Id self, SEL) {
   Id copy = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
@@ -88,20 +90,20 @@ Id makeCompletionBlock(std::function<void(Id)> body) {
 void registerUserNotifications(Runtime&) {
   ClassBuilder("NSBlock").build();
   ClassBuilder("UNNotificationContent")
-      .ivar("_title", "@").ivar("_body", "@").ivar("_sound", "@").ivar("_userInfo", "@").ivar("_threadIdentifier", "@")
-      .method("title", title)
-      .method("body", body)
-      .method("sound", sound)
-      .method("userInfo", userInfo)
-      .method("threadIdentifier", threadIdentifier)
+      .ivar(kTitle, "@").ivar(kBody, "@").ivar(kSound, "@").ivar(kUserInfo, "@").ivar(kThread, "@")
+      .method("title", property<kTitle>)
+      .method("body", property<kBody>)
+      .method("sound", property<kSound>)
+      .method("userInfo", property<kUserInfo>)
+      .method("threadIdentifier", property<kThread>)
       .method("mutableCopy", contentMutableCopy)
       .build();
   ClassBuilder("UNMutableNotificationContent", "UNNotificationContent")
-      .method("setTitle:", setTitle)
-      .method("setBody:", setBody)
-      .method("setSound:", setSound)
-      .method("setUserInfo:", setUserInfo)
-      .method("setThreadIdentifier:", setThreadIdentifier)
+      .method("setTitle:", setProperty<kTitle>)
+      .method("setBody:", setProperty<kBody>)
+      .method("setSound:", setProperty<kSound>)
+      .method("setUserInfo:", setProperty<kUserInfo>)
+      .method("setThreadIdentifier:", setProperty<kThread>)
       .build();
   ClassBuilder("UNNotificationSound").classMethod("defaultSound", defaultSound).build();
   ClassBuilder("UNNotificationRequest")

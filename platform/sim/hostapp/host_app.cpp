@@ -122,10 +122,6 @@ void HostClass::note(const std::string& sel, rt::IMP imp) { app_.noteMethod(name
 
 rt::Class HostClass::build() { return builder_ ? builder_->build() : nullptr; }
 
-}  // namespace hostapp
-
-namespace hostapp {
-
 bool knownVariant(const std::string& name) {
   static const std::set<std::string> names = {"push-3arg",          "ilink-calls",
                                               "message-keys-alt",   "callkit-end-reportended",

@@ -101,7 +101,8 @@ class HostApp {
 
   // An incoming message (its chat already moved to the top) through the
   // host's notification paths: in-app while active, a local notification in
-  // the background. `callType` marks the host's missed-call message.
+  // the background. `missedCall` makes it the host's missed-call message (a
+  // call-message type; `video` says of which call).
   void deliverMessage(const std::string& from, const std::string& text, bool missedCall = false, bool video = false);
   // An incoming call through the host's call and CallKit paths; unanswered,
   // it ends after 30 s and leaves a missed-call message.
