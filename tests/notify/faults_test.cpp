@@ -89,7 +89,7 @@ TEST_F(RaisingHost, ContactLookupsRaisingStillGateBySender) {
 TEST_F(RaisingHost, HostsOwnMethodRaisingIsTheHostsException) {
   host.makeRaising("QuickReplyMsgViewController", "showQuickReplyItem:dismissTimeout:");
   launch();
-  message("alice");
+  process->runGuarded([&] { host.deliverMessage("alice", "hi"); });
   EXPECT_TRUE(process->crashed()) << "the library must not swallow the host's own exception";
   process.reset();
 }

@@ -111,4 +111,17 @@ TEST_F(InviteGuard, InvitationViewsAreHiddenInEveryWindow) {
   EXPECT_FALSE(sim::viewState(container)->hidden);
 }
 
+TEST_F(InviteGuard, HandlingABlockedInviteHidesTheViewsTheHostShows) {
+  launch();
+  defineInviteHost();
+  Id view = rt::send<Id>(rt::getClass("VoIPInvitationBreadthView"), "new");
+  rt::send<void>(sim::addWindow(nullptr, false), "addSubview:", view);
+  rt::send<void>(rt::getClass("VoipInviteHost"), "handleInviteMonoMsg:", invite("alice", false));
+  wait(0.1);
+  EXPECT_FALSE(sim::viewState(view)->hidden) << "nothing is suppressed for a non-secret";
+  rt::send<void>(rt::getClass("VoipInviteHost"), "handleInviteMonoMsg:", invite("bob", false));
+  wait(0);
+  EXPECT_TRUE(sim::viewState(view)->hidden);
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 // own paths and read back what the device recorded for the user.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "core/config.hpp"
@@ -27,14 +28,20 @@ class NotifyWorld : public HostWorld {
   sim::Announcement message(const std::string& from, const std::string& text = "hi") {
     process->runGuarded([&] { host.deliverMessage(from, text); });
     process->runDue();
-    return *device.notices().latest(from);
+    return recorded(device.notices().latest(from));
   }
   sim::Announcement call(const std::string& from, bool video) {
     process->runGuarded([&] { host.deliverCall(from, video); });
     process->runDue();
-    return *device.notices().latestCall(from);
+    return recorded(device.notices().latestCall(from));
   }
-  sim::Announcement latestCall(const std::string& from) { return *device.notices().latestCall(from); }
+  sim::Announcement latestCall(const std::string& from) { return recorded(device.notices().latestCall(from)); }
+  // A crashed app records nothing more; say so rather than read a record that is not there.
+  sim::Announcement recorded(std::optional<sim::Announcement> a) {
+    EXPECT_FALSE(process->crashed()) << process->crashReason();
+    EXPECT_TRUE(a.has_value()) << "nothing was recorded";
+    return a.value_or(sim::Announcement{});
+  }
   void setMode(long mode) { config().setSecretNotifyMode(mode); }
   void setSwitches(bool voice, bool video) {
     config().setVoipVoiceNotifyEnabled(voice);
