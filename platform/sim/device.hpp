@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "sim/notices.hpp"
+
 namespace sim {
 
 struct LogLine {
@@ -70,6 +72,9 @@ class Device {
   std::uint64_t seed() const { return options_.seed; }
   Faults& faults() { return faults_; }
 
+  // --- What the user saw, heard and felt of each message and call.
+  Notices& notices() { return notices_; }
+
   // --- Hardware.
   Biometrics biometrics = Biometrics::FaceID;
   MotionSensors motion = MotionSensors::Full;
@@ -87,6 +92,7 @@ class Device {
   std::function<void(const LogLine&)> logListener_;
   std::mt19937_64 random_;
   Faults faults_;
+  Notices notices_;
 };
 
 }  // namespace sim

@@ -1,18 +1,22 @@
 #include "sim/process.hpp"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 
 #include "rt/exception.hpp"
 #include "sim/foundation.hpp"
 #include "sim/uikit/uikit.hpp"
+#include "sim/user_notifications.hpp"
 #include "sys/notifications.hpp"
 
 namespace sim {
 namespace {
 
 // The one process the facades act on, as a real library has exactly one.
-Process* gCurrent = nullptr;
+// Atomic because the host calls some hooks from its other threads, which read
+// it while the main thread owns the process.
+std::atomic<Process*> gCurrent{nullptr};
 
 }  // namespace
 
@@ -27,14 +31,15 @@ const char* appStateName(AppState s) {
 }
 
 Process& currentProcess() {
-  if (!gCurrent) {
+  Process* current = gCurrent.load(std::memory_order_acquire);
+  if (!current) {
     std::fprintf(stderr, "quenby: the runtime was used with no simulated process running\n");
     std::abort();
   }
-  return *gCurrent;
+  return *current;
 }
 
-bool hasCurrentProcess() { return gCurrent != nullptr; }
+bool hasCurrentProcess() { return gCurrent.load(std::memory_order_acquire) != nullptr; }
 
 Runtime& runtime() { return currentProcess().runtime(); }
 
@@ -44,6 +49,7 @@ Process::Process(Device& device)
   gCurrent = this;
   registerFoundation(*runtime_);
   registerUIKit(*runtime_);
+  registerUserNotifications(*runtime_);
 }
 
 Process::~Process() {

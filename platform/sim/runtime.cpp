@@ -89,6 +89,7 @@ bool Runtime::addMethod(rt::Class cls, rt::SEL sel, rt::IMP imp, const char* typ
 
 rt::Method Runtime::lookup(rt::Class cls, rt::SEL sel) {
   if (!cls || !sel) return nullptr;
+  std::lock_guard lock(lookupMutex_);
   if (cls->cacheEpoch != epoch_) {
     cls->cache.clear();
     cls->cacheEpoch = epoch_;

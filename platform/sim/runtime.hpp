@@ -3,6 +3,7 @@
 // that make ABI slips and injected host faults visible.
 #pragma once
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <map>
@@ -79,7 +80,10 @@ class Runtime {
   std::unordered_map<std::string, rt::Class> byName_;
   std::deque<rt::MethodData> methods_;
   std::deque<rt::IvarData> ivars_;
-  std::uint64_t epoch_ = 1;
+  std::atomic<std::uint64_t> epoch_{1};
+  // Lookups fill the per-class caches, and the host sends some messages from
+  // its other threads: one lock around filling and reading them.
+  std::mutex lookupMutex_;
 
   std::unordered_map<rt::IMP, std::vector<std::string>> impTypes_;
   std::unordered_map<rt::IMP, std::string> raising_;

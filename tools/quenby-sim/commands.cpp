@@ -14,6 +14,7 @@ const CommandTable& commandTable() {
     addHostCommands(t);
     addMainListCommands(t);
     addTriggerCommands(t);
+    addNotifyCommands(t);
     addPanelCommands(t);
     addSurfaceCommands(t);
     return t;

@@ -51,5 +51,6 @@ void addTriggerCommands(CommandTable& table);
 // Wraps `open`, `expect screen` and `host`: add after the commands it extends.
 void addSurfaceCommands(CommandTable& table);
 void addPanelCommands(CommandTable& table);
+void addNotifyCommands(CommandTable& table);
 
 }  // namespace qbsim

@@ -28,6 +28,9 @@ void addMainListCommands(CommandTable& t) {
   t["message"] = {"message FROM [TEXT]", [](Session& s, const Command& c) {
                     requireWords(c, 2, 3, "message FROM [TEXT]");
                     moveToTop(s, c.words[1]);
+                    // Then the host announces it, the way its state allows.
+                    std::string text = c.words.size() == 3 ? c.words[2] : "[消息]";
+                    if (sim::Process* p = s.process()) p->runGuarded([&] { s.host().deliverMessage(c.words[1], text); });
                   }};
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
                  requireWords(c, 2, 3, "open main|contacts|chat USER");

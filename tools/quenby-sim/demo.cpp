@@ -52,6 +52,14 @@ const std::vector<Step>& demoSteps() {
         "expect moments carol", "open main"}},
       {"Messages from secrets should only vibrate while hidden; the change is saved at once.",
        {"setting secretNotifyMode 1", "expect file secretNotifyMode 1", "expect file backgroundNotify true"}},
+      {"Bob writes while the app is open: his banner shows and the phone vibrates, but nothing sounds. "
+       "Carol's message rings as anyone's does.",
+       {"message bob \"dinner?\"", "expect banner bob", "expect no-sound bob", "expect vibration bob",
+        "message carol \"hi!\"", "expect sound carol"}},
+      {"In the background Bob calls by video. The call is reported to CallKit, as a push must be, and ended at once "
+       "and again a moment later: the phone never rings. Half a minute later his missed call leaves no trace either.",
+       {"background", "call video bob", "expect no-ringing bob", "expect log \"[QB] block PK CallKit UI from bob\"",
+        "wait 31", "expect no-banner bob", "foreground", "show notices"}},
       {"A schedule for later: show the secrets from 08:00 to 13:00, hide them across the night.",
        {"setting dailyWindows 08:00-13:00 show 22:00-06:00 hide",
         "expect file dailyWindows [{start = 480; end = 780; mode = 0}, {start = 1320; end = 360; mode = 1}]"}},

@@ -18,6 +18,8 @@ void defineContactClasses(HostApp& app);
 void defineMainListClasses(HostApp& app);
 void defineSurfaceClasses(HostApp& app);
 void defineAboutClasses(HostApp& app);
+void defineNotificationClasses(HostApp& app);
+void defineCallClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
   for (Friend& f : friends)
@@ -38,8 +40,12 @@ const std::set<std::string>& knownHostVariants() {
   // session-key-first: sessions carry the username under m_nsUsrName.
   // fts-immutable: contact search's full-text source answers an immutable
   //   dictionary.
-  static const std::set<std::string> names = {"store-ignores-canshow", "list-through-logic", "session-key-first",
-                                              "fts-immutable"};
+  // push-3arg, ilink-calls, message-keys-alt, callkit-end-*: the message and
+  //   call paths' alternatives (see notifications.cpp and calls.cpp).
+  static const std::set<std::string> names = {
+      "store-ignores-canshow", "list-through-logic", "session-key-first", "fts-immutable",
+      "push-3arg",             "ilink-calls",        "message-keys-alt",  "callkit-end-reportended",
+      "callkit-end-atdate",    "callkit-end-none"};
   return names;
 }
 
@@ -72,6 +78,8 @@ void HostApp::defineClasses() {
   defineMainListClasses(*this);
   defineSurfaceClasses(*this);
   defineAboutClasses(*this);
+  defineNotificationClasses(*this);
+  defineCallClasses(*this);
   for (const auto& [cls, sel] : build.raisingMethods) makeRaising(cls, sel);
 }
 
@@ -148,5 +156,6 @@ HostClass::HostClass(HostApp& app, std::string name, std::string super) : app_(a
 void HostClass::note(const std::string& sel, rt::IMP imp) { app_.noteMethod(name_, sel, imp); }
 
 rt::Class HostClass::build() { return builder_ ? builder_->build() : nullptr; }
+
 
 }  // namespace hostapp

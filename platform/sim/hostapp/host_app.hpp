@@ -124,6 +124,17 @@ class HostApp {
   // Shows one of the tabs (0 chats, 1 contacts) as UIKit does.
   void selectTab(long index);
 
+  // An incoming message (its chat already moved to the top) through the
+  // host's notification paths: in-app while active, a local notification in
+  // the background. `missedCall` makes it the host's missed-call message (a
+  // call-message type; `video` says of which call).
+  void deliverMessage(const std::string& from, const std::string& text, bool missedCall = false, bool video = false);
+  // An incoming call through the host's call and CallKit paths; unanswered,
+  // it ends after 30 s and leaves a missed-call message.
+  void deliverCall(const std::string& from, bool video);
+  // The chat whose screen is on top, or "".
+  std::string openChatUsername() const;
+
   // The host app of the current process.
   static HostApp& current();
 

@@ -1,0 +1,134 @@
+// The four hooks on the host's call paths: its in-app call banner (two
+// forms) and its two CallKit reports. A blocked secret call is still
+// reported to CallKit first, since a VoIP push must end in a report; only in
+// the background is the call then ended again, through whichever end
+// selector this host's VoipCXMgr has.
+#include <string>
+
+#include "core/config.hpp"
+#include "host/runtime_toolkit.hpp"
+#include "notify/notify_state.hpp"
+#include "notify/predicates.hpp"
+#include "notify/probes.hpp"
+#include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
+#include "sys/log.hpp"
+#include "sys/queue.hpp"
+
+namespace notify {
+namespace {
+
+using rt::SEL;
+
+NotifyState& st() { return notifyState(); }
+
+constexpr double kSecondEnd_s = 0.15;
+
+// The in-app call banner: a call leftover, or a secret voice caller while the
+// voice switch is off, shows nothing.
+bool monoBannerBlocked(Id m) {
+  if (callLeftover(m)) return true;
+  std::string from = firstString(m, {"fromUserName"});
+  if (from.empty()) from = firstString(m, {"m_nsFromUsr"});
+  return isSecret(from) && !core::QBConfig::shared().voipVoiceNotifyEnabled();
+}
+
+void monoShowLocal(Id self, SEL cmd, Id m, bool repeatVibration, bool silently) {
+  st().monoShowLocal.run(nullptr, [&](auto& original) {
+    if (!monoBannerBlocked(m)) original(m, repeatVibration, silently);
+  }, self, cmd, m, repeatVibration, silently);
+}
+
+void monoShowLocalIlink(Id self, SEL cmd, Id m, bool repeatVibration, bool callkitAvailable) {
+  st().monoShowLocalIlink.run(nullptr, [&](auto& original) {
+    if (!monoBannerBlocked(m)) original(m, repeatVibration, callkitAvailable);
+  }, self, cmd, m, repeatVibration, callkitAvailable);
+}
+
+// The call type argument: an NSNumber 1 or 2 is video; a string never is.
+bool videoFlag(Id type) {
+  if (!type || rt::isString(type) || !rt::answersIntegerValue(type)) return false;
+  return static_cast<unsigned long>(rt::integerValue(type) - 1) < 2;
+}
+
+bool applicationActive() {
+  rt::Class app = rt::getClass("UIApplication");
+  Id shared = app ? rt::send<Id>(app, "sharedApplication") : nullptr;
+  return rt::send<long>(shared, "applicationState") == 0;
+}
+
+void endStep(Id mgr) {
+  host::guarded("[QB] end CallKit ex: %@", [mgr] {
+    if (rt::respondsTo(mgr, rt::sel("requestEndCallTrans"))) {
+      rt::send<void>(mgr, "requestEndCallTrans");
+      sys::log("[QB] CallKit requestEndCallTrans");
+    } else if (rt::respondsTo(mgr, rt::sel("reportCallEnded:"))) {
+      rt::send<void>(mgr, "reportCallEnded:", 0L);
+      sys::log("[QB] CallKit reportCallEnded");
+    } else if (rt::respondsTo(mgr, rt::sel("reportCallEndedAtDate:reason:roomID:"))) {
+      rt::send<void>(mgr, "reportCallEndedAtDate:reason:roomID:", rt::now(), 2L, 0L);
+      sys::log("[QB] CallKit reportCallEndedAtDate");
+    }
+  });
+}
+
+// Ends the call at once and once more a moment later, when CallKit may have
+// re-shown it.
+void endCallKitCall(Id mgr) {
+  if (!mgr) return;
+  if (sys::isMainThread()) endStep(mgr);
+  else sys::async([mgr] { endStep(mgr); });
+  sys::after(kSecondEnd_s, [mgr] { endStep(mgr); });
+}
+
+Id callKitManager() {
+  rt::Class cls = rt::getClass("VoipCXMgr");
+  if (cls && rt::respondsTo(rt::toId(cls), rt::sel("sharedInstance"))) return rt::send<Id>(cls, "sharedInstance");
+  return host::QBRuntime::serviceNamed("VoipCXMgr");
+}
+
+std::string callerOf(Id user) { return rt::isString(user) ? rt::asString(user).value_or("") : ""; }
+
+void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, Id displayName, Id completion) {
+  st().reportIncomingCall.run(nullptr, [&](auto& original) {
+    std::string caller = callerOf(user);
+    bool video = videoFlag(type);
+    if (!callKindBlocks(caller, video)) {
+      original(user, type, m, pushKit, displayName, completion);
+      return;
+    }
+    sys::log("[QB] block CallKit UI from %@ video=%d", caller, int(video));
+    original(user, type, m, pushKit, displayName, completion);
+    if (!applicationActive()) endCallKitCall(self);
+  }, self, cmd, user, type, m, pushKit, displayName, completion);
+}
+
+void reportPushKitCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, bool multitalk) {
+  st().reportPushKitCall.run(nullptr, [&](auto& original) {
+    std::string caller = callerOf(user);
+    if (!callKindBlocks(caller, videoFlag(type))) {
+      original(user, type, m, pushKit, multitalk);
+      return;
+    }
+    sys::log("[QB] block PK CallKit UI from %@", caller);
+    original(user, type, m, pushKit, multitalk);
+    if (!applicationActive()) endCallKitCall(callKitManager());
+  }, self, cmd, user, type, m, pushKit, multitalk);
+}
+
+}  // namespace
+
+void installCallHooks() {
+  NotifyState& s = st();
+  exchangeRow(s.monoShowLocal, "MonoServiceMsgMgr", "showLocalNotificationWithMsg:repeatVibration:silently:",
+           monoShowLocal);
+  exchangeRow(s.monoShowLocalIlink, "MonoServiceMsgMgr",
+           "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:", monoShowLocalIlink);
+  exchangeRow(s.reportIncomingCall, "VoipCXMgr",
+           "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:", reportIncomingCall);
+  exchangeRow(s.reportPushKitCall, "VoIPPushKitNotifyService",
+           "reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:", reportPushKitCall);
+}
+
+}  // namespace notify
