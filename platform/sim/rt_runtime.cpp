@@ -1,5 +1,5 @@
 // The runtime facade on the simulated runtime: class and selector lookup,
-// method records, instance variables, class definition, associated objects.
+// method records, instance variables, class definition.
 #include <algorithm>
 #include <memory>
 #include <mutex>
@@ -112,25 +112,5 @@ bool addIvar(Class cls, std::string_view name, const char* types) {
 }
 void registerClassPair(Class cls) { sim::runtime().registerClass(cls); }
 Id createInstance(Class cls) { return cls ? sim::runtime().allocate(cls) : nullptr; }
-
-void setAssociatedObject(Id obj, const void* key, Id value, Association) {
-  if (!obj) return;
-  auto& list = obj->associated;
-  auto it = std::find_if(list.begin(), list.end(), [&](const auto& e) { return e.first == key; });
-  if (!value) {
-    if (it != list.end()) list.erase(it);
-  } else if (it != list.end()) {
-    it->second = value;
-  } else {
-    list.emplace_back(key, value);
-  }
-}
-
-Id getAssociatedObject(Id obj, const void* key) {
-  if (!obj) return nullptr;
-  for (const auto& [k, v] : obj->associated)
-    if (k == key) return v;
-  return nullptr;
-}
 
 }  // namespace rt

@@ -1,22 +1,28 @@
-// The simulated Objective-C runtime of one process: its classes, the objects it
-// has made (all freed with the process), interned constants, and the checks
-// that make ABI slips and injected host faults visible.
+// The simulated Objective-C runtime of one process, put together from its
+// parts, one concept per file as objc4 and libobjc2 keep them: the class
+// table, method lists with the lookup cache, instance variables, the type
+// checks with the violation log and injected faults, and the object heap with
+// the interned constants. Associated objects live on the objects themselves
+// (rt_associated.cpp). Each part's header says which of its calls are safe
+// from other threads.
 #pragma once
 
 #include <atomic>
-#include <deque>
+#include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
+#include "sim/class_table.hpp"
 #include "sim/foundation.hpp"
+#include "sim/ivar_table.hpp"
+#include "sim/method_table.hpp"
 #include "sim/object.hpp"
+#include "sim/object_heap.hpp"
+#include "sim/type_checks.hpp"
 
 namespace sim {
 
@@ -27,78 +33,60 @@ class Runtime {
   Runtime(const Runtime&) = delete;
   Runtime& operator=(const Runtime&) = delete;
 
-  rt::Class findClass(std::string_view name) const;
-  // Every registered class (not metaclasses), in the order they were made
-  // (objc_copyClassList).
-  std::vector<rt::Class> registeredClasses() const;
-  // A new class and its metaclass, not yet registered. Null if the name is taken.
-  rt::Class allocateClass(rt::Class super, std::string_view name);
-  void registerClass(rt::Class cls);
-  bool addIvar(rt::Class cls, std::string_view name, std::string_view types);
-  rt::Ivar findIvar(rt::Class cls, std::string_view name) const;
+  ClassTable& classes() { return classes_; }
+  MethodTable& methods() { return methods_; }
+  IvarTable& ivars() { return ivars_; }
+  TypeChecks& types() { return types_; }
+  ObjectHeap& heap() { return heap_; }
 
-  bool addMethod(rt::Class cls, rt::SEL sel, rt::IMP imp, const char* types);
-  rt::Method lookup(rt::Class cls, rt::SEL sel);
-  // Any change of a method drops every lookup cache.
-  void methodsChanged() { ++epoch_; }
-  std::uint64_t epoch() const { return epoch_; }
+  // The calls most code makes, kept here so call sites read as the runtime's.
+  rt::Class findClass(std::string_view name) const { return classes_.find(name); }
+  std::vector<rt::Class> registeredClasses() const { return classes_.registered(); }
+  rt::Class allocateClass(rt::Class super, std::string_view name) { return classes_.allocate(super, name); }
+  void registerClass(rt::Class cls) {
+    if (classes_.registerClass(cls)) methods_.changed();
+  }
+  bool addIvar(rt::Class cls, std::string_view name, std::string_view types) { return ivars_.add(cls, name, types); }
+  rt::Ivar findIvar(rt::Class cls, std::string_view name) const { return ivars_.find(cls, name); }
+  bool addMethod(rt::Class cls, rt::SEL sel, rt::IMP imp, const char* types) {
+    return methods_.add(cls, sel, imp, types);
+  }
+  rt::Method lookup(rt::Class cls, rt::SEL sel) { return methods_.lookup(cls, sel); }
+  void methodsChanged() { methods_.changed(); }
 
-  // Every implementation remembers the normalized types it was installed
-  // under, so that a call of a stored IMP can be checked.
-  void noteImplementation(rt::IMP imp, const std::string& normalized);
-  bool implementationAccepts(rt::IMP imp, const std::string& normalized) const;
-  bool knowsImplementation(rt::IMP imp) const;
+  void noteImplementation(rt::IMP imp, const std::string& normalized) { types_.noteImplementation(imp, normalized); }
+  bool implementationAccepts(rt::IMP imp, const std::string& normalized) const {
+    return types_.implementationAccepts(imp, normalized);
+  }
+  bool knowsImplementation(rt::IMP imp) const { return types_.knowsImplementation(imp); }
+  void makeRaising(rt::IMP imp, std::string what) { types_.makeRaising(imp, std::move(what)); }
+  const std::string* raisingWhat(rt::IMP imp) const { return types_.raisingWhat(imp); }
+  void recordViolation(std::string what) { types_.recordViolation(std::move(what)); }
+  std::vector<std::string> violations() const { return types_.violations(); }
 
-  // Fault injection: calls that reach `imp` raise instead of running it.
-  void makeRaising(rt::IMP imp, std::string what);
-  const std::string* raisingWhat(rt::IMP imp) const;
-
-  // ABI mismatches seen (they also raise); the simulator fails on any.
-  void recordViolation(std::string what) { violations_.push_back(std::move(what)); }
-  const std::vector<std::string>& violations() const { return violations_; }
+  rt::Id allocate(rt::Class cls) { return heap_.allocate(cls, serials_++); }
+  std::size_t objectCount() const { return heap_.count(); }
+  rt::Id internedString(std::string_view utf8, const std::function<rt::Id()>& make) {
+    return heap_.internedString(utf8, make);
+  }
+  rt::Id& nullObject() { return heap_.nullObject(); }
+  rt::Id& boolObject(bool b) { return heap_.boolObject(b); }
+  std::unordered_map<long, rt::Id>& smallIntegers() { return heap_.smallIntegers(); }
+  std::map<std::pair<long, long>, rt::Id>& indexPaths() { return heap_.indexPaths(); }
+  // Per-process singletons of the simulated frameworks ([UIApplication
+  // sharedApplication], …), by name.
+  rt::Id& singleton(const std::string& name) { return heap_.singleton(name); }
 
   // The Foundation classes, once registered.
   FoundationClasses foundation;
 
-  rt::Id allocate(rt::Class cls);
-  std::size_t objectCount() const;
-
-  // Interned constants: equal strings, small numbers, booleans, NSNull.
-  rt::Id internedString(std::string_view utf8, const std::function<rt::Id()>& make);
-  rt::Id& nullObject() { return null_; }
-  rt::Id& boolObject(bool b) { return b ? yes_ : no_; }
-  std::unordered_map<long, rt::Id>& smallIntegers() { return smallIntegers_; }
-  std::map<std::pair<long, long>, rt::Id>& indexPaths() { return indexPaths_; }
-  // Per-process singletons of the simulated frameworks ([UIApplication
-  // sharedApplication], …), by name.
-  rt::Id& singleton(const std::string& name) { return singletons_[name]; }
-
  private:
-  rt::Class newClassRecord(std::string_view name, rt::Class super, bool meta);
-
-  std::deque<rt::ClassData> classes_;
-  std::unordered_map<std::string, rt::Class> byName_;
-  std::deque<rt::MethodData> methods_;
-  std::deque<rt::IvarData> ivars_;
-  std::atomic<std::uint64_t> epoch_{1};
-  // Lookups fill the per-class caches, and the host sends some messages from
-  // its other threads: one lock around filling and reading them.
-  std::mutex lookupMutex_;
-
-  std::unordered_map<rt::IMP, std::vector<std::string>> impTypes_;
-  std::unordered_map<rt::IMP, std::string> raising_;
-  std::vector<std::string> violations_;
-
-  mutable std::mutex objectsMutex_;
-  std::vector<std::unique_ptr<rt::Object>> objects_;
-  std::uint64_t nextSerial_ = 1;
-
-  std::mutex internMutex_;
-  std::unordered_map<std::string, rt::Id> strings_;
-  rt::Id null_ = nullptr, yes_ = nullptr, no_ = nullptr;
-  std::unordered_map<long, rt::Id> smallIntegers_;
-  std::map<std::pair<long, long>, rt::Id> indexPaths_;
-  std::map<std::string, rt::Id> singletons_;
+  std::atomic<std::uint64_t> serials_{1};
+  TypeChecks types_;
+  ClassTable classes_{serials_};
+  MethodTable methods_{types_};
+  IvarTable ivars_;
+  ObjectHeap heap_;
 };
 
 // The runtime of the current simulated process. Aborts with a message when no

@@ -1,0 +1,48 @@
+// The objects one process has made, all freed with it (the simulation never
+// frees an object earlier: a hook that keeps a stale pointer still reads a
+// live object, as it would under a retaining owner on a phone), and the
+// interned constants: equal strings, small numbers, booleans, NSNull, index
+// paths, and the per-process singletons of the simulated frameworks.
+// Threads: allocating, counting and interning strings are safe from any
+// thread; the other interned tables are main-thread only.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "sim/object.hpp"
+
+namespace sim {
+
+class ObjectHeap {
+ public:
+  rt::Id allocate(rt::Class cls, std::uint64_t serial);
+  std::size_t count() const;
+
+  rt::Id internedString(std::string_view utf8, const std::function<rt::Id()>& make);
+  rt::Id& nullObject() { return null_; }
+  rt::Id& boolObject(bool b) { return b ? yes_ : no_; }
+  std::unordered_map<long, rt::Id>& smallIntegers() { return smallIntegers_; }
+  std::map<std::pair<long, long>, rt::Id>& indexPaths() { return indexPaths_; }
+  rt::Id& singleton(const std::string& name) { return singletons_[name]; }
+
+ private:
+  mutable std::mutex objectsMutex_;
+  std::vector<std::unique_ptr<rt::Object>> objects_;
+
+  std::mutex internMutex_;
+  std::unordered_map<std::string, rt::Id> strings_;
+  rt::Id null_ = nullptr, yes_ = nullptr, no_ = nullptr;
+  std::unordered_map<long, rt::Id> smallIntegers_;
+  std::map<std::pair<long, long>, rt::Id> indexPaths_;
+  std::map<std::string, rt::Id> singletons_;
+};
+
+}  // namespace sim

@@ -1,0 +1,41 @@
+// The checks that make ABI slips and injected host faults visible: every
+// implementation remembers the normalized type encodings it was installed
+// under, so that a send or a call of a stored IMP can be compared with them;
+// a mismatch is recorded here (and raises where it happened), and the
+// simulator fails on any record. Host faults: an implementation made to raise
+// instead of running.
+// Threads: everything here may be called from any thread.
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "rt/types.hpp"
+
+namespace sim {
+
+class TypeChecks {
+ public:
+  void noteImplementation(rt::IMP imp, const std::string& normalized);
+  // True when `imp` was installed under `normalized`, or without any types.
+  bool implementationAccepts(rt::IMP imp, const std::string& normalized) const;
+  bool knowsImplementation(rt::IMP imp) const;
+
+  void recordViolation(std::string what);
+  std::vector<std::string> violations() const;
+
+  // Calls that reach `imp` raise `what` instead of running it.
+  void makeRaising(rt::IMP imp, std::string what);
+  // What a call of `imp` raises, or null when it runs normally.
+  const std::string* raisingWhat(rt::IMP imp) const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::unordered_map<rt::IMP, std::vector<std::string>> impTypes_;
+  std::unordered_map<rt::IMP, std::string> raising_;
+  std::vector<std::string> violations_;
+};
+
+}  // namespace sim
