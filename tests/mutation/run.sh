@@ -10,6 +10,7 @@
 # runs `ctest -R scenario`), original text, mutated text, separated by tabs.
 # The original must occur exactly once; "\n" in either text is a line break.
 # Builds in build/default with -j2; configure it first (cmake --preset default).
+# The test binaries left behind are the last mutant's: rebuild before use.
 set -u
 root=$(cd "$(dirname "$0")/../.." && pwd)
 list=${1:-$root/tests/mutation/mutants.tsv}
@@ -61,7 +62,8 @@ PY
       bin=$(find "$build/tests" -type f -name "$t" -perm -u+x | head -1)
       out=$(timeout 600 "$bin" --gtest_brief=1 2>&1)
       if [[ $? -ne 0 ]]; then
-        failing+=("$t: $(grep -o '^\[  FAILED  \] [A-Za-z_/.0-9]*' <<<"$out" | sed 's/.*\] //' | sort -u | tr '\n' ' ')")
+        names_failed=$(grep -o '^\[  FAILED  \] [A-Za-z_/.0-9]*' <<<"$out" | sed 's/.*\] //' | sort -u | tr '\n' ' ')
+        failing+=("$t: ${names_failed:-$(tail -1 <<<"$out")}")
       fi
     fi
   done

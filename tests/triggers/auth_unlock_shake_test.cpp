@@ -44,9 +44,9 @@ class Triggers : public qbtest::HostWorld {
     double at = 0;
     bool unlockedThen = false;
   };
-  // The user holds a finger on the navigation bar of the screen on top.
+  // The user holds a finger on the main list's navigation bar.
   void longPress() {
-    rt::Id nav = rt::send<rt::Id>(sim::topController(), "navigationController");
+    rt::Id nav = rt::send<rt::Id>(host.mainFrame(), "navigationController");
     rt::Id bar = rt::send<rt::Id>(nav, "navigationBar");
     for (rt::Id g : sim::viewState(bar)->gestureRecognizers) {
       sim::GestureState* gs = sim::gestureState(g);
