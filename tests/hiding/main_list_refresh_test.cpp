@@ -65,7 +65,8 @@ TEST_F(MainListRefresh, TheFirstListIsFilteredBeforeTheMainQueueRuns) {
   QBConfig::shared().addSecretUser("S");
   process.reset();
   for (const char* variant : {"", "store-ignores-canshow"}) {
-    host.build.variants = {variant};
+    host.build.variants.clear();
+    if (*variant) host.build.variants.insert(variant);
     std::vector<std::string> firstList;
     process = std::make_unique<sim::Process>(device);
     sim::LaunchHooks hooks = host.launchHooks();
