@@ -155,6 +155,11 @@ TEST_F(ConfigFile, LegacyShowAndHideMinutesBecomeOneWindow) {
   EXPECT_EQ(loaded()->dailyWindows(), QBConfig::defaultDailyWindows());
   writeFile({{"dailyShowMinute", base::Value(-50)}, {"dailyHideMinute", base::Value(99999)}});
   EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{0, 1439, 0}}));
+  // Windows present but unusable are as good as none: the legacy keys decide.
+  for (base::Value unusable : {base::Value("08:00-22:00"), base::Value(base::Array{}), base::Value(base::Array{base::Value(3)})}) {
+    writeFile({{"dailyWindows", unusable}, {"dailyShowMinute", base::Value(600)}});
+    EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{600, 1320, 0}})) << base::describe(unusable);
+  }
   // Windows that sanitise take precedence over the legacy keys.
   writeFile({{"dailyShowMinute", base::Value(600)},
              {"dailyWindows", base::Value(base::Array{DailyWindow{60, 120, 1}.toValue()})}});
@@ -184,6 +189,16 @@ TEST_F(ConfigFile, StoredWindowsAreSanitisedAndRepaired) {
   EXPECT_EQ(loaded()->dailyWindows(), QBConfig::defaultDailyWindows()) << "nothing usable left";
   writeFile({{"dailyWindows", base::Value("08:00-22:00")}});
   EXPECT_EQ(loaded()->dailyWindows(), QBConfig::defaultDailyWindows());
+}
+
+// A list written in another order reads in start order, and window indices
+// count in that order.
+TEST_F(ConfigFile, AStoredUnsortedListIsUsedInStartOrder) {
+  writeFile({{"dailyWindows", base::Value(base::Array{window(1200, 1260, 1), window(60, 120), window(600, 700)})}});
+  auto c = loaded();
+  EXPECT_EQ(c->normalizedDailyWindows(), (DailyWindows{{60, 120, 0}, {600, 700, 0}, {1200, 1260, 1}}));
+  ASSERT_TRUE(c->removeDailyWindowAtIndex(0, nullptr));
+  EXPECT_EQ(c->normalizedDailyWindows(), (DailyWindows{{600, 700, 0}, {1200, 1260, 1}}));
 }
 
 TEST_F(ConfigFile, SecretsKeepOnlyNonEmptyStrings) {

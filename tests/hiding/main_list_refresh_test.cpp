@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/config.hpp"
+#include "core/startup.hpp"
 #include "hiding/session_hooks.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
@@ -55,6 +56,83 @@ TEST_F(MainListRefresh, StartUpWithHiddenSecretsReloadsAtOnceAndAfterTheHostSett
   ASSERT_EQ(times.size(), 2u);
   EXPECT_DOUBLE_EQ(times[0] - t0, 0);
   EXPECT_NEAR(times[1] - t0, 1.4, 1e-9);
+}
+
+// The host builds its first list while the library loads, before anything
+// queued on the main queue has run: the early step alone must filter it.
+TEST_F(MainListRefresh, TheFirstListIsFilteredBeforeTheMainQueueRuns) {
+  launchWithLibrary();
+  QBConfig::shared().addSecretUser("S");
+  process.reset();
+  for (const char* variant : {"", "store-ignores-canshow"}) {
+    host.build.variants.clear();
+    if (*variant) host.build.variants.insert(variant);
+    std::vector<std::string> firstList;
+    process = std::make_unique<sim::Process>(device);
+    sim::LaunchHooks hooks = host.launchHooks();
+    hooks.libraryEntry = core::libraryEntry;
+    hooks.hostDidFinishLaunching = [&, build = hooks.hostDidFinishLaunching] {
+      build();
+      firstList = host.mainListShown();
+    };
+    process->launch(hooks);
+    EXPECT_EQ(firstList, (std::vector<std::string>{"a", "b"})) << variant;
+    process.reset();
+  }
+}
+
+// Start-up's delayed re-applies read the suppress flags each time: either
+// flag alone holds them back.
+TEST_F(MainListRefresh, TheStartUpReappliesWaitForBothSuppressFlags) {
+  launchWithLibrary();
+  QBConfig::shared().addSecretUser("S");
+  for (int flag = 0; flag < 2; ++flag) {
+    process.reset();
+    launchWithLibrary();
+    wait(0.3);
+    if (flag == 0) QBConfig::shared().setSuppressAutoLock(true);
+    else QBConfig::shared().setSuppressSessionApply(true);
+    std::size_t before = device.log().size();
+    wait(2);
+    EXPECT_EQ(countLog(kMainReload, before), 0) << (flag == 0 ? "suppressAutoLock" : "suppressSessionApply");
+  }
+}
+
+// The main list's own appearance re-applies the hidden state a moment later,
+// at most once per 0.8 s.
+TEST_F(MainListRefresh, AppearingReappliesAfterAMomentAndIsThrottled) {
+  launchWithLibrary();
+  QBConfig::shared().addSecretUser("S");
+  wait(5);
+  auto appear = [&] { process->runGuarded([&] { rt::send<void>(host.mainFrame(), "viewDidAppear:", true); }); };
+  std::size_t before = device.log().size();
+  appear();
+  wait(0.19);
+  EXPECT_EQ(countLog(kMainReload, before), 0);
+  wait(0.02);
+  EXPECT_GT(countLog("force=0", before), 0) << "0.2 s after appearing";
+  before = device.log().size();
+  wait(0.56);
+  appear();  // its re-apply falls 0.78 s after the last: past the reload throttle, not this one
+  wait(0.3);
+  EXPECT_EQ(countLog(kMainReload, before), 0);
+  wait(0.1);
+  appear();
+  wait(0.3);
+  EXPECT_GT(countLog("force=0", before), 0);
+  before = device.log().size();
+  QBConfig::shared().setUnlocked(true);
+  wait(1);
+  appear();
+  process->runGuarded([&] { rt::send<void>(host.mainFrame(), "viewDidLoad"); });
+  wait(1);
+  EXPECT_EQ(countLog(kMainReload, before), 0) << "revealed: nothing to re-apply";
+  QBConfig::shared().setUnlocked(false);
+  process->runGuarded([&] { rt::send<void>(host.mainFrame(), "viewDidLoad"); });
+  wait(0.14);
+  EXPECT_EQ(countLog(kMainReload, before), 0);
+  wait(0.02);
+  EXPECT_GT(countLog("force=0", before), 0) << "0.15 s after loading";
 }
 
 TEST_F(MainListRefresh, ARevealWithinHalfASecondCancelsTheReapplies) {
@@ -129,6 +207,15 @@ TEST_F(MainListRefresh, RevealInTwoPhasesAndAQuickHideIsNotUndone) {
   EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "b"})) << "the table reloads only after 0.25 s";
   wait(0.25);
   EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
+  double revealedAt = device.elapsed() - 0.25;
+  wait(0.55);
+  std::vector<double> times = reloadTimes();
+  ASSERT_GE(times.size(), 2u);
+  EXPECT_NEAR(times.back() - revealedAt, 0.8, 1e-9) << "the second phase, while still unlocked";
+  EXPECT_NEAR(times[times.size() - 2] - revealedAt, 0.25, 1e-9);
+  wait(1);
+  QBSessionHooks::revealSecretsNow();
+  wait(0.25);
   c.setUnlocked(false);  // hidden again before the second phase
   QBSessionHooks::refreshFilterCache();
   std::size_t mid = device.log().size();

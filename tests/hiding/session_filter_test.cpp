@@ -83,6 +83,7 @@ TEST_F(SessionFilter, MappingOfEmptyAndNegativeCounts) {
 
 TEST_F(SessionFilter, TheCountIsCachedForAFewTenthsOfASecond) {
   launchWithLibrary();
+  wait(5);  // past start-up's re-applies, whose refreshes drop the cache
   hideS();
   Id l = logic();
   EXPECT_EQ(count(l, "getSessionCountForSection:"), 2);
@@ -149,6 +150,72 @@ TEST_F(SessionListingFallBacks, FromTheIndexGetterWhenTheKeysHoldNothing) {
                         reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
   EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
+}
+
+// A session manager whose keys hold nothing, answering the index getter from
+// `gIndexed` (nil past its end or for an empty name) and counting the calls.
+std::vector<std::string> gIndexed;
+long gVisible = 0, gAsked = 0;
+long visibleCount(Id, rt::SEL) { return gVisible; }
+Id sessionAt(Id, rt::SEL, long i) {
+  ++gAsked;
+  return std::size_t(i) < gIndexed.size() && !gIndexed[std::size_t(i)].empty() ? rt::str(gIndexed[std::size_t(i)])
+                                                                                : nullptr;
+}
+
+class SessionListingLimits : public SessionFilter {
+ protected:
+  void SetUp() override {
+    SessionFilter::SetUp();
+    gIndexed.clear();
+    for (int i = 0; i < 500; ++i) gIndexed.push_back("u" + std::to_string(i));
+    gVisible = 0;
+  }
+  void useIndexGetter() {
+    rt::Class mgr = rt::getClass("MainSessionMgr");
+    rt::setImplementation(rt::getInstanceMethod(mgr, rt::sel("normalSessions")), reinterpret_cast<rt::IMP>(emptySessions));
+    rt::setImplementation(rt::getInstanceMethod(mgr, rt::sel("getNormalSessionAtIndex:")), reinterpret_cast<rt::IMP>(sessionAt));
+    if (rt::Method m = rt::getInstanceMethod(mgr, rt::sel("visibleNormalSessionCount")))
+      rt::setImplementation(m, reinterpret_cast<rt::IMP>(visibleCount));
+  }
+  std::size_t listed(long visible) {
+    gVisible = visible;
+    gAsked = 0;
+    return QBSessionHooks::listSessionUsernames().size();
+  }
+};
+
+TEST_F(SessionListingLimits, TenPastTheVisibleCountAtMostFourHundred) {
+  launchWithLibrary();
+  useIndexGetter();
+  EXPECT_EQ(listed(3), 13u);
+  EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
+  EXPECT_EQ(listed(0), 210u) << "no visible count: 210";
+  EXPECT_EQ(listed(-5), 210u);
+  EXPECT_EQ(listed(1000), 400u);
+  gIndexed.resize(20);
+  EXPECT_EQ(listed(100), 20u) << "nil rows after some were found do not stop the walk";
+  EXPECT_EQ(gAsked, 110);
+}
+
+TEST_F(SessionListingLimits, WithoutAVisibleCount210) {
+  host.build.lackingMethods.insert({"MainSessionMgr", "visibleNormalSessionCount"});
+  launchWithLibrary();
+  useIndexGetter();
+  EXPECT_EQ(listed(5), 210u);
+}
+
+TEST_F(SessionListingLimits, SevenEmptyRowsFirstStopTheWalk) {
+  launchWithLibrary();
+  useIndexGetter();
+  gIndexed.assign(8, "");
+  gIndexed.push_back("late");
+  listed(100);
+  EXPECT_EQ(gAsked, 7) << "indices 0 to 6";
+  gIndexed.assign(6, "");
+  gIndexed.push_back("sixth");
+  EXPECT_EQ(listed(100), 1u) << "found at index 6: no stop";
+  EXPECT_EQ(gAsked, 110);
 }
 
 TEST_F(SessionListingFallBacks, AnUndefinedKeyEndsTheListingWithItsException) {

@@ -74,6 +74,30 @@ TEST_F(ContactDirectory, APoorCacheEntryGivesWayToTheDatabase) {
   EXPECT_EQ(info.nickname, "Alice N");
 }
 
+long gDatabaseReads = 0;
+Id databaseRecord(Id, rt::SEL, Id) {
+  ++gDatabaseReads;
+  return rt::dictionary({{rt::str("m_nsRemark"), rt::str("from the database")}});
+}
+
+// Only a record with neither name (or one showing just the username) is read
+// again from the database.
+TEST_F(ContactDirectory, ARecordWithANameIsNotReadAgain) {
+  addFriend("nameless");
+  start();
+  rt::setImplementation(rt::getInstanceMethod(rt::getClass("CContactMgr"), rt::sel("getContactByNameFromDB:")),
+                        reinterpret_cast<rt::IMP>(databaseRecord));
+  gDatabaseReads = 0;
+  QBContactInfo bob = QBContactInfo::infoForUsername("bob");
+  EXPECT_EQ(gDatabaseReads, 0) << "a nickname is enough";
+  EXPECT_EQ(bob.remark, "");
+  EXPECT_EQ(bob.displayName, "Bob");
+  QBContactInfo nameless = QBContactInfo::infoForUsername("nameless");
+  EXPECT_GT(gDatabaseReads, 0);
+  EXPECT_EQ(nameless.remark, "from the database");
+  EXPECT_EQ(nameless.displayName, "from the database");
+}
+
 TEST_F(ContactDirectory, AvatarsAndThePlaceholder) {
   host.model.findFriend("alice")->headImage = true;
   host.model.findFriend("bob")->oldHeadImage = true;

@@ -131,6 +131,27 @@ TEST_F(Toolkit, UsernameProbingOrder) {
   EXPECT_EQ(QBRuntime::usernameFrom(loop), "") << "self-reference ends";
 }
 
+// Every key in the list, each holding its own name: taking them away from the
+// front one at a time must reveal them in exactly this order.
+TEST_F(Toolkit, UsernameKeysAreTriedInTheirFullOrder) {
+  const std::vector<const char*> direct = {"m_nsUsrName", "m_nsUserName",  "username",    "userName",
+                                           "usrName",     "sessionUsername", "m_username", "m_nsFromUsr",
+                                           "m_nsToUsr",   "m_nsRealChatUsr", "m_nsChatRoomName"};
+  for (std::size_t first = 0; first < direct.size(); ++first) {
+    std::vector<std::pair<const char*, Id>> keys;
+    for (std::size_t i = direct.size(); i-- > first;) keys.emplace_back(direct[i], rt::str(direct[i]));
+    keys.emplace_back("m_contact", messageLike({{"m_nsUsrName", rt::str("nested")}}));
+    EXPECT_EQ(QBRuntime::usernameFrom(messageLike(keys)), direct[first]);
+  }
+  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"contact", messageLike({{"m_nsUsrName", rt::str("second")}})},
+                                                 {"m_contact", messageLike({{"m_nsUsrName", rt::str("first")}})}})),
+            "first")
+      << "m_contact before contact";
+  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"contact", messageLike({{"m_nsUsrName", rt::str("second")}})},
+                                                 {"m_contact", messageLike({{"m_nsUsrName", rt::str("")}})}})),
+            "second");
+}
+
 TEST_F(Toolkit, ContextAndServicesWithTheirFallBacks) {
   Id ctx = QBRuntime::mmContext();
   ASSERT_NE(ctx, nullptr);

@@ -152,6 +152,24 @@ TEST(PlistReading, XmlTextAsAnotherWriterWouldLeaveIt) {
   EXPECT_EQ(*v->find("list"), Value(base::Array{Value("x"), Value(base::Dictionary{})}));
 }
 
+// Text beyond the first 65536 code points is written in UTF-16 as surrogate
+// pairs; a pair out of order, or half of one, is no text at all.
+TEST(PlistReading, BinaryUtf16SurrogatePairs) {
+  auto utf16String = [](std::vector<std::uint16_t> units) {
+    std::string o(1, char(0x60 | units.size()));
+    for (std::uint16_t u : units) o += bigEndian(u, 2);
+    return binaryList({o});
+  };
+  EXPECT_EQ(sim::decodePlist(utf16String({0xD83D, 0xDD12, 0x5BC6})), Value("\U0001F512\u5BC6"));
+  EXPECT_EQ(sim::decodePlist(utf16String({0xDBFF, 0xDFFF})), Value("\U0010FFFF"));
+  EXPECT_EQ(sim::decodePlist(utf16String({0xD800, 0xDC00})), Value("\U00010000"));
+  EXPECT_FALSE(sim::decodePlist(utf16String({0xDD12, 0xD83D})));
+  EXPECT_FALSE(sim::decodePlist(utf16String({0xD83D, 0x0041})));
+  EXPECT_FALSE(sim::decodePlist(utf16String({0x0041, 0xD83D})));
+  const Value emoji(base::Dictionary{{"🔒 密友", Value("锁 🔒🧑‍🤝‍🧑 end")}});
+  EXPECT_EQ(roundTrip(emoji, PlistFormat::Binary), emoji);
+}
+
 TEST(PlistDamage, TruncatedListsReadAsNothingOrWhole) {
   const Value v(base::Dictionary{{"password", Value("1234")}, {"windows", Value(base::Array{Value(1), Value(2.5)})}});
   for (PlistFormat f : kForms) {

@@ -44,6 +44,34 @@ class Triggers : public qbtest::HostWorld {
     double at = 0;
     bool unlockedThen = false;
   };
+  // The user holds a finger on the main list's navigation bar.
+  void longPress() {
+    rt::Id nav = rt::send<rt::Id>(host.mainFrame(), "navigationController");
+    rt::Id bar = rt::send<rt::Id>(nav, "navigationBar");
+    for (rt::Id g : sim::viewState(bar)->gestureRecognizers) {
+      sim::GestureState* gs = sim::gestureState(g);
+      if (!rt::isKindOf(g, "UILongPressGestureRecognizer") || !gs->action) continue;
+      gs->state = 1;
+      process->runGuarded([&] { gs->action(g); });
+      gs->state = 0;
+    }
+  }
+  // Password accepted: the completion runs 0.45 s after the press.
+  void revealWithPassword(const char* source) {
+    QBUnlock::showWithAuthFrom(source);
+    process->runDue();
+    sim::typeIntoAlert(alert(), "7351");
+    press("确定");
+    wait(0.45);
+  }
+  std::vector<double> forcedReloadTimes(std::size_t from) const {
+    std::vector<double> out;
+    for (std::size_t i = from; i < device.log().size(); ++i)
+      if (device.log()[i].text.find("[QB] softReload main force=1") != std::string::npos &&
+          (out.empty() || out.back() != device.log()[i].elapsed))
+        out.push_back(device.log()[i].elapsed);
+    return out;
+  }
   triggers::AuthCompletion recorder(Outcome& o) {
     return [this, &o](bool passed) {
       ++o.calls;
@@ -220,6 +248,81 @@ TEST_F(Triggers, RevealDebounceAndOneAtATime) {
   EXPECT_EQ(countLog("[QB] show auth from schedule"), 0);
 }
 
+TEST_F(Triggers, AFailedRevealStillDebouncesTheNextRequest) {
+  QBConfig::shared().addSecretUser("S");
+  QBUnlock::showWithAuthFrom("first");
+  process->runDue();
+  press("取消");  // fails at once
+  wait(0.7);
+  QBUnlock::showWithAuthFrom("too soon");
+  EXPECT_EQ(countLog("[QB] show auth from too soon"), 0) << "0.7 s after the last accepted request";
+  wait(0.11);
+  QBUnlock::showWithAuthFrom("later");
+  EXPECT_EQ(countLog("[QB] show auth from later"), 1);
+}
+
+// After the table phases of the reveal, one more forced reload lands when the
+// 2.0 s settle ends, but only while the secrets are still shown.
+TEST_F(Triggers, TheLateReloadAfterARevealOnlyWhileStillRevealed) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  std::size_t before = device.log().size();
+  revealWithPassword("test");
+  double success = device.elapsed();
+  wait(3);
+  std::vector<double> times = forcedReloadTimes(before);
+  ASSERT_FALSE(times.empty());
+  EXPECT_NEAR(times.back() - success, 2.0, 1e-9);
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S"}));
+
+  QBUnlock::hideNow();
+  wait(1);
+  before = device.log().size();
+  revealWithPassword("again");
+  success = device.elapsed();
+  wait(1.5);
+  QBUnlock::hideNow();
+  std::size_t hidden = device.log().size();
+  wait(1.5);
+  for (double t : forcedReloadTimes(hidden)) EXPECT_LT(t - success, 1.9) << "no late reload once hidden again";
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a"}));
+}
+
+TEST_F(Triggers, EachTriggerSwitchTurnsItsTriggerOff) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  c.setShakeHideEnabled(false);
+  c.setUnlocked(true);
+  QBShakeHooks::handleShake();
+  EXPECT_TRUE(c.unlocked()) << "shake-to-hide off";
+  c.setShakeHideEnabled(true);
+  c.setShakeShowEnabled(false);
+  c.setUnlocked(false);
+  wait(1);
+  QBShakeHooks::handleShake();
+  EXPECT_EQ(alert(), nullptr) << "shake-to-show off";
+  c.setShakeShowEnabled(true);
+  wait(1);
+  QBShakeHooks::handleShake();
+  process->runDue();
+  EXPECT_NE(alert(), nullptr) << "both on again: the shake that follows asks";
+  press("取消");
+
+  c.setLongPressUnlockEnabled(false);
+  wait(1);
+  longPress();
+  process->runDue();
+  EXPECT_EQ(alert(), nullptr) << "long press off, though the recognizer is on the bar";
+  c.setUnlocked(true);
+  longPress();
+  EXPECT_TRUE(c.unlocked());
+  c.setLongPressUnlockEnabled(true);
+  longPress();
+  EXPECT_FALSE(c.unlocked()) << "on again: the press hides";
+  EXPECT_EQ(countLog("[QB] show auth from shake"), 1);
+  EXPECT_EQ(countLog("[QB] show auth from longPress"), 0);
+}
+
 TEST_F(Triggers, ASuccessfulRevealHoldsAutoLockForTwoSeconds) {
   QBConfig& c = QBConfig::shared();
   c.addSecretUser("S");
@@ -275,6 +378,39 @@ TEST_F(Triggers, ShakeFilterThresholds) {
   EXPECT_EQ(shakesAfter({0.02, 0.11}), 1) << "a loud sample";
   EXPECT_EQ(shakesAfter({0.089, 0.0}), 1) << "a fall of 0.089 is a jump";
   EXPECT_EQ(shakesAfter({0.01, 0.085}), 0) << "below both thresholds";
+}
+
+// Without device motion the raw accelerometer is read: gravity, about 1 g at
+// rest in any orientation, is taken off the length.
+class AccelerometerOnly : public Triggers {
+ protected:
+  void SetUp() override {
+    device.motion = sim::MotionSensors::Accelerometer;
+    Triggers::SetUp();
+  }
+  void feed(double x, double y, double z) {
+    auto handler = process->platform().motionHandler;
+    ASSERT_TRUE(handler);
+    handler(x, y, z);
+    process->runDue();
+  }
+};
+
+TEST_F(AccelerometerOnly, TheMagnitudeIsTheDistanceFromOneG) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  ASSERT_TRUE(process->platform().motionFromAccelerometer);
+  EXPECT_DOUBLE_EQ(process->platform().motionInterval, 0.04);
+  c.setUnlocked(true);
+  for (int i = 0; i < 3; ++i) feed(0, 0.6, -0.8);
+  feed(0, 0, -1.05);
+  EXPECT_TRUE(c.unlocked()) << "a phone at rest, tilted or flat, is quiet";
+  feed(0, 0, -0.8);
+  EXPECT_FALSE(c.unlocked()) << "0.2 g below gravity";
+  c.setUnlocked(true);
+  wait(1);
+  feed(0, 0, -0.8);
+  EXPECT_FALSE(c.unlocked()) << "held at 0.2 g below gravity: loud, not a jump";
 }
 
 TEST_F(Triggers, ShakesAreSpacedAndIgnoredWhileTheAlertIsUp) {
