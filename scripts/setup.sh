@@ -7,6 +7,7 @@ packages=(
   g++ clang cmake ninja-build pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libplist-dev libicu-dev
+  python3  # scripts/bench.sh reads the benchmarks' JSON
   # The iOS check build: ld64.lld, libc++'s headers, glibc's arm64 headers.
   lld-14 libc++-14-dev libc++abi-14-dev libc6-dev-arm64-cross file
 )

@@ -82,8 +82,9 @@ class KvcProbe : public qbtest::HostWorld {
       bool found = false;
       Id plain = reference(obj, key, found);
       // Not finding a key must be known without asking (asking raises).
-      if (!found && usesStandardKvc(obj))
+      if (!found && usesStandardKvc(obj)) {
         EXPECT_FALSE(rt::keyValueCodingFinds(obj, key)) << rt::className(obj) << " ." << key;
+      }
       EXPECT_TRUE(sameAnswer(fast, plain))
           << rt::className(obj) << " ." << key << ": probe " << (fast ? "value" : "nil") << ", KVC "
           << (plain ? "value" : "nil");

@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# Builds the benchmarks, runs them side by side (5 repetitions each, medians),
+# and prints one table: absolute figures, and each hooked world as a ratio to
+# the host alone measured in the same run. Figures from one machine at one
+# time; only the ratios travel.
+# Usage: scripts/bench.sh [OUT_DIR]   (JSON results are kept in OUT_DIR)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+out=${1:-build/bench-results}
+mkdir -p "$out"
+cmake --preset default >/dev/null
+cmake --build --preset default --target main_list_bench contacts_bench surfaces_bench notify_bench background_bench
+
+for b in main_list_bench contacts_bench surfaces_bench notify_bench background_bench; do
+  echo "== $b" >&2
+  "build/default/bench/$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+    --benchmark_format=json --benchmark_out="$out/$b.json" --benchmark_out_format=json >/dev/null
+done
+
+python3 - "$out" <<'PY'
+import json, os, sys
+out = sys.argv[1]
+median = {}
+counters = {}
+for f in sorted(os.listdir(out)):
+    if not f.endswith(".json"):
+        continue
+    for b in json.load(open(os.path.join(out, f)))["benchmarks"]:
+        if b.get("aggregate_name") != "median":
+            continue
+        name = b["run_name"]
+        scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}[b["time_unit"]]
+        median[name] = b["cpu_time"] * scale
+        counters[name] = {k: v for k, v in b.items() if k in ("vs_host",)}
+
+def fmt(seconds):
+    for unit, s in (("s", 1.0), ("ms", 1e-3), ("us", 1e-6)):
+        if seconds >= s:
+            return f"{seconds / s:.3g} {unit}"
+    return f"{seconds / 1e-9:.3g} ns"
+
+rows = []
+def ratio(label, hooked, base, target=None):
+    if hooked in median and base in median:
+        r = median[hooked] / median[base]
+        rows.append((label, fmt(median[hooked]), f"{r:.2f}x of {fmt(median[base])}", target or ""))
+def absolute(label, name, target=None, extra=""):
+    if name in median:
+        rows.append((label, fmt(median[name]), extra, target or ""))
+
+for world, target in (("Inactive", "<= 1.05x"), ("Revealed", "<= 1.05x"), ("Hooked", "<= 40x")):
+    ratio(f"main list reload, {world.lower()}", f"BM_MainListReload_{world}", "BM_MainListReload_Unhooked", target)
+for world, target in (("Inactive", "<= 1.05x"), ("Hooked", "quadratic by design")):
+    ratio(f"main list full pass, {world.lower()}", f"BM_MainListFullPass_{world}", "BM_MainListFullPass_Unhooked", target)
+absolute("listNormalContactItems, 5000 friends", "BM_ListNormalContactItems/5000", "<= 50 ms")
+ratio("Moments screen, 1000 items, hooked", "BM_MomentsScreen_hooked", "BM_MomentsScreen_unhooked")
+ratio("contacts load, 5000 friends, hooked", "BM_ContactsLoad_hooked", "BM_ContactsLoad_unhooked")
+for arg, who in (("0", "non-secret"), ("1", "secret")):
+    for bench in ("BM_CanShowPush", "BM_SystemRequest"):
+        n = f"{bench}/{arg}"
+        if n in median:
+            vs = counters.get(n, {}).get("vs_host")
+            absolute(f"{bench[3:]} decision, {who} sender", n, "<= 2 us", f"{vs:.1f}x of the host's method" if vs else "")
+ratio("leaving the app, 1000 chats", "BM_Background_Hooked", "BM_Background_Unhooked")
+
+w = [max(len(r[i]) for r in rows + [("what", "median", "ratio", "target")]) for i in range(4)]
+print(f"{'what':<{w[0]}}  {'median':>{w[1]}}  {'ratio':<{w[2]}}  target")
+for r in rows:
+    print(f"{r[0]:<{w[0]}}  {r[1]:>{w[1]}}  {r[2]:<{w[2]}}  {r[3]}")
+PY
