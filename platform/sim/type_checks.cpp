@@ -39,11 +39,12 @@ void TypeChecks::makeRaising(rt::IMP imp, std::string what) {
   if (!imp) return;
   std::lock_guard lock(mutex_);
   raising_[imp] = std::move(what);
+  anyRaising_ = true;
 }
 
 const std::string* TypeChecks::raisingWhat(rt::IMP imp) const {
+  if (!anyRaising_) return nullptr;
   std::lock_guard lock(mutex_);
-  if (raising_.empty()) return nullptr;
   auto it = raising_.find(imp);
   return it == raising_.end() ? nullptr : &it->second;  // entries are never removed
 }

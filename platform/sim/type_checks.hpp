@@ -7,6 +7,7 @@
 // Threads: everything here may be called from any thread.
 #pragma once
 
+#include <atomic>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -33,6 +34,7 @@ class TypeChecks {
 
  private:
   mutable std::mutex mutex_;
+  std::atomic<bool> anyRaising_{false};  // most runs inject no fault: skip the lock
   std::unordered_map<rt::IMP, std::vector<std::string>> impTypes_;
   std::unordered_map<rt::IMP, std::string> raising_;
   std::vector<std::string> violations_;

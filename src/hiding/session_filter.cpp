@@ -39,32 +39,26 @@ struct DepthGuard {
   int& depth;
 };
 
-// A stored original and the selector it answers.
-struct Getter {
-  const RowHook* rows;
-  const char* sel;
-};
-
-Id fetchAt(Getter fetch, Id self, long row, long section) {
-  return fetch.rows->original(self, rt::sel(fetch.sel), rt::indexPath(row, section));
+// The host's session at a row, through a stored original.
+Id fetchAt(const RowHook& fetch, Id self, long row, long section) {
+  return fetch.original(self, fetch.selector(), rt::indexPath(row, section));
 }
 
-long hostCount(const CountHook& count, const char* selector, Id self, long section) {
-  return count.installed() ? count.original(self, rt::sel(selector), section) : 0;
+long hostCount(const CountHook& count, Id self, long section) {
+  return count.installed() ? count.original(self, count.selector(), section) : 0;
 }
 
 // A row getter over the host's rows: the visible row is mapped onto the
 // host's index by walking the host's sessions (`fetch`) up to the host's
 // count (`count`), then answered by the hook's original for that index.
-Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count, const char* countSel,
-               Getter fetch) {
+Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count, const RowHook& fetch) {
   SessionHooksState& s = sessionState();
   if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath)) return hook.originalOr(self, cmd, indexPath);
   DepthGuard guard(s.depth);
   return hook.run(nullptr, [&](RowHook::Original& original) -> Id {
     long section = rt::indexPathSection(indexPath);
-    long n = hostCount(count, countSel, self, section);
-    if (!fetch.rows->installed()) throw rt::Exception("QBNoFetch", "no session getter");
+    long n = hostCount(count, self, section);
+    if (!fetch.installed()) throw rt::Exception("QBNoFetch", "no session getter");
     long row = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
                                       [&](long i) { return fetchAt(fetch, self, i, section); });
     if (row < 0) return nullptr;
@@ -74,20 +68,17 @@ Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountH
 
 // --- MainFrameLogicController
 
-Getter logicFetch() { return {&sessionState().getSessionInfoAtIndexPath, "getSessionInfoAtIndexPath:"}; }
+const RowHook& logicFetch() { return sessionState().getSessionInfoAtIndexPath; }
 
 Id getSessionInfoAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
-                     "getSessionCountForSection:", logicFetch());
+  return remappedRow(s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection, logicFetch());
 }
 
 Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  Getter fetch = s.getSessionInfoAtIndexPath.installed() ? logicFetch()
-                                                         : Getter{&s.getCellDataAtIndexPath, "getCellDataAtIndexPath:"};
-  return remappedRow(s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
-                     "getSessionCountForSection:", fetch);
+  const RowHook& fetch = s.getSessionInfoAtIndexPath.installed() ? logicFetch() : s.getCellDataAtIndexPath;
+  return remappedRow(s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection, fetch);
 }
 
 // Calls the original first, then filters; a failure answers with that count.
@@ -110,21 +101,17 @@ long getSessionCountForSection(Id self, SEL cmd, long section) {
 
 // --- NewMainFrameViewController
 
-Getter viewFetch() { return {&sessionState().logicGetSessionAtIndexPath, "logicGetSessionAtIndexPath:"}; }
+const RowHook& viewFetch() { return sessionState().logicGetSessionAtIndexPath; }
 
 Id logicGetSessionAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
-                     "logicGetCountForSection:", viewFetch());
+  return remappedRow(s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection, viewFetch());
 }
 
 Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  Getter fetch = s.logicGetSessionAtIndexPath.installed()
-                     ? viewFetch()
-                     : Getter{&s.logicGetCellDataAtIndexPath, "logicGetCellDataAtIndexPath:"};
-  return remappedRow(s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
-                     "logicGetCountForSection:", fetch);
+  const RowHook& fetch = s.logicGetSessionAtIndexPath.installed() ? viewFetch() : s.logicGetCellDataAtIndexPath;
+  return remappedRow(s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection, fetch);
 }
 
 // Depth is set to 1 rather than incremented (this is the outermost call) and
@@ -148,7 +135,7 @@ long logicGetCountForSection(Id self, SEL cmd, long section) {
 long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
   SessionHooksState& s = sessionState();
   if (s.filterActive && s.depth == 0 && s.logicGetCountForSection.installed())
-    return logicGetCountForSection(self, rt::sel("logicGetCountForSection:"), section);
+    return logicGetCountForSection(self, s.logicGetCountForSection.selector(), section);
   return s.numberOfRowsInSection.originalOr(self, cmd, tableView, section);
 }
 

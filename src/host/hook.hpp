@@ -49,8 +49,9 @@ class Hook<R(A...)> {
   // replace:sel:newIMP:store: on an instance method of `cls`.
   bool replace(rt::Class cls, std::string_view selector, Replacement fn) {
     rt::IMP slot = nullptr;
-    if (!QBRuntime::replace(cls, rt::sel(selector), reinterpret_cast<rt::IMP>(fn), &slot)) return false;
-    imp_ = slot;
+    rt::SEL s = rt::sel(selector);
+    if (!QBRuntime::replace(cls, s, reinterpret_cast<rt::IMP>(fn), &slot)) return false;
+    imp_ = slot, sel_ = s;
     return true;
   }
 
@@ -61,6 +62,7 @@ class Hook<R(A...)> {
     rt::Method m = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
     if (!m) return false;
     imp_ = rt::setImplementation(m, reinterpret_cast<rt::IMP>(fn));
+    sel_ = rt::sel(selector);
     return imp_ != nullptr;
   }
 
@@ -72,8 +74,9 @@ class Hook<R(A...)> {
                Replacement fn) {
     if (!owner || !cls) return false;
     rt::SEL qb = rt::sel(qbSelector);
+    sel_ = rt::sel(selector);
     rt::addMethod(owner, qb, fn);
-    QBRuntime::swizzleInstance(cls, rt::sel(selector), qb);
+    QBRuntime::swizzleInstance(cls, sel_, qb);
     return markExchanged(rt::getInstanceMethod(cls, rt::sel(selector)), qb, fn);
   }
 
@@ -84,6 +87,7 @@ class Hook<R(A...)> {
     rt::Method host = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
     if (!host) return false;
     rt::SEL qb = rt::sel(qbSelector);
+    sel_ = rt::sel(selector);
     rt::Class meta = rt::classOf(rt::toId(cls));
     if (!rt::addMethod(meta, qb, reinterpret_cast<rt::IMP>(fn), types)) return false;
     rt::exchangeImplementations(host, rt::getClassMethod(cls, qb));
@@ -91,6 +95,8 @@ class Hook<R(A...)> {
   }
 
   bool installed() const { return imp_ != nullptr || exchangedWith_ != nullptr; }
+  // The host's selector this hook answers (null until installed).
+  rt::SEL selector() const { return sel_; }
 
   // The host's own answer, outside any policy. Only for an installed hook.
   R original(rt::Id self, rt::SEL cmd, A... args) const {
@@ -162,6 +168,7 @@ class Hook<R(A...)> {
   }
 
   rt::IMP imp_ = nullptr;
+  rt::SEL sel_ = nullptr;
   rt::SEL exchangedWith_ = nullptr;
 };
 

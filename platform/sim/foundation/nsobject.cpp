@@ -114,6 +114,11 @@ void unboxInto(const std::string& type, Id value, const std::string& key, rt::Iv
   }
 }
 
+bool accessesIvars(Id self) {
+  static const SEL s = rt::sel("accessInstanceVariablesDirectly");
+  return rt::send<bool>(self->isa, s);
+}
+
 Id valueForKey(Id self, SEL, Id key) {
   std::string k = keyText(key, "valueForKey:");
   Runtime& rtm = runtime();
@@ -135,7 +140,7 @@ Id valueForKey(Id self, SEL, Id key) {
     for (long i = 0; i < n; ++i) items.push_back(rt::call<Id>(objectAt->imp, self, objectAt->name, i));
     return rt::array(items);
   }
-  if (!self->isa->meta && rt::send<bool>(self->isa, "accessInstanceVariablesDirectly")) {
+  if (!self->isa->meta && accessesIvars(self)) {
     for (const std::string& name : search.ivars)
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) return boxIvar(self, iv);
   }
@@ -161,7 +166,7 @@ void setValueForKey(Id self, SEL, Id value, Id key) {
     unboxInto(shape.args, value, k, nullptr, self, m);
     return;
   }
-  if (!self->isa->meta && rt::send<bool>(self->isa, "accessInstanceVariablesDirectly")) {
+  if (!self->isa->meta && accessesIvars(self)) {
     for (const std::string& name : rt::ivarNames(k)) {
       if (rt::Ivar iv = rtm.findIvar(self->isa, name)) {
         unboxInto(iv->types, value, k, &self->ivars[iv->index], self, nullptr);
