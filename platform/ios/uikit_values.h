@@ -1,4 +1,5 @@
-// The UIKit forms of the ui facade's plain values: colours and system fonts.
+// The UIKit forms of the ui facade's plain values: colours (ui/colors.mm)
+// and system fonts.
 #pragma once
 
 #import <UIKit/UIKit.h>
@@ -7,7 +8,9 @@
 
 namespace ios {
 
-inline UIColor* color(const ui::Color& c) { return [UIColor colorWithRed:c.red green:c.green blue:c.blue alpha:c.alpha]; }
+// The dynamic system colour for one of ui/colors.hpp's named values, else
+// the plain RGB colour.
+UIColor* color(const ui::Color& c);
 
 inline UIFont* font(const ui::Font& f) {
   UIFontWeight weight = UIFontWeightRegular;

@@ -59,6 +59,9 @@ libsystem=(
   dyld_stub_binder
   # thread_local storage (the per-thread key-value search memo), from dyld
   __tlv_bootstrap __tlv_atexit
+  # @available's check: compiler-rt, which Xcode's clang links into the
+  # product itself; only the check build leaves it undefined
+  ___isPlatformVersionAtLeast
 )
 
 allowed() {
@@ -68,7 +71,7 @@ allowed() {
     '_OBJC_CLASS_$_'* | '_OBJC_METACLASS_$_'* | __objc_empty_cache) return 0 ;;
     __NSConcrete*Block | __Block_*) return 0 ;;
     _dispatch_* | __dispatch_main_q) return 0 ;;
-    _NS* | _CF* | ___CFConstantStringClassReference | _CA* | _UI* | _AudioServices*) return 0 ;;
+    _NS* | _CF* | ___CFConstantStringClassReference | _CA* | _CG* | _UI* | _AudioServices*) return 0 ;;
     __ZNSt3__1* | __ZNKSt3__1* | __ZTINSt3__1* | __ZTSNSt3__1* | __ZTVNSt3__1*) return 0 ;;
     # libc++abi: the std:: exception classes, type-info vtables, new/delete.
     __ZNSt* | __ZNKSt* | __ZTISt* | __ZTSSt* | __ZTVSt* | __ZTVN10__cxxabiv1* | __ZSt*) return 0 ;;

@@ -1,52 +1,56 @@
 // Gesture recognizers on iOS. A recognizer does not retain its target, so
-// the small target object that holds the system's function is attached to
-// the recognizer itself and lives exactly as long.
+// the trampoline that holds the system's function is attached to the
+// recognizer itself and lives exactly as long.
 #include "ui/gestures.hpp"
 
 #import <UIKit/UIKit.h>
-#include <objc/runtime.h>
 
 #include <utility>
 
 #include "bridge.h"
-
-@interface QBGestureTarget : NSObject {
- @public
-  std::function<void(rt::Id)> action;
-}
-- (void)recognizerChanged:(UIGestureRecognizer*)recognizer;
-@end
-
-@implementation QBGestureTarget
-- (void)recognizerChanged:(UIGestureRecognizer*)recognizer {
-  ios::shielded("gesture", [&] {
-    if (action) action(ios::handle(recognizer));
-  });
-}
-@end
+#include "trampoline.h"
 
 namespace ui {
 namespace {
-char kTargetKey;
+
+template <typename Recognizer>
+Recognizer* attach(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action) {
+  QBTrampoline* target = ios::trampoline([action = std::move(action)](id sender) { action(ios::handle(sender)); });
+  Recognizer* g = [[Recognizer alloc] initWithTarget:target action:@selector(fire:)];
+  ios::keepWith(g, target);
+  g.cancelsTouchesInView = cancelsTouchesInView;
+  ios::translating([&] { [(UIView*)ios::object(view) addGestureRecognizer:g]; });
+  return g;
 }
+
+UIGestureRecognizer* recognizerOf(rt::Id recognizer) {
+  id r = ios::object(recognizer);
+  return [r isKindOfClass:[UIGestureRecognizer class]] ? (UIGestureRecognizer*)r : nil;
+}
+
+}  // namespace
 
 rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouchesInView,
                     std::function<void(rt::Id recognizer)> action) {
-  QBGestureTarget* target = [QBGestureTarget new];
-  target->action = std::move(action);
-  UILongPressGestureRecognizer* g = [[UILongPressGestureRecognizer alloc] initWithTarget:target
-                                                                                   action:@selector(recognizerChanged:)];
+  UILongPressGestureRecognizer* g = attach<UILongPressGestureRecognizer>(view, cancelsTouchesInView, std::move(action));
   g.minimumPressDuration = minimumPressDuration;
-  g.cancelsTouchesInView = cancelsTouchesInView;
-  objc_setAssociatedObject(g, &kTargetKey, target, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
-  ios::translating([&] { [(UIView*)ios::object(view) addGestureRecognizer:g]; });
   return ios::handle(g);
 }
 
 GestureState gestureState(rt::Id recognizer) {
-  id r = ios::object(recognizer);
-  if (!r || ![r isKindOfClass:[UIGestureRecognizer class]]) return GestureState::Possible;
-  return static_cast<GestureState>([(UIGestureRecognizer*)r state]);
+  UIGestureRecognizer* r = recognizerOf(recognizer);
+  return r ? static_cast<GestureState>(r.state) : GestureState::Possible;
+}
+
+rt::Id addTap(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action) {
+  return ios::handle(attach<UITapGestureRecognizer>(view, cancelsTouchesInView, std::move(action)));
+}
+
+rt::CGPoint locationInView(rt::Id recognizer, rt::Id view) {
+  UIGestureRecognizer* r = recognizerOf(recognizer);
+  if (!r || !view) return {0, 0};
+  CGPoint p = [r locationInView:(UIView*)ios::object(view)];
+  return {p.x, p.y};
 }
 
 }  // namespace ui

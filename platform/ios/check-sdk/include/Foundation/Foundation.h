@@ -111,6 +111,19 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @interface NSIndexPath : NSObject <NSCopying>
 @end
 
+@interface NSIndexSet : NSObject <NSCopying>
++ (instancetype)indexSetWithIndex:(NSUInteger)value;
+@end
+
+@interface NSLocale : NSObject <NSCopying>
++ (instancetype)localeWithLocaleIdentifier:(NSString *)ident;
+@end
+
+@interface NSBundle : NSObject
+@property (class, readonly, strong) NSBundle *mainBundle;
+- (id)objectForInfoDictionaryKey:(NSString *)key;
+@end
+
 @interface NSDate : NSObject <NSCopying>
 + (instancetype)date;
 + (instancetype)dateWithTimeIntervalSinceReferenceDate:(NSTimeInterval)ti;
@@ -223,9 +236,12 @@ enum : NSCalendarUnit {
 @property NSInteger second;
 @end
 
+typedef NSUInteger NSCalendarOptions;
+
 @interface NSCalendar : NSObject
 @property (class, readonly, copy) NSCalendar *currentCalendar;
 - (NSDateComponents *)components:(NSCalendarUnit)unitFlags fromDate:(NSDate *)date;
+- (NSDate *)dateBySettingHour:(NSInteger)h minute:(NSInteger)m second:(NSInteger)s ofDate:(NSDate *)date options:(NSCalendarOptions)opts;
 @end
 
 extern "C" {
