@@ -7,6 +7,8 @@ packages=(
   g++ clang cmake ninja-build pkg-config
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libplist-dev libicu-dev
+  # The simulator's pictures: cairo and pango, and a font with the Chinese texts.
+  libcairo2-dev libpango1.0-dev fonts-noto-cjk
   # The iOS check build: ld64.lld, libc++'s headers, glibc's arm64 headers.
   lld-14 libc++-14-dev libc++abi-14-dev libc6-dev-arm64-cross file
 )

@@ -18,6 +18,7 @@ namespace qbsim {
 struct SimOptions {
   std::string container;  // empty: a fresh temporary container
   bool trace = false;
+  std::string picturesDir;  // non-empty: a numbered picture after every show of a screen
   std::uint64_t seed = 1;
 };
 
@@ -57,6 +58,9 @@ class Session {
 
   std::ostream& out() { return out_; }
   bool trace() const { return options_.trace; }
+  const std::string& picturesDir() const { return options_.picturesDir; }
+  // 1, 2, 3…: the number of the next picture of this session's story.
+  int nextPictureNumber() { return ++picturesTaken_; }
   // The settings file of the app in this device's container.
   std::string settingsPath() const;
 
@@ -67,6 +71,7 @@ class Session {
   hostapp::HostApp host_;
   std::unique_ptr<sim::Process> process_;
   std::size_t violationsSeen_ = 0;
+  int picturesTaken_ = 0;
 };
 
 std::string formatLogTime(const sim::LogLine& line);
