@@ -193,11 +193,12 @@ TEST(PictureStory, AShowOfAScreenLeavesANumberedPictureAndOtherShowsNone) {
   qbsim::SimOptions options;
   options.picturesDir = dir.string();
   std::ostringstream out;
-  ASSERT_EQ(qbsim::runFiles({script.string()}, options, out), 0) << out.str();
+  ASSERT_EQ(qbsim::runFiles({script.string(), script.string()}, options, out), 0) << out.str();
   std::vector<std::string> names;
   for (const auto& e : std::filesystem::directory_iterator(dir)) names.push_back(e.path().filename().string());
   std::sort(names.begin(), names.end());
-  EXPECT_EQ(names, (std::vector<std::string>{"001-main.png", "002-contacts.png"}));
+  EXPECT_EQ(names, (std::vector<std::string>{"001-main.png", "002-contacts.png", "003-main.png", "004-contacts.png"}))
+      << "the second file's pictures number on";
   std::ifstream f(dir / "001-main.png", std::ios::binary);
   std::string png((std::istreambuf_iterator<char>(f)), {});
   ASSERT_GT(png.size(), 24u);

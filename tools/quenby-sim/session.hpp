@@ -19,6 +19,8 @@ struct SimOptions {
   std::string container;  // empty: a fresh temporary container
   bool trace = false;
   std::string picturesDir;  // non-empty: a numbered picture after every show of a screen
+  // Shared by every session of a run, so the files of `run A B` number on.
+  std::shared_ptr<int> picturesTaken = std::make_shared<int>(0);
   std::uint64_t seed = 1;
 };
 
@@ -59,8 +61,8 @@ class Session {
   std::ostream& out() { return out_; }
   bool trace() const { return options_.trace; }
   const std::string& picturesDir() const { return options_.picturesDir; }
-  // 1, 2, 3…: the number of the next picture of this session's story.
-  int nextPictureNumber() { return ++picturesTaken_; }
+  // 1, 2, 3…: the number of the next picture of this run's story.
+  int nextPictureNumber() { return ++*options_.picturesTaken; }
   // The settings file of the app in this device's container.
   std::string settingsPath() const;
 
@@ -71,7 +73,6 @@ class Session {
   hostapp::HostApp host_;
   std::unique_ptr<sim::Process> process_;
   std::size_t violationsSeen_ = 0;
-  int picturesTaken_ = 0;
 };
 
 std::string formatLogTime(const sim::LogLine& line);
