@@ -1,7 +1,8 @@
 // Pictures of the simulated screens hold what a person would check on them:
 // the phone's pixel size, a mark under the checked row only, switches that
 // look on or off, Chinese text drawn with glyphs, the secret's row only when
-// revealed, dialogs centred, and a numbered picture after each show of a screen.
+// revealed, dialogs centred, an in-app banner while it lasts, and a numbered
+// picture after each show of a screen.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -175,6 +176,22 @@ TEST_F(Pictures, TheWindowEditorsThreeDialogsAreCentredWithTheirWheelAndButtons)
   f = alertFrame();
   EXPECT_DOUBLE_EQ(f.origin.y + f.size.height / 2, 422);
   for (const Picture* p : {&start, &end, &mode}) EXPECT_EQ(p->unknownGlyphs, 0);
+}
+
+TEST_F(Pictures, AnInAppBannerShowsOverTheListUntilItsTimeIsUp) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "session alice", "launch", "wait 2",
+       "message bob \"晚上见\"", "expect banner bob"});
+  Picture p = draw();
+  auto has = [](const Picture& pic, const std::string& text) {
+    return std::find(pic.texts.begin(), pic.texts.end(), text) != pic.texts.end();
+  };
+  EXPECT_TRUE(has(p, "bob") && has(p, "晚上见"));
+  EXPECT_NE(p.pixel(30, 60), p.pixel(30, 40)) << "the card stands out from the bar behind it";
+  std::uint32_t beside = p.pixel(370, 75);  // right of the text, inside the card
+  EXPECT_GT(int(beside & 0xFF), 200) << "the text lies on the light card, not on a box of its own";
+  run({"wait 4"});
+  Picture later = draw();
+  EXPECT_FALSE(has(later, "晚上见"));
 }
 
 TEST(PictureCanvas, CountsGlyphsNoFontHas) {
