@@ -18,6 +18,7 @@
 #include "sim/picture/canvas.hpp"
 #include "sim/picture/png_text.hpp"
 #include "sim/picture/screen_picture.hpp"
+#include "sim/picture/shrink.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "ui/colors.hpp"
 
@@ -200,6 +201,23 @@ TEST(PictureCanvas, CountsGlyphsNoFontHas) {
   EXPECT_EQ(c.unknownGlyphs(), 0);
   c.text("\xEE\x80\x80", {{0, 0}, {100, 40}}, {17, ui::Weight::Regular}, ui::kLabel);  // U+E000, private use
   EXPECT_EQ(c.unknownGlyphs(), 1);
+}
+
+TEST_F(Pictures, AShrunkCopyKeepsTheProportionsAndTheSymbolNames) {
+  openPanel();
+  Picture p = draw();
+  std::string small = sim::picture::shrunk(p.png, 390);
+  ASSERT_FALSE(small.empty());
+  auto be32 = [&](std::size_t at) {
+    unsigned v = 0;
+    for (std::size_t i = 0; i < 4; ++i) v = v << 8 | static_cast<unsigned char>(small[at + i]);
+    return v;
+  };
+  EXPECT_EQ(be32(16), 390u);
+  EXPECT_EQ(be32(20), 844u);
+  EXPECT_EQ(sim::picture::textChunks(small)["Symbols"], sim::picture::textChunks(p.png)["Symbols"]);
+  EXPECT_LT(small.size(), p.png.size() / 3);
+  EXPECT_TRUE(sim::picture::shrunk("not a png", 390).empty());
 }
 
 TEST(PictureStory, AShowOfAScreenLeavesANumberedPictureAndOtherShowsNone) {
