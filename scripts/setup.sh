@@ -8,6 +8,8 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libplist-dev libicu-dev
   python3  # scripts/bench.sh reads the benchmarks' JSON
+  # The simulator's pictures: cairo and pango, and a font with the Chinese texts.
+  libcairo2-dev libpango1.0-dev fonts-noto-cjk
   # The iOS check build: ld64.lld, libc++'s headers, glibc's arm64 headers.
   lld-14 libc++-14-dev libc++abi-14-dev libc6-dev-arm64-cross file
 )

@@ -53,7 +53,9 @@ rt::CGSize textSize(const std::string& text, const Font& font) {
 rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector<DrawOp>& ops) {
   std::vector<std::string> drawing;
   for (const DrawOp& op : ops) drawing.push_back(describe(op));
-  return sim::drawnImage(size, scale > 0 ? scale : 3.0, opaque, std::move(drawing));
+  rt::Id image = sim::drawnImage(size, scale > 0 ? scale : 3.0, opaque, std::move(drawing));
+  sim::imageState(image)->ops = ops;
+  return image;
 }
 
 rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Color tint) {
@@ -62,7 +64,10 @@ rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Col
   std::snprintf(buf, sizeof buf, " %g %s rgba(%g,%g,%g,%g)", pointSize, weightName(weight), tint.red, tint.green,
                 tint.blue, tint.alpha);
   // A symbol is about as wide and high as its point size.
-  return sim::drawnImage({pointSize + 2, pointSize}, 3.0, false, {"symbol " + name + buf});
+  rt::Id image = sim::drawnImage({pointSize + 2, pointSize}, 3.0, false, {"symbol " + name + buf});
+  sim::imageState(image)->symbol = name;
+  sim::imageState(image)->tint = tint;
+  return image;
 }
 
 rt::CGSize imageSize(rt::Id image) {

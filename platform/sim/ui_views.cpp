@@ -22,6 +22,7 @@ rt::Id makeLabel(const std::string& text, const LabelStyle& style) {
                 style.background.blue, style.background.alpha, style.centered ? " centered" : "", style.cornerRadius,
                 style.clipsToBounds ? " clipped" : "", style.numberOfLines);
   v.style = buf;
+  v.look = style;
   return label;
 }
 

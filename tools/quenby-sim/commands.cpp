@@ -17,6 +17,7 @@ const CommandTable& commandTable() {
     addNotifyCommands(t);
     addPanelCommands(t);
     addSurfaceCommands(t);
+    addPictureCommands(t);
     return t;
   }();
   return table;
@@ -37,6 +38,7 @@ void execute(Session& session, const Command& command) {
   }
   it->second.run(session, command);
   session.settle();
+  if (first == "show") pictureAfterShow(session, command.words[1]);
 }
 
 std::vector<std::string> splitWords(const std::string& line) {

@@ -2,7 +2,7 @@
 //   quenby-sim [demo]            the narrated demo
 //   quenby-sim run FILE…         scenario files, each on a new device
 //   quenby-sim repl              commands from standard input
-// Options: --container DIR, --trace.
+// Options: --container DIR, --trace, --pictures DIR.
 #include <unistd.h>
 
 #include <iostream>
@@ -14,7 +14,7 @@
 namespace {
 
 int usage() {
-  std::cerr << "usage: quenby-sim [--container DIR] [--trace] [demo | run FILE... | repl]\n";
+  std::cerr << "usage: quenby-sim [--container DIR] [--trace] [--pictures DIR] [demo | run FILE... | repl]\n";
   return qbsim::kScriptError;
 }
 
@@ -30,6 +30,11 @@ int main(int argc, char** argv) {
     } else if (a == "--container") {
       if (++i >= argc) return usage();
       options.container = argv[i];
+    } else if (a == "--pictures") {
+      if (++i >= argc) return usage();
+      options.picturesDir = argv[i];
+    } else if (a.rfind("--pictures=", 0) == 0) {
+      options.picturesDir = a.substr(11);
     } else if (a.rfind("--container=", 0) == 0) {
       options.container = a.substr(12);
     } else if (a == "--help" || a == "-h") {

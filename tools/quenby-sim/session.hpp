@@ -18,6 +18,9 @@ namespace qbsim {
 struct SimOptions {
   std::string container;  // empty: a fresh temporary container
   bool trace = false;
+  std::string picturesDir;  // non-empty: a numbered picture after every show of a screen
+  // Shared by every session of a run, so the files of `run A B` number on.
+  std::shared_ptr<int> picturesTaken = std::make_shared<int>(0);
   std::uint64_t seed = 1;
 };
 
@@ -57,6 +60,9 @@ class Session {
 
   std::ostream& out() { return out_; }
   bool trace() const { return options_.trace; }
+  const std::string& picturesDir() const { return options_.picturesDir; }
+  // 1, 2, 3…: the number of the next picture of this run's story.
+  int nextPictureNumber() { return ++*options_.picturesTaken; }
   // The settings file of the app in this device's container.
   std::string settingsPath() const;
 

@@ -134,6 +134,8 @@ rt::Id inNavigation(rt::Id root) {
 void HostApp::buildFirstScreen() {
   mainFrame_ = newController("NewMainFrameViewController");
   contactsScreen_ = newController("ContactsViewController");
+  rt::send<void>(mainFrame_, "setTitle:", rt::str("微信"));
+  rt::send<void>(contactsScreen_, "setTitle:", rt::str("通讯录"));
   tabs_ = rt::send<rt::Id>(rt::send<rt::Id>(rt::getClass("UITabBarController"), "alloc"), "init");
   rt::send<void>(tabs_, "setViewControllers:", rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_)}));
   sim::addWindow(tabs_, true);

@@ -10,6 +10,7 @@
 #include "rt/send.hpp"
 #include "sim/foundation.hpp"
 #include "sim/runtime.hpp"
+#include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
 
 namespace hostapp {
@@ -129,8 +130,19 @@ Id logicGetCellDataAtIndexPath(Id, SEL, Id ip) {
 }
 long numberOfSections(Id, SEL, Id) { return 1; }
 long numberOfRows(Id self, SEL, Id, long section) { return rt::send<long>(self, "logicGetCountForSection:", section); }
-// The host's cell shows the cell data of its row.
-Id cellForRow(Id self, SEL, Id, Id ip) { return rt::send<Id>(self, "logicGetCellDataAtIndexPath:", ip); }
+// The name a chat's row shows: the remark, the nickname or the group's title.
+std::string chatTitle(const std::string& username) {
+  if (Friend* f = model().findFriend(username)) return !f->remark.empty() ? f->remark : !f->nickname.empty() ? f->nickname : username;
+  if (const Room* r = model().findRoom(username)) return r->title.empty() ? username : r->title;
+  return username;
+}
+
+// The host's cell shows the cell data of its row, with the username under the name.
+Id cellForRow(Id self, SEL, Id, Id ip) {
+  Id data = rt::send<Id>(self, "logicGetCellDataAtIndexPath:", ip);
+  std::string name = data ? rt::asString(ivar(data, "m_nsUsrName")).value_or("") : "";
+  return sim::makeListCell(name.empty() ? "" : chatTitle(name), name, data);
+}
 void mainViewDidLoad(Id self, SEL) {
   Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
   setIvar(self, "m_tableView", table);
@@ -222,7 +234,8 @@ std::vector<std::string> HostApp::mainListShown() const {
   if (!v) return out;
   for (const auto& section : v->shownRows)
     for (Id cell : section) {
-      Id name = cell ? rt::ivarObject(cell, rt::getInstanceVariable(rt::classOf(cell), "m_nsUsrName")) : nullptr;
+      Id data = sim::representedBy(cell);
+      Id name = data ? rt::ivarObject(data, rt::getInstanceVariable(rt::classOf(data), "m_nsUsrName")) : nullptr;
       out.push_back(rt::asString(name).value_or("(empty row)"));
     }
   return out;

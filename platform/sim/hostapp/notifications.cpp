@@ -5,6 +5,7 @@
 // local-notification manager's push chain down to a system notification
 // request. A nil or NO answer on the way stops that path, as in the host;
 // a method this build lacks is not called.
+#include "hostapp/banner_view.hpp"
 #include "hostapp/host_app.hpp"
 #include "hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
@@ -75,8 +76,11 @@ void onNewMsgArriving(Id self, SEL, Id m, long) {
     rt::send<void>(banner, "showQuickReplyItem:dismissTimeout:", item, kQuickReplyTimeout_s);
 }
 bool shouldShowQuickReplyPush(Id, SEL, Id) { return true; }
-void showQuickReplyItem(Id, SEL, Id item, double) {
-  if (item) notices().banner("in-app");
+void showQuickReplyItem(Id, SEL, Id item, double timeout) {
+  if (!item) return;
+  notices().banner("in-app");
+  Id m = rt::ivarObject(item, rt::getInstanceVariable(rt::classOf(item), "msgWrap"));
+  if (const HostMessage* msg = message(m)) showBannerView(msg->from, msg->text, timeout);
 }
 
 // --- The sound: the session manager's notify step asks the main frame's logic.

@@ -3,6 +3,7 @@
 // opening a screen on the selected tab, and the registration of their classes.
 #include <algorithm>
 #include <functional>
+#include <map>
 
 #include "hostapp/host_class.hpp"
 #include "hostapp/surfaces.hpp"
@@ -98,6 +99,9 @@ void push(HostApp& app, const char* slot, const char* cls, const std::function<v
   if (!app.tabs()) return;
   app.popToRoot();
   rt::Id screen = newScreen(cls);
+  static const std::map<std::string, std::string> titles = {
+      {"search", "搜索"}, {"moments", "朋友圈"}, {"forward", "选择一个聊天"}};
+  if (auto t = titles.find(slot); t != titles.end()) rt::send<void>(screen, "setTitle:", rt::str(t->second));
   if (setUp) setUp(screen);
   rt::Id nav = rt::send<rt::Id>(app.tabs(), "selectedViewController");
   rt::send<void>(nav, "pushViewController:animated:", screen, true);

@@ -13,6 +13,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/runtime.hpp"
+#include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
 
 namespace hostapp {
@@ -116,7 +117,8 @@ long numberOfRows(Id self, SEL, Id, long section) { return rt::count(sectionRows
 Id cellForRow(Id self, SEL, Id, Id ip) {
   std::vector<Id> rows = rt::elements(sectionRows(self, rt::indexPathSection(ip)));
   long row = rt::indexPathRow(ip);
-  return row >= 0 && row < long(rows.size()) ? rows[std::size_t(row)] : nullptr;
+  Id contact = row >= 0 && row < long(rows.size()) ? rows[std::size_t(row)] : nullptr;
+  return sim::makeListCell(contact ? contactDisplayName(contact) : "", "", contact);
 }
 
 void viewDidLoad(Id self, SEL) {
@@ -154,7 +156,7 @@ std::vector<std::string> contactsShown(HostApp& app) {
   if (!v) return out;
   for (const auto& section : v->shownRows)
     for (Id cell : section) {
-      std::string u = contactUsername(cell);
+      std::string u = contactUsername(sim::representedBy(cell));
       out.push_back(u.empty() ? "(empty row)" : u);
     }
   return out;

@@ -50,6 +50,7 @@ double imageScale(Id self, SEL) { return imageState(self)->scale; }
 Id systemImageNamed(Id, SEL, Id name) {
   Id img = rt::send<Id>(rt::send<Id>(rt::getClass("UIImage"), "alloc"), "init");
   imageState(img)->source = "symbol:" + rt::asString(name).value_or("");
+  imageState(img)->symbol = rt::asString(name).value_or("");
   imageState(img)->size = {17, 17};
   return img;
 }

@@ -13,6 +13,8 @@
 #include "sim/class_builder.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "ui/views.hpp"
+#include "base/utf8.hpp"
+#include "ui/colors.hpp"
 
 namespace sim {
 namespace {
@@ -102,6 +104,36 @@ void registerTables() {
   rt::addMethod(table, rt::sel("dequeueReusableCellWithIdentifier:"), dequeueReusable);
   rt::Method reload = rt::getInstanceMethod(table, rt::sel("reloadData"));
   hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
+}
+
+rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented) {
+  Id cell = newObject("UITableViewCell");
+  CellState& c = extra<CellState>(cell);
+  c.spec.style = detail.empty() ? ui::CellStyle::Default : ui::CellStyle::Subtitle;
+  c.spec.title = title;
+  c.spec.detail = detail;
+  c.spec.titleFont = ui::Font{16, ui::Weight::Regular};
+  c.spec.detailFont = ui::Font{12, ui::Weight::Regular};
+  c.represented = represented;
+  c.laidOut = true;
+  if (title.empty()) return cell;
+  // A placeholder avatar: the name's first character on a colour of its own.
+  std::size_t first = 0;
+  base::decodeUtf8(title, first);
+  std::uint32_t hash = 2166136261u;
+  for (unsigned char ch : detail.empty() ? title : detail) hash = (hash ^ ch) * 16777619u;
+  ui::Color tint{0.35 + 0.4 * double(hash % 7) / 6, 0.55 + 0.3 * double(hash / 7 % 5) / 4, 0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
+  ui::Font initialFont{16, ui::Weight::Semibold};
+  rt::CGSize size = ui::textSize(title.substr(0, first), initialFont);
+  c.spec.image = ui::renderImage({34, 34}, 0, true,
+                                 {ui::FillRect{{{0, 0}, {34, 34}}, tint, 6},
+                                  ui::DrawText{title.substr(0, first), {(34 - size.width) / 2, (34 - size.height) / 2}, initialFont, ui::kWhite}});
+  return cell;
+}
+
+rt::Id representedBy(rt::Id cell) {
+  CellState* c = cell ? findExtra<CellState>(cell) : nullptr;
+  return c ? c->represented : nullptr;
 }
 
 rt::Id tableOf(rt::Id controller) {
@@ -262,6 +294,7 @@ rt::Id setStackedHeader(rt::Id table, double width, double margin, const std::ve
     t.headerLines.push_back(l.text);
   }
   t.headerSize = {width, height};
+  t.headerView = header;
   rt::send<void>(header, "setFrame:", rt::CGRect{{0, 0}, t.headerSize});
   return header;
 }

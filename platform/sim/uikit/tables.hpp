@@ -37,6 +37,7 @@ struct CellState {
   ui::CellSpec spec;
   std::string reuseIdentifier;
   bool laidOut = false;
+  rt::Id represented = nullptr;  // the host's data object behind a host list's cell
 };
 struct SwitchState {
   bool on = false;
@@ -52,6 +53,7 @@ struct TableState {
   ui::TableLook look;
   std::vector<std::string> headerLines;
   rt::CGSize headerSize;
+  rt::Id headerView = nullptr;
   std::vector<long> rowCounts;  // as last asked: the basis of UIKit's update checks
   bool countsKnown = false;
 };
@@ -81,6 +83,12 @@ struct TapState {
 };
 
 void registerTables();
+
+// A cell of one of the host's own lists: a default-style cell whose label
+// shows `title` (and `detail` under it), standing for `represented`.
+rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented);
+// The data object behind a host list's cell (nil for any other cell).
+rt::Id representedBy(rt::Id cell);
 
 struct ShownRow {
   std::string title, detail;

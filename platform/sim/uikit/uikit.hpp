@@ -10,6 +10,8 @@
 
 #include "rt/geometry.hpp"
 #include "rt/types.hpp"
+#include "ui/drawing.hpp"
+#include "ui/views.hpp"
 
 namespace sim {
 
@@ -26,6 +28,7 @@ struct ViewState {
   std::vector<rt::Id> gestureRecognizers;
   std::string text;                  // UILabel
   std::string style;                 // a label's look, as the system set it
+  ui::LabelStyle look;               // the same look, for drawing
   rt::Id rootViewController = nullptr;  // UIWindow
   bool keyWindow = false;               // UIWindow
   // UITableView
@@ -66,6 +69,10 @@ struct ImageState {
   bool opaque = false;
   // What was drawn into a drawn image, in order, for tests to read.
   std::vector<std::string> drawing;
+  // The same, for drawing: the operations, or the system symbol and its tint.
+  std::vector<ui::DrawOp> ops;
+  std::string symbol;
+  ui::Color tint;
 };
 
 void registerUIKit(Runtime& rtm);

@@ -1,0 +1,251 @@
+// Pictures of the simulated screens hold what a person would check on them:
+// the phone's pixel size, a mark under the checked row only, switches that
+// look on or off, Chinese text drawn with glyphs, the secret's row only when
+// revealed, dialogs centred, an in-app banner while it lasts, and a numbered
+// picture after each show of a screen.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "commands.hpp"
+#include "rt/send.hpp"
+#include "runner.hpp"
+#include "sim/picture/canvas.hpp"
+#include "sim/picture/png_text.hpp"
+#include "sim/picture/screen_picture.hpp"
+#include "sim/picture/shrink.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "ui/colors.hpp"
+
+namespace {
+
+using sim::picture::Picture;
+
+class Pictures : public ::testing::Test {
+ protected:
+  void run(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) qbsim::execute(session, {qbsim::splitWords(line), line});
+  }
+  Picture draw() {
+    Picture p;
+    session.process()->runGuarded([&] { p = sim::picture::drawScreen(); });
+    return p;
+  }
+  void openPanel() {
+    run({"friend alice nick=Alice", "friend bob nick=Bob", "session bob", "session alice", "secret bob", "launch",
+         "wait 2", "open about", "wait 1", "tap page", "tap page", "tap page", "tap page", "tap page", "type 7351",
+         "press 确定", "wait 1", "expect screen panel"});
+  }
+  static const sim::picture::DrawnRow& row(const Picture& p, const std::string& title) {
+    for (const auto& r : p.rows)
+      if (r.title == title) return r;
+    throw std::runtime_error("no row " + title);
+  }
+  // How many pixels in `r` are not the white of a row.
+  static int marked(const Picture& p, rt::CGRect r) {
+    int n = 0;
+    for (double y = r.origin.y; y < r.origin.y + r.size.height; y += 1.0 / 3)
+      for (double x = r.origin.x; x < r.origin.x + r.size.width; x += 1.0 / 3)
+        if (p.pixel(x, y) != 0xFFFFFFFFu) ++n;
+    return n;
+  }
+  std::ostringstream out;
+  qbsim::Session session{{}, out};
+};
+
+TEST_F(Pictures, TheMainListShowsTheSecretOnlyWhenRevealed) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "session bob", "session alice", "secret bob", "launch",
+       "wait 2", "expect hidden"});
+  Picture hidden = draw();
+  EXPECT_EQ(hidden.width, 1170);
+  EXPECT_EQ(hidden.height, 2532);
+  ASSERT_EQ(hidden.rows.size(), 1u);
+  EXPECT_EQ(hidden.rows[0].title, "Alice");
+  run({"shake", "type 7351", "press 确定", "wait 1", "expect revealed"});
+  Picture revealed = draw();
+  ASSERT_EQ(revealed.rows.size(), 2u);
+  EXPECT_EQ(revealed.rows[0].title, "Alice");
+  EXPECT_EQ(revealed.rows[1].title, "Bob");
+  // Rows are stacked, not drawn over each other, and start below the bars.
+  EXPECT_GE(revealed.rows[0].frame.origin.y, 47 + 44);
+  EXPECT_GE(revealed.rows[1].frame.origin.y, revealed.rows[0].frame.origin.y + revealed.rows[0].frame.size.height);
+  EXPECT_EQ(revealed.unknownGlyphs, 0);
+  EXPECT_GT(marked(revealed, revealed.rows[1].frame), 0) << "Bob's row is drawn";
+}
+
+TEST_F(Pictures, TheContactsListDrawsOneRowPerContactShown) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "friend carol nick=卡罗", "secret bob", "launch", "wait 2",
+       "open contacts"});
+  Picture p = draw();
+  std::vector<std::string> titles;
+  for (const auto& r : p.rows) titles.push_back(r.title);
+  EXPECT_EQ(titles, (std::vector<std::string>{"Alice", "卡罗"}));
+  EXPECT_EQ(p.unknownGlyphs, 0);
+}
+
+TEST_F(Pictures, ThePanelMarksTheCheckedModeAndTheSwitchesInBothModes) {
+  openPanel();
+  Picture manual = draw();
+  EXPECT_EQ(manual.unknownGlyphs, 0) << "the panel's Chinese texts have glyphs";
+  EXPECT_EQ(row(manual, "手动控制").state, "checked");
+  int checked = marked(manual, row(manual, "手动控制").accessory);
+  int unchecked = marked(manual, row(manual, "定时控制").accessory);
+  EXPECT_GT(checked, 20);
+  EXPECT_EQ(unchecked, 0);
+  EXPECT_TRUE(manual.symbols.count("checkmark"));
+  EXPECT_TRUE(manual.symbols.count("hand.tap.fill"));
+  // The names of the stand-ins travel in the PNG.
+  std::string names = sim::picture::textChunks(manual.png)["Symbols"];
+  EXPECT_NE(names.find("checkmark"), std::string::npos) << names;
+  EXPECT_NE(names.find("clock.fill"), std::string::npos) << names;
+
+  run({"panel switch 2 0 off", "panel tap 0 1"});
+  Picture schedule = draw();
+  EXPECT_EQ(row(schedule, "定时控制").state, "checked");
+  EXPECT_EQ(marked(schedule, row(schedule, "手动控制").accessory), 0);
+  EXPECT_GT(marked(schedule, row(schedule, "定时控制").accessory), 20);
+  EXPECT_NE(schedule.rows.size(), manual.rows.size()) << "schedule mode lists the daily windows instead";
+  EXPECT_TRUE(schedule.symbols.count("plus"));
+  EXPECT_EQ(schedule.unknownGlyphs, 0);
+}
+
+TEST_F(Pictures, SwitchesLookOnOrOff) {
+  openPanel();
+  run({"panel switch 2 0 off"});
+  Picture p = draw();
+  const auto& off = row(p, "轻晃隐藏");
+  const auto& on = row(p, "轻晃显示");
+  ASSERT_EQ(off.state, "off");
+  ASSERT_EQ(on.state, "on");
+  auto green = [&](const sim::picture::DrawnRow& r) {
+    int n = 0;
+    for (double x = r.accessory.origin.x; x < r.accessory.origin.x + r.accessory.size.width; x += 1)
+      for (double y = r.accessory.origin.y; y < r.accessory.origin.y + r.accessory.size.height; y += 1) {
+        std::uint32_t px = p.pixel(x, y);
+        int red = int(px >> 16 & 0xFF), g = int(px >> 8 & 0xFF);
+        if (g > 150 && red < 100) ++n;
+      }
+    return n;
+  };
+  EXPECT_GT(green(on), 100);
+  EXPECT_EQ(green(off), 0);
+}
+
+TEST_F(Pictures, ThePickerDrawsItsSearchAndTheCheckedContact) {
+  openPanel();
+  run({"panel tap 7 0", "wait 1", "picker search b"});
+  Picture p = draw();
+  EXPECT_EQ(row(p, "Bob").state, "checked");
+  EXPECT_GT(marked(p, row(p, "Bob").accessory), 20);
+  EXPECT_NE(std::find(p.texts.begin(), p.texts.end(), "b"), p.texts.end()) << "the search text";
+  EXPECT_NE(std::find(p.texts.begin(), p.texts.end(), "添加密友"), p.texts.end()) << "the title";
+  EXPECT_TRUE(p.symbols.count("magnifyingglass"));
+  EXPECT_EQ(p.unknownGlyphs, 0);
+}
+
+TEST_F(Pictures, TheWindowEditorsThreeDialogsAreCentredWithTheirWheelAndButtons) {
+  openPanel();
+  run({"panel tap 0 1", "panel tap 2 1", "wait 1", "time 22:30"});
+  auto alertFrame = [&] {
+    rt::CGRect f;
+    session.process()->runGuarded([&] { f = sim::viewState(rt::send<rt::Id>(sim::topController(), "view"))->frame; });
+    return f;
+  };
+  auto has = [](const Picture& p, const std::string& text) {
+    return std::find(p.texts.begin(), p.texts.end(), text) != p.texts.end();
+  };
+  Picture start = draw();
+  EXPECT_TRUE(has(start, "① 选择开始时间"));
+  EXPECT_TRUE(has(start, "22") && has(start, "30")) << "the wheel shows the time set";
+  rt::CGRect f = alertFrame();
+  EXPECT_DOUBLE_EQ(f.origin.x + f.size.width / 2, 195);
+  EXPECT_DOUBLE_EQ(f.origin.y + f.size.height / 2, 422);
+  EXPECT_GE(f.size.height, 320) << "tall enough for the wheel";
+  run({"press 确定", "wait 1", "time 23:15"});
+  Picture end = draw();
+  EXPECT_TRUE(has(end, "② 选择结束时间"));
+  EXPECT_TRUE(has(end, "23") && has(end, "15"));
+  run({"press 确定", "wait 1"});
+  Picture mode = draw();
+  EXPECT_TRUE(has(mode, "③ 这段时间要"));
+  for (const char* button : {"显示", "隐藏", "取消"}) EXPECT_TRUE(has(mode, button)) << button;
+  f = alertFrame();
+  EXPECT_DOUBLE_EQ(f.origin.y + f.size.height / 2, 422);
+  for (const Picture* p : {&start, &end, &mode}) EXPECT_EQ(p->unknownGlyphs, 0);
+}
+
+TEST_F(Pictures, AnInAppBannerShowsOverTheListUntilItsTimeIsUp) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "session alice", "launch", "wait 2",
+       "message bob \"晚上见\"", "expect banner bob"});
+  Picture p = draw();
+  auto has = [](const Picture& pic, const std::string& text) {
+    return std::find(pic.texts.begin(), pic.texts.end(), text) != pic.texts.end();
+  };
+  EXPECT_TRUE(has(p, "bob") && has(p, "晚上见"));
+  EXPECT_NE(p.pixel(30, 60), p.pixel(30, 40)) << "the card stands out from the bar behind it";
+  std::uint32_t beside = p.pixel(370, 75);  // right of the text, inside the card
+  EXPECT_GT(int(beside & 0xFF), 200) << "the text lies on the light card, not on a box of its own";
+  run({"wait 4"});
+  Picture later = draw();
+  EXPECT_FALSE(has(later, "晚上见"));
+}
+
+TEST(PictureCanvas, CountsGlyphsNoFontHas) {
+  sim::picture::Canvas c(100, 40, 1);
+  c.text("密友", {{0, 0}, {100, 40}}, {17, ui::Weight::Regular}, ui::kLabel);
+  EXPECT_EQ(c.unknownGlyphs(), 0);
+  c.text("\xEE\x80\x80", {{0, 0}, {100, 40}}, {17, ui::Weight::Regular}, ui::kLabel);  // U+E000, private use
+  EXPECT_EQ(c.unknownGlyphs(), 1);
+}
+
+TEST_F(Pictures, AShrunkCopyKeepsTheProportionsAndTheSymbolNames) {
+  openPanel();
+  Picture p = draw();
+  std::string small = sim::picture::shrunk(p.png, 390);
+  ASSERT_FALSE(small.empty());
+  auto be32 = [&](std::size_t at) {
+    unsigned v = 0;
+    for (std::size_t i = 0; i < 4; ++i) v = v << 8 | static_cast<unsigned char>(small[at + i]);
+    return v;
+  };
+  EXPECT_EQ(be32(16), 390u);
+  EXPECT_EQ(be32(20), 844u);
+  EXPECT_EQ(sim::picture::textChunks(small)["Symbols"], sim::picture::textChunks(p.png)["Symbols"]);
+  EXPECT_LT(small.size(), p.png.size() / 3);
+  EXPECT_TRUE(sim::picture::shrunk("not a png", 390).empty());
+}
+
+TEST(PictureStory, AShowOfAScreenLeavesANumberedPictureAndOtherShowsNone) {
+  std::filesystem::path dir =
+      std::filesystem::temp_directory_path() / ("quenby-pictures-" + std::to_string(::getpid()));
+  std::filesystem::path script = dir.string() + ".qbs";
+  std::ofstream(script) << "launch\nshow main\nshow state\nshow config\nshow log\nopen contacts\nshow contacts\n";
+  qbsim::SimOptions options;
+  options.picturesDir = dir.string();
+  std::ostringstream out;
+  ASSERT_EQ(qbsim::runFiles({script.string(), script.string()}, options, out), 0) << out.str();
+  std::vector<std::string> names;
+  for (const auto& e : std::filesystem::directory_iterator(dir)) names.push_back(e.path().filename().string());
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (std::vector<std::string>{"001-main.png", "002-contacts.png", "003-main.png", "004-contacts.png"}))
+      << "the second file's pictures number on";
+  std::ifstream f(dir / "001-main.png", std::ios::binary);
+  std::string png((std::istreambuf_iterator<char>(f)), {});
+  ASSERT_GT(png.size(), 24u);
+  auto be32 = [&](std::size_t at) {
+    return (unsigned(static_cast<unsigned char>(png[at])) << 24) | (unsigned(static_cast<unsigned char>(png[at + 1])) << 16) |
+           (unsigned(static_cast<unsigned char>(png[at + 2])) << 8) | unsigned(static_cast<unsigned char>(png[at + 3]));
+  };
+  EXPECT_EQ(be32(16), 1170u);
+  EXPECT_EQ(be32(20), 2532u);
+  EXPECT_TRUE(sim::picture::textChunks(png).count("Symbols"));
+  std::filesystem::remove_all(dir);
+  std::filesystem::remove(script);
+}
+
+}  // namespace
