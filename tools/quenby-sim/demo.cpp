@@ -40,6 +40,10 @@ const std::vector<Step>& demoSteps() {
       {"A long press on a chat's title bar reveals too (after the password); leaving the app hides again.",
        {"open chat alice", "longpress", "type 7351", "press 确定", "wait 2.5", "expect revealed", "background",
         "expect hidden", "foreground", "open main"}},
+      {"The app switcher keeps a picture of the screen taken as the app leaves. Reveal on the chat list and "
+       "leave: the lists are hidden before that picture is taken, so it never shows Bob.",
+       {"wait 1", "shake", "type 7351", "press 确定", "wait 3", "expect main carol bob alice team@chatroom",
+        "background", "show snapshot", "expect snapshot carol alice", "foreground", "wait 1"}},
       {"Hidden means hidden everywhere, not only in the chat list. Bob and Carol post to Moments; "
        "Bob is not in the contacts list, not found by a search, not in Moments, and not offered when forwarding.",
        {"moment carol \"morning run\"", "moment bob \"new office\"", "open contacts", "show contacts",
