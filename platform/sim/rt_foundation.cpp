@@ -178,29 +178,7 @@ bool isEqual(Id a, Id b) {
   return send<bool>(a, "isEqual:", b);
 }
 
-Id fromValue(const base::Value& v) {
-  using T = base::Value::Type;
-  switch (v.type()) {
-    case T::Null: return null();
-    case T::Bool: return boolNumber(*v.asBool());
-    case T::Integer: return number(long(*v.asInteger()));
-    case T::Real: return realNumber(*v.asReal());
-    case T::String: return str(*v.asString());
-    case T::Data: return null();  // no NSData in the simulation; nothing stores data
-    case T::Date: return dateWithReferenceSeconds(v.asDate()->seconds);
-    case T::Array: {
-      std::vector<Id> items;
-      for (const base::Value& e : *v.asArray()) items.push_back(fromValue(e));
-      return array(items);
-    }
-    case T::Dictionary: {
-      std::vector<std::pair<Id, Id>> entries;
-      for (const auto& [k, e] : *v.asDictionary()) entries.emplace_back(str(k), fromValue(e));
-      return dictionary(entries);
-    }
-  }
-  return nullptr;
-}
+Id dataWithBytes(const std::vector<std::uint8_t>&) { return null(); }
 
 std::optional<base::Value> toValue(Id obj) {
   if (!obj) return std::nullopt;

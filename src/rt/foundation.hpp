@@ -4,6 +4,7 @@
 // object that does not respond gives the zero value instead of raising).
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -86,6 +87,11 @@ Id now();                                 // [NSDate date]
 Id dateWithReferenceSeconds(double seconds);
 double referenceSeconds(Id date);         // timeIntervalSinceReferenceDate
 
+// --- NSData
+// [NSData dataWithBytes:length:]. The simulation has no NSData and answers
+// NSNull: nothing the system stores is data.
+Id dataWithBytes(const std::vector<std::uint8_t>& bytes);
+
 // --- Any object
 // [obj description]: "(null)" for nil. What "%@" prints.
 std::string description(Id obj);
@@ -94,6 +100,7 @@ bool isEqual(Id a, Id b);
 
 // Property-list values to Foundation objects and back. Objects that are not
 // property-list types give nullopt (inside a collection they are left out).
+// fromValue is portable (value_bridge.cpp): it builds with the makers above.
 Id fromValue(const base::Value& value);
 std::optional<base::Value> toValue(Id obj);
 

@@ -157,28 +157,8 @@ bool isEqual(Id a, Id b) {
 }
 
 // --- Property-list values
-Id fromValue(const base::Value& v) {
-  using T = base::Value::Type;
-  switch (v.type()) {
-    case T::Null: return null();
-    case T::Bool: return boolNumber(*v.asBool());
-    case T::Integer: return number(long(*v.asInteger()));
-    case T::Real: return realNumber(*v.asReal());
-    case T::String: return str(*v.asString());
-    case T::Data: return handle([NSData dataWithBytes:v.asData()->data() length:v.asData()->size()]);
-    case T::Date: return dateWithReferenceSeconds(v.asDate()->seconds);
-    case T::Array: {
-      std::vector<Id> items;
-      for (const base::Value& e : *v.asArray()) items.push_back(fromValue(e));
-      return array(items);
-    }
-    case T::Dictionary: {
-      std::vector<std::pair<Id, Id>> entries;
-      for (const auto& [k, e] : *v.asDictionary()) entries.emplace_back(str(k), fromValue(e));
-      return dictionary(entries);
-    }
-  }
-  return nullptr;
+Id dataWithBytes(const std::vector<std::uint8_t>& bytes) {
+  return handle([NSData dataWithBytes:bytes.data() length:bytes.size()]);
 }
 
 std::optional<base::Value> toValue(Id obj) {
