@@ -22,7 +22,18 @@ void defineNotificationClasses(HostApp& app);
 void defineCallClasses(HostApp& app);
 
 Friend* HostModel::findFriend(const std::string& username) {
-  for (Friend& f : friends)
+  // An index over the address book, rebuilt when the book has changed shape
+  // since (friends are added and removed at its end by the scripts).
+  bool stale = friendIndex_.size() != friends.size() ||
+               (!friends.empty() && friends.back().username != lastIndexed_);
+  if (stale) {
+    friendIndex_.clear();
+    for (std::size_t i = 0; i < friends.size(); ++i) friendIndex_.emplace(friends[i].username, i);
+    lastIndexed_ = friends.empty() ? "" : friends.back().username;
+  }
+  auto it = friendIndex_.find(username);
+  if (it != friendIndex_.end() && friends[it->second].username == username) return &friends[it->second];
+  for (Friend& f : friends)  // renamed in place: the slow way, as before
     if (f.username == username) return &f;
   return nullptr;
 }

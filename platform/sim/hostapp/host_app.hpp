@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <unordered_map>
 #include <vector>
 
 #include "rt/types.hpp"
@@ -55,6 +56,10 @@ struct HostModel {
 
   Friend* findFriend(const std::string& username);
   const Room* findRoom(const std::string& username) const;
+
+ private:
+  std::unordered_map<std::string, std::size_t> friendIndex_;
+  std::string lastIndexed_;
 };
 
 // Which build of the host runs: classes or methods it lacks, methods that raise.
