@@ -12,6 +12,9 @@ constexpr double kSettle = 0.5;
 // The schedule is applied at least this often; a screen or change that froze
 // it is over after the same time.
 constexpr double kScheduleSettle = 31.0;
+// A check's result lands 0.45 s after 确定, and the panel it opens 0.35 s
+// later: a departure before then may come back to that panel, revealed.
+constexpr double kResultPending = 1.0;
 // The auto-lock acts at most once per this long.
 constexpr double kAutoLockSpacing = 0.85;
 
@@ -44,7 +47,7 @@ void Checker::background(double now, bool somethingHeldOnScreen) {
   // Leaving in manual mode hides, unless a prompt or the panel holds the
   // auto-lock back, or the panel was dragged away (kept revealed by design).
   if (running_ && settings_.manual && credited_ && !settings_.secrets.empty() && !somethingHeldOnScreen &&
-      !panelHold_ && now - lastBackgroundAt_ >= kAutoLockSpacing) {
+      !panelHold_ && now - lastBackgroundAt_ >= kAutoLockSpacing && now - lastCredentialAt_ >= kResultPending) {
     credited_ = false;
     hiddenBy_ = 3;
   }
@@ -53,7 +56,10 @@ void Checker::background(double now, bool somethingHeldOnScreen) {
 
 void Checker::foreground(double) {}
 
-void Checker::credential() { credited_ = credentialSinceLaunch_ = true; }
+void Checker::credential(double now) {
+  credited_ = credentialSinceLaunch_ = true;
+  lastCredentialAt_ = now;
+}
 
 void Checker::saved(const Settings& now, double at) {
   if (now.manual != settings_.manual) {

@@ -62,7 +62,7 @@ class Checker {
   void quit();
   void background(double now, bool somethingHeldOnScreen);
   void foreground(double now);
-  void credential();  // a right password confirmed, or a passed biometric check
+  void credential(double now);  // a right password confirmed, or a passed biometric check
   void saved(const Settings& now, double at);
   void panelDone();
   void panelDismissed();
@@ -100,6 +100,7 @@ class Checker {
   int hiddenBy_ = 1;  // which promise a breach breaks: 1 (never revealed) or 3 (hidden on return)
   bool panelHold_ = false;
   double lastBackgroundAt_ = -1e9;
+  double lastCredentialAt_ = -1e9;
   double lastUnsureAt_ = -1e9;  // schedule mode: a change or a screen that freezes it
   double lastScheduleShowAt_ = -1e9;
   double modeSince_ = 0;

@@ -353,9 +353,9 @@ class Day {
     } else if (cmd == "foreground") checker_->foreground(now);
     else if (cmd == "type") typed_ = w[1];
     else if (cmd == "press") {
-      if (w[1] == "确定" && typed_ == model_.password) checker_->credential();
+      if (w[1] == "确定" && typed_ == model_.password) checker_->credential(now);
       typed_.reset();
-    } else if (cmd == "biometric" && w[1] == "pass") checker_->credential();
+    } else if (cmd == "biometric" && w[1] == "pass") checker_->credential(now);
     else if (cmd == "panel" && w[1] == "done") checker_->panelDone();
     else if (cmd == "panel" && w[1] == "dismiss") checker_->panelDismissed();
     else if (cmd == "open" && w[1] == "search") {
