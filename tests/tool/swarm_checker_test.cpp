@@ -88,6 +88,12 @@ TEST(SwarmChecker, AutoLockActsAtMostOncePerSpacingAndNotWithAPromptOnScreen) {
   c.foreground(9);
   breachOf(c, l.at(9, {"bob"}));
   EXPECT_EQ(breachOf(c, l.at(10, {"bob"})), 3);
+  // Leaving right after 确定: the check's result and the panel it opens land later.
+  c.credential(20);
+  c.background(20.3, false);
+  c.foreground(21);
+  breachOf(c, l.at(21, {"bob"}));
+  EXPECT_EQ(breachOf(c, l.at(22, {"bob"})), 0);
 }
 
 TEST(SwarmChecker, AFaultExemptsExactlyTheSurfacesItFeeds) {

@@ -19,16 +19,20 @@ const std::vector<HostFault>& hostFaults() {
       {"host lacks ContactTagSearchFromContactLogic", kSearch},
       {"host lacks FTSContactDataProvider", kSearch},
       {"host lacks CContactMgr getSelfContact", 0},
+      {"host raises CContactMgr getContactByNameFromDB:", kContacts | kSearch | kForward},
+      {"host raises CContactMgr getAllContactUserName", kContacts | kSearch | kForward},
       // the main list's own hooks have fallbacks: nothing exempt
       {"host lacks NewMainFrameViewController viewDidAppear:", 0},
       {"host lacks NewMainFrameViewController viewWillAppear:", 0},
       {"host lacks BaseMsgContentViewController viewDidAppear:", 0},
       {"host lacks MMContext", 0},
+      {"host raises MainSessionMgr rebuildMainSessions", kMainList},
       // messages
       {"host lacks QuickReplyMsgMgr", kBanner},
       {"host lacks MMLocalNotificationMgr", kBanner},
       {"host lacks MainFrameLogicController playNewMsgNotify:NotifyFlag:", kBanner},
       {"host lacks MMNewSessionMgr p_notifyNewMsg:withNotifyFlag:", kBanner},
+      {"host raises AudioHelper playVibration", kBanner},
       // calls
       {"host lacks VoipCXMgr", kRinging},
       {"host lacks MonoServiceMsgMgr", kRinging},
