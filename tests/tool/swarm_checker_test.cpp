@@ -110,6 +110,22 @@ TEST(SwarmChecker, AFaultExemptsExactlyTheSurfacesItFeeds) {
   }
 }
 
+TEST(SwarmChecker, AScreenStillDrawsEveryoneElseUnlessTheHostLacksIt) {
+  for (unsigned gone : {0u, unsigned(qbsim::swarm::kSearch)}) {
+    Checker c(withBob(), std::nullopt, false, gone, gone);
+    Looks l;
+    c.launched(0);
+    breachOf(c, l.at(1, {}));
+    c.opened(Checker::Search, {"bob", "alice", "carol"});
+    Observation o = l.at(2, {});
+    o.search = {"carol"};
+    EXPECT_EQ(breachOf(c, o), gone ? 0 : 4) << "alice is not a secret";
+    o = l.at(3, {});
+    o.search = {"alice", "carol"};
+    EXPECT_EQ(breachOf(c, o), 0);
+  }
+}
+
 TEST(SwarmChecker, NotificationsFollowTheModeWhileHiddenAndCallsTheirSwitchesInTheBackground) {
   for (long mode : {0L, 1L, 2L}) {
     Settings s = withBob();

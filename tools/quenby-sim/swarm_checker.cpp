@@ -30,8 +30,13 @@ std::string csv(const std::set<std::string>& s) {
 
 }  // namespace
 
-Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt)
-    : settings_(std::move(initial)), initialFile_(std::move(initialFile)), saved_(savedAlready), exempt_(exempt) {}
+Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt,
+                 unsigned gone)
+    : settings_(std::move(initial)),
+      initialFile_(std::move(initialFile)),
+      saved_(savedAlready),
+      exempt_(exempt),
+      gone_(gone) {}
 
 void Checker::launched(double now) {
   running_ = true;
@@ -89,8 +94,8 @@ void Checker::opened(Screen screen, const std::vector<std::string>& dataThen) {
   Loaded& l = loaded_[screen];
   l.valid = false;
   l.secretsInData.clear();
-  for (const auto& u : dataThen)
-    if (settings_.secrets.count(u)) l.secretsInData.insert(u);
+  l.othersInData.clear();
+  for (const auto& u : dataThen) (settings_.secrets.count(u) ? l.secretsInData : l.othersInData).insert(u);
   l.at.active = false;  // completed by the next check
   l.at.hidden = true;
   l.at.secrets = {"\x01pending"};
@@ -141,8 +146,10 @@ std::optional<Breach> Checker::check(const Observation& o) {
   if (!settled) {
     mainAtChange_ = o.mainReloads;
     contactsAtChange_ = o.contactsReloads;
-  } else if (k.hidden) {
-    if (auto b = judgeScreens(o, k)) return b;
+  } else {
+    if (auto b = judgeDrawn(o)) return b;
+    if (k.hidden)
+      if (auto b = judgeScreens(o, k)) return b;
   }
   if (auto b = judgeAnnouncements(o, k.hidden && o.now - changedAt_ >= kSettle)) return b;
   return judgeFile(o);
@@ -165,6 +172,21 @@ std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) 
   for (int s = 0; s < kScreens; ++s) {
     if (!loaded_[s].valid || (exempt_ & surface[s])) continue;
     if (auto r = find(*shown[s])) return Breach{2, "secret " + *r + " is on the " + names[s] + " while hidden"};
+  }
+  return std::nullopt;
+}
+
+// Whatever the faults, a screen still draws: everyone who is not a secret is
+// on it, as the host had them when it loaded.
+std::optional<Breach> Checker::judgeDrawn(const Observation& o) {
+  const std::vector<std::string>* shown[] = {&o.search, &o.moments, &o.forward};
+  const char* names[] = {"search results", "Moments", "recent-forward row"};
+  const unsigned surface[] = {kSearch, kMoments, kForward};
+  for (int s = 0; s < kScreens; ++s) {
+    if (!loaded_[s].valid || (gone_ & surface[s])) continue;
+    std::set<std::string> on(shown[s]->begin(), shown[s]->end());
+    for (const auto& u : loaded_[s].othersInData)
+      if (!on.count(u)) return Breach{4, u + ", not a secret, is missing from the " + names[s]};
   }
   return std::nullopt;
 }

@@ -55,7 +55,9 @@ struct Breach {
 
 class Checker {
  public:
-  Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt);
+  // `exempt`: the surfaces the faults feed; `gone`: those the host build lacks outright.
+  Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt,
+          unsigned gone = 0);
 
   // --- What the driver did.
   void launched(double now);
@@ -83,6 +85,7 @@ class Checker {
   };
   bool scheduleVisible(long minute) const;
   std::optional<Breach> judgeScreens(const Observation& o, const Key& k);
+  std::optional<Breach> judgeDrawn(const Observation& o);
   std::optional<Breach> judgeAnnouncements(const Observation& o, bool hidden);
   std::optional<Breach> judgeFile(const Observation& o);
   void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
@@ -90,7 +93,7 @@ class Checker {
   Settings settings_;
   std::optional<std::string> initialFile_;
   bool saved_ = false;
-  unsigned exempt_ = 0;
+  unsigned exempt_ = 0, gone_ = 0;
 
   // The manual-mode model: hidden for sure from a cold start, an auto-lock on
   // leaving or 完成, until a credential (or a change of mode) makes it unsure.
@@ -111,7 +114,7 @@ class Checker {
   struct Loaded {
     Key at;
     bool valid = false;
-    std::set<std::string> secretsInData;
+    std::set<std::string> secretsInData, othersInData;
   } loaded_[kScreens];
 };
 

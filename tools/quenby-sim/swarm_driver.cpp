@@ -116,6 +116,7 @@ class Day {
       if (run_.faults.insert(f.command).second) {
         exec(f.command);
         exempt_ |= f.exempts;
+        if (std::string_view(f.command).starts_with("host lacks")) gone_ |= f.exempts;
       }
     }
     exec("clock " + clock(long(pick(24 * 60))));
@@ -133,7 +134,7 @@ class Day {
     } else {
       saved = true;
     }
-    checker_.emplace(model_, initial, saved, exempt_);
+    checker_.emplace(model_, initial, saved, exempt_, gone_);
     if (saved) {
       for (int k = 0, m = 1 + int(pick(3)); k < m; ++k) edit("secret " + std::string(oneOf(kSecretCandidates)));
       edit(windowsLine());
@@ -410,7 +411,7 @@ class Day {
   SeedRun run_;
   Settings model_;
   std::optional<Checker> checker_;
-  unsigned exempt_ = 0;
+  unsigned exempt_ = 0, gone_ = 0;
   std::vector<Window> pendingWindows_;
   std::optional<std::string> typed_;
   std::deque<std::string> recent_;
