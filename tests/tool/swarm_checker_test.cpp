@@ -105,7 +105,7 @@ TEST(SwarmChecker, AFaultExemptsExactlyTheSurfacesItFeeds) {
     c.opened(Checker::Moments, {"bob", "alice"});
     breachOf(c, l.at(2, {}));
     Observation o = l.at(3, {});
-    o.moments = {"bob"};
+    o.moments = {"bob", "alice"};
     EXPECT_EQ(breachOf(c, o), exempt == qbsim::swarm::kMoments ? 0 : 2) << exempt;
   }
 }
