@@ -174,6 +174,8 @@ TEST(SwarmChecker, TheFileStaysAsItWasUntilTheFirstSaveThenHoldsWhatWasSaved) {
   d.emplace_back("secretNotifyMode", base::Value(0L));
   d.emplace_back("voipVoiceNotify", base::Value(false));
   d.emplace_back("voipVideoNotify", base::Value(false));
+  for (const char* key : {"shakeShow", "shakeHide", "longPressUnlock", "passwordFallback"})
+    d.emplace_back(key, base::Value(true));
   o = l.at(3, {});
   o.file = sim::encodePlist(base::Value(d), sys::PlistFormat::Xml);
   EXPECT_EQ(breachOf(c, o), 0);

@@ -27,7 +27,8 @@ struct Settings {
   bool voice = false, video = false;
   std::vector<Window> windows;
   bool windowsKnown = false;
-  std::map<std::string, bool> switches;  // other switches written, by file key
+  std::map<std::string, bool> switches = {
+      {"shakeShow", true}, {"shakeHide", true}, {"longPressUnlock", true}, {"passwordFallback", true}};
   std::map<std::string, long> modes;     // auth modes written, by file key
 };
 

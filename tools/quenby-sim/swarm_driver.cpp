@@ -175,7 +175,9 @@ class Day {
     d.emplace_back("authMode", base::Value(long(pick(2))));
     d.emplace_back("dailyShowMinute", base::Value(long(480)));
     d.emplace_back("dailyHideMinute", base::Value(long(1320)));
-    d.emplace_back("shakeToggle", base::Value(chance(50)));
+    bool toggle = chance(50);
+    d.emplace_back("shakeToggle", base::Value(toggle));
+    model_.switches["shakeShow"] = model_.switches["shakeHide"] = toggle;
     if (chance(50)) {
       model_.password = "2468";
       d.emplace_back("password", base::Value(std::string("2468")));
@@ -220,11 +222,17 @@ class Day {
       case 5: open(who); break;
       case 6: case 7: exec("shake"); break;
       case 8: exec("longpress"); break;
-      case 9: aboutTaps(); break;
+      case 9:
+        if (chance(40)) openPanel();
+        else aboutTaps();
+        break;
       case 10: case 11: exec("type " + std::string(chance(50) ? model_.password : oneOf({"1234", "7350", "24689", "x"}))); break;
       case 12: exec(chance(70) ? "press 确定" : "press 取消"); break;
       case 13: exec(chance(60) ? "biometric pass" : "biometric fail"); break;
-      case 14: exec(chance(60) ? "panel done" : "panel dismiss"); break;
+      case 14:
+        if (chance(60)) panelRow();
+        else exec(chance(60) ? "panel done" : "panel dismiss");
+        break;
       case 15: edit(std::string(chance(60) ? "secret " : "unsecret ") + oneOf(kSecretCandidates)); break;
       case 16: setting(); break;
       case 17: exec(session_.process() && session_.process()->appState() == sim::AppState::Active ? "background" : "foreground"); break;
@@ -261,6 +269,18 @@ class Day {
     }
   }
 
+  // The way in to the panel, done right: five quick taps, then the check.
+  void openPanel() {
+    exec("open about");
+    exec("wait 0.7");
+    for (int k = 0; k < 5; ++k) exec("tap version");
+    exec("wait 0.5");
+    exec("type " + model_.password);
+    exec("press 确定");
+    exec("biometric pass");
+    exec("wait 1");
+  }
+
   void setting() {
     switch (pick(8)) {
       case 0: edit(std::string("setting visibilityControl ") + (chance(50) ? "1" : "0")); break;
@@ -272,6 +292,39 @@ class Day {
       case 6: edit(std::string("setting ") + oneOf(kSwitchKeys) + (chance(50) ? " true" : " false")); break;
       default: edit(std::string(chance(50) ? "setting revealAuthMode " : "setting panelAuthMode ") + std::to_string(pick(2)));
     }
+  }
+
+  // A row of the control panel (skipped unless it is on screen): the model
+  // learns what the row saves, as it does for `setting`.
+  void panelRow() {
+    Settings next = model_;
+    std::string line;
+    long row = long(pick(2));
+    bool on = chance(50);
+    std::string onOff = on ? " on" : " off";
+    switch (pick(8)) {
+      case 0: line = "panel tap 0 " + std::to_string(row), next.manual = row == 0; break;
+      case 1: row = long(pick(3)), line = "panel tap 3 " + std::to_string(row), next.notifyMode = 2 - row; break;
+      case 2: line = "panel switch 4 0" + onOff, next.voice = on; break;
+      case 3: line = "panel switch 4 1" + onOff, next.video = on; break;
+      case 4: line = "panel tap 5 " + std::to_string(row), next.modes["panelAuthMode"] = row; break;
+      case 5: line = "panel tap 6 " + std::to_string(row), next.modes["revealAuthMode"] = row; break;
+      case 6: line = "panel switch 1 " + std::to_string(row) + onOff, next.switches[row ? "longPressUnlock" : "shakeShow"] = on; break;
+      default: {
+        std::string who = oneOf(kSecretCandidates);
+        exec("panel tap 7 0");
+        next.secrets.insert(who);
+        line = "picker pick " + who;
+      }
+    }
+    // A switch moved to where it already is sends nothing, so nothing is saved.
+    bool switchUnmoved = line.starts_with("panel switch") && next.voice == model_.voice && next.video == model_.video &&
+                         next.switches == model_.switches;
+    exec(line, [&] {
+      if (switchUnmoved) return;
+      model_ = next;
+      checker_->saved(model_, session_.device().elapsed());
+    });
   }
 
   // A change of the secret list or a setting: on success the model learns it.
