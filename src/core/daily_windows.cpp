@@ -54,10 +54,25 @@ bool QBConfig::isMinuteInWindow(long minute, long start, long end) {
 }
 
 bool QBConfig::windowsOverlap(long start1, long end1, long start2, long end2) {
-  // Every minute in turn: every case, midnight crossing included, then follows
-  // from the one membership rule.
-  for (long m = 0; m < 1440; ++m)
-    if (isMinuteInWindow(m, start1, end1) && isMinuteInWindow(m, start2, end2)) return true;
+  // The membership rule as at most two half-open spans of the day each (a
+  // window across midnight is two): overlapping windows share a minute of
+  // some pair of spans. Loading runs this for every pair of stored windows.
+  struct Span {
+    long from, to;
+  };
+  auto spans = [](long start, long end, Span out[2]) {
+    start = clampMinute(start), end = clampMinute(end);
+    if (start == end) return 0;
+    if (start < end) return out[0] = {start, end}, 1;
+    out[0] = {start, 1440};
+    out[1] = {0, end};
+    return 2;
+  };
+  Span a[2], b[2];
+  int na = spans(start1, end1, a), nb = spans(start2, end2, b);
+  for (int i = 0; i < na; ++i)
+    for (int j = 0; j < nb; ++j)
+      if (a[i].from < b[j].to && b[j].from < a[i].to) return true;
   return false;
 }
 

@@ -43,6 +43,31 @@ TEST(DailyWindowRules, OverlapIsSomeSharedMinute) {
   EXPECT_FALSE(QBConfig::windowsOverlap(10, 10, 0, 1439));
 }
 
+TEST(DailyWindowRules, OverlapAgreesWithTheMinuteByMinuteRule) {
+  auto everyMinute = [](long s1, long e1, long s2, long e2) {
+    for (long m = 0; m < 1440; ++m)
+      if (QBConfig::isMinuteInWindow(m, s1, e1) && QBConfig::isMinuteInWindow(m, s2, e2)) return true;
+    return false;
+  };
+  const long edges[] = {-7, 0, 1, 359, 360, 361, 1319, 1320, 1438, 1439, 1440, 9000};
+  for (long s1 : edges)
+    for (long e1 : edges)
+      for (long s2 : edges)
+        for (long e2 : edges)
+          ASSERT_EQ(QBConfig::windowsOverlap(s1, e1, s2, e2), everyMinute(s1, e1, s2, e2))
+              << s1 << "-" << e1 << " and " << s2 << "-" << e2;
+  std::uint64_t x = 88172645463325252ull;  // xorshift: the same draws every run
+  auto draw = [&x] {
+    x ^= x << 13, x ^= x >> 7, x ^= x << 17;
+    return long(x % 1460) - 10;
+  };
+  for (int i = 0; i < 3000; ++i) {
+    long s1 = draw(), e1 = draw(), s2 = draw(), e2 = draw();
+    ASSERT_EQ(QBConfig::windowsOverlap(s1, e1, s2, e2), everyMinute(s1, e1, s2, e2))
+        << s1 << "-" << e1 << " and " << s2 << "-" << e2;
+  }
+}
+
 TEST(DailyWindowRules, TextForms) {
   EXPECT_EQ(QBConfig::clampMinute(1440), 1439);
   EXPECT_EQ(QBConfig::clampMinute(-3), 0);

@@ -2,19 +2,24 @@
 //   quenby-sim [demo]            the narrated demo
 //   quenby-sim run FILE…         scenario files, each on a new device
 //   quenby-sim repl              commands from standard input
-// Options: --container DIR, --trace, --pictures DIR.
+//   quenby-sim swarm             seeded random days checked against a model
+// Options: --container DIR, --trace, --pictures DIR; for swarm --seeds N | --seed S, --steps K.
 #include <unistd.h>
 
+#include <cstdint>
+#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "runner.hpp"
+#include "swarm.hpp"
 
 namespace {
 
 int usage() {
-  std::cerr << "usage: quenby-sim [--container DIR] [--trace] [--pictures DIR] [demo | run FILE... | repl]\n";
+  std::cerr << "usage: quenby-sim [--container DIR] [--trace] [--pictures DIR] [demo | run FILE... | repl]\n"
+               "       quenby-sim swarm [--seeds N | --seed S] [--steps K] [--trace]\n";
   return qbsim::kScriptError;
 }
 
@@ -22,10 +27,23 @@ int usage() {
 
 int main(int argc, char** argv) {
   qbsim::SimOptions options;
+  qbsim::swarm::SwarmOptions swarm;
   std::vector<std::string> words;
+  auto number = [&](int& i, std::uint64_t& out) {
+    if (++i >= argc) return false;
+    char* end = nullptr;
+    out = std::strtoull(argv[i], &end, 10);
+    return *argv[i] && !*end;
+  };
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    if (a == "--trace") {
+    std::uint64_t n = 0;
+    if (a == "--seeds" || a == "--seed" || a == "--steps") {
+      if (!number(i, n) || (a != "--seed" && n == 0)) return usage();
+      if (a == "--seeds") swarm.count = n;
+      if (a == "--seed") swarm.first = n, swarm.count = 1;
+      if (a == "--steps") swarm.steps = int(n);
+    } else if (a == "--trace") {
       options.trace = true;
     } else if (a == "--container") {
       if (++i >= argc) return usage();
@@ -52,6 +70,10 @@ int main(int argc, char** argv) {
   if (mode == "run") {
     if (words.size() < 2) return usage();
     return qbsim::runFiles({words.begin() + 1, words.end()}, options, std::cout);
+  }
+  if (mode == "swarm" && words.size() == 1) {
+    swarm.trace = options.trace;
+    return qbsim::swarm::runSwarm(swarm, std::cout);
   }
   if (mode == "repl" && words.size() == 1) return qbsim::runRepl(std::cin, isatty(0), options, std::cout);
   return usage();

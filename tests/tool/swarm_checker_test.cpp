@@ -1,0 +1,196 @@
+// The swarm's checker on its own, fed steps and observations by hand: it
+// names the promise a breach breaks, keeps quiet where the design says so
+// (a panel dragged away, a fault that feeds the surface, a change still
+// reaching the screen), and guards the settings file before and after saves.
+#include <gtest/gtest.h>
+
+#include "base/value.hpp"
+#include "sim/plist_codec.hpp"
+#include "swarm_checker.hpp"
+#include "swarm_faults.hpp"
+
+namespace {
+
+using qbsim::swarm::Checker;
+using qbsim::swarm::Observation;
+using qbsim::swarm::Settings;
+
+Settings withBob() {
+  Settings s;
+  s.secrets = {"bob"};
+  return s;
+}
+
+// A world where the main list reloads on every look.
+struct Looks {
+  long reloads = 0;
+  double now = 0;
+  Observation at(double t, std::vector<std::string> main, bool active = true) {
+    Observation o;
+    o.running = true;
+    o.active = active;
+    o.now = now = t;
+    o.screen = "NewMainFrameViewController";
+    o.mainRows = std::move(main);
+    o.mainReloads = ++reloads;
+    return o;
+  }
+};
+
+int breachOf(Checker& c, const Observation& o) {
+  auto b = c.check(o);
+  return b ? b->invariant : 0;
+}
+
+TEST(SwarmChecker, ASecretShownWithoutACredentialBreaksTheFirstPromiseOnceTheListReloads) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  EXPECT_EQ(breachOf(c, l.at(0, {"alice"})), 0);
+  EXPECT_EQ(breachOf(c, l.at(0.2, {"bob", "alice"})), 0) << "still settling after the launch";
+  EXPECT_EQ(breachOf(c, l.at(1, {"bob", "alice"})), 1);
+}
+
+TEST(SwarmChecker, LeavingAfterACredentialHidesOnReturnUnlessThePanelWasDraggedAway) {
+  for (bool dragged : {false, true}) {
+    Checker c(withBob(), std::nullopt, false, 0);
+    Looks l;
+    c.launched(0);
+    breachOf(c, l.at(1, {"alice"}));
+    c.credential(1.5);
+    EXPECT_EQ(breachOf(c, l.at(2, {"bob", "alice"})), 0);
+    if (dragged) c.panelDismissed();
+    c.background(3, false);
+    breachOf(c, l.at(3, {"bob"}, false));
+    c.foreground(10);
+    breachOf(c, l.at(10, {"bob"}));
+    EXPECT_EQ(breachOf(c, l.at(11, {"bob", "alice"})), dragged ? 0 : 3);
+    if (dragged) {
+      c.panelDone();
+      breachOf(c, l.at(12, {"bob"}));
+      EXPECT_EQ(breachOf(c, l.at(13, {"bob"})), 1) << "完成 ends the hold";
+    }
+  }
+}
+
+TEST(SwarmChecker, AutoLockActsAtMostOncePerSpacingAndNotWithAPromptOnScreen) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  c.credential(4.5);
+  c.background(5, true);  // a dialog was up: the auto-lock is held back
+  c.foreground(5.2);
+  c.background(5.5, false);  // within the spacing of the last departure
+  c.foreground(6);
+  breachOf(c, l.at(6, {"bob"}));
+  EXPECT_EQ(breachOf(c, l.at(7, {"bob"})), 0);
+  c.background(8, false);
+  c.foreground(9);
+  breachOf(c, l.at(9, {"bob"}));
+  EXPECT_EQ(breachOf(c, l.at(10, {"bob"})), 3);
+  // Leaving right after 确定: the check's result and the panel it opens land later.
+  c.credential(20);
+  c.background(20.3, false);
+  c.foreground(21);
+  breachOf(c, l.at(21, {"bob"}));
+  EXPECT_EQ(breachOf(c, l.at(22, {"bob"})), 0);
+}
+
+TEST(SwarmChecker, AFaultExemptsExactlyTheSurfacesItFeeds) {
+  for (unsigned exempt : {0u, unsigned(qbsim::swarm::kMoments), unsigned(qbsim::swarm::kSearch)}) {
+    Checker c(withBob(), std::nullopt, false, exempt);
+    Looks l;
+    c.launched(0);
+    breachOf(c, l.at(1, {}));
+    c.opened(Checker::Moments, {"bob", "alice"});
+    breachOf(c, l.at(2, {}));
+    Observation o = l.at(3, {});
+    o.moments = {"bob", "alice"};
+    EXPECT_EQ(breachOf(c, o), exempt == qbsim::swarm::kMoments ? 0 : 2) << exempt;
+  }
+}
+
+TEST(SwarmChecker, AScreenStillDrawsEveryoneElseUnlessTheHostLacksIt) {
+  for (unsigned gone : {0u, unsigned(qbsim::swarm::kSearch)}) {
+    Checker c(withBob(), std::nullopt, false, gone, gone);
+    Looks l;
+    c.launched(0);
+    breachOf(c, l.at(1, {}));
+    c.opened(Checker::Search, {"bob", "alice", "carol"});
+    Observation o = l.at(2, {});
+    o.search = {"carol"};
+    EXPECT_EQ(breachOf(c, o), gone ? 0 : 4) << "alice is not a secret";
+    o = l.at(3, {});
+    o.search = {"alice", "carol"};
+    EXPECT_EQ(breachOf(c, o), 0);
+  }
+}
+
+TEST(SwarmChecker, NotificationsFollowTheModeWhileHiddenAndCallsTheirSwitchesInTheBackground) {
+  for (long mode : {0L, 1L, 2L}) {
+    Settings s = withBob();
+    s.notifyMode = mode;
+    Checker c(s, std::nullopt, false, 0);
+    Looks l;
+    c.launched(0);
+    breachOf(c, l.at(1, {}));
+    Observation o = l.at(2, {});
+    sim::Announcement banner{"bob", "message", "hi", "in-app", false, 0};
+    o.announcements = {banner};
+    EXPECT_EQ(breachOf(c, o), mode == 0 ? 2 : 0);
+    o = l.at(3, {});
+    sim::Announcement sound{"bob", "message", "hi", "", true, 0};
+    o.announcements = {sound};
+    EXPECT_EQ(breachOf(c, o), mode == 2 ? 0 : 2);
+  }
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  Observation o = l.at(1, {}, false);
+  sim::Announcement call{"bob", "voice call", "", "", false, 0, true};
+  o.announcements = {call};
+  EXPECT_EQ(breachOf(c, o), 2);
+  call.from = "alice";
+  o.announcements = {call};
+  EXPECT_EQ(breachOf(c, o), 0);
+}
+
+TEST(SwarmChecker, TheFileStaysAsItWasUntilTheFirstSaveThenHoldsWhatWasSaved) {
+  std::string damaged = "bplist00\x01garbage";
+  Checker c(Settings{}, damaged, false, 0);
+  Looks l;
+  c.launched(0);
+  Observation o = l.at(1, {});
+  o.file = damaged;
+  EXPECT_EQ(breachOf(c, o), 0);
+  o.file = damaged + " ";
+  EXPECT_EQ(breachOf(c, o), 5);
+  Settings saved = withBob();
+  c.saved(saved, 2);
+  base::Dictionary d;
+  d.emplace_back("secrets", base::Value(base::Array{base::Value(std::string("bob"))}));
+  d.emplace_back("password", base::Value(std::string("7351")));
+  d.emplace_back("visibilityControl", base::Value(0L));
+  d.emplace_back("secretNotifyMode", base::Value(0L));
+  d.emplace_back("voipVoiceNotify", base::Value(false));
+  d.emplace_back("voipVideoNotify", base::Value(false));
+  for (const char* key : {"shakeShow", "shakeHide", "longPressUnlock", "passwordFallback"})
+    d.emplace_back(key, base::Value(true));
+  o = l.at(3, {});
+  o.file = sim::encodePlist(base::Value(d), sys::PlistFormat::Xml);
+  EXPECT_EQ(breachOf(c, o), 0);
+  saved.voice = true;
+  c.saved(saved, 4);
+  EXPECT_EQ(breachOf(c, o), 5) << "the file must follow the last save";
+  o.file = damaged;
+  EXPECT_EQ(breachOf(c, o), 5);
+}
+
+TEST(SwarmChecker, ACrashIsAlwaysABreach) {
+  Checker c(Settings{}, std::nullopt, false, ~0u);
+  Observation o;
+  o.crash = "app crashed: uncaught exception";
+  EXPECT_EQ(breachOf(c, o), 4);
+}
+
+}  // namespace

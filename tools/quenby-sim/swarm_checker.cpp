@@ -1,0 +1,247 @@
+#include "swarm_checker.hpp"
+
+#include "sim/plist_codec.hpp"
+#include "swarm_faults.hpp"
+
+namespace qbsim::swarm {
+namespace {
+
+// A change takes a moment to reach the screen (a sheet closing, a reload
+// after 0.15 s); only what loads after that counts.
+constexpr double kSettle = 0.5;
+// The schedule is applied at least this often; a screen or change that froze
+// it is over after the same time.
+constexpr double kScheduleSettle = 31.0;
+// A check's result lands 0.45 s after 确定, and the panel it opens 0.35 s
+// later: a departure before then may come back to that panel, revealed.
+constexpr double kResultPending = 1.0;
+// The auto-lock acts at most once per this long.
+constexpr double kAutoLockSpacing = 0.85;
+
+bool isHeldScreen(const std::string& s) {
+  return s == "alert" || s == "biometric" || s == "panel" || s == "picker";
+}
+
+std::string csv(const std::set<std::string>& s) {
+  std::string out;
+  for (const auto& u : s) out += (out.empty() ? "" : " ") + u;
+  return "[" + out + "]";
+}
+
+}  // namespace
+
+Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt,
+                 unsigned gone)
+    : settings_(std::move(initial)),
+      initialFile_(std::move(initialFile)),
+      saved_(savedAlready),
+      exempt_(exempt),
+      gone_(gone) {}
+
+void Checker::launched(double now) {
+  running_ = true;
+  credited_ = credentialSinceLaunch_ = false;
+  hiddenBy_ = 1;
+  panelHold_ = false;
+  modeSince_ = std::min(modeSince_, now);
+}
+
+void Checker::quit() { running_ = false; }
+
+void Checker::background(double now, bool somethingHeldOnScreen) {
+  // Leaving in manual mode hides, unless a prompt or the panel holds the
+  // auto-lock back, or the panel was dragged away (kept revealed by design).
+  if (running_ && settings_.manual && credited_ && !settings_.secrets.empty() && !somethingHeldOnScreen &&
+      !panelHold_ && now - lastBackgroundAt_ >= kAutoLockSpacing && now - lastCredentialAt_ >= kResultPending) {
+    credited_ = false;
+    hiddenBy_ = 3;
+  }
+  lastBackgroundAt_ = now;
+}
+
+void Checker::foreground(double) {}
+
+void Checker::credential(double now) {
+  credited_ = credentialSinceLaunch_ = true;
+  lastCredentialAt_ = now;
+}
+
+void Checker::saved(const Settings& now, double at) {
+  if (now.manual != settings_.manual) {
+    unsure(at);
+    modeSince_ = at;
+  }
+  if (now.windows.size() != settings_.windows.size() || now.windowsKnown != settings_.windowsKnown) lastUnsureAt_ = at;
+  for (std::size_t i = 0; i < now.windows.size() && i < settings_.windows.size(); ++i)
+    if (now.windows[i].start != settings_.windows[i].start || now.windows[i].end != settings_.windows[i].end ||
+        now.windows[i].hide != settings_.windows[i].hide)
+      lastUnsureAt_ = at;
+  settings_ = now;
+  saved_ = true;
+}
+
+void Checker::panelDone() {
+  if (settings_.manual) {
+    credited_ = false;
+    hiddenBy_ = 1;
+  }
+  panelHold_ = false;
+}
+
+void Checker::panelDismissed() { panelHold_ = true; }
+
+void Checker::opened(Screen screen, const std::vector<std::string>& dataThen) {
+  Loaded& l = loaded_[screen];
+  l.valid = false;
+  l.secretsInData.clear();
+  l.othersInData.clear();
+  for (const auto& u : dataThen) (settings_.secrets.count(u) ? l.secretsInData : l.othersInData).insert(u);
+  l.at.active = false;  // completed by the next check
+  l.at.hidden = true;
+  l.at.secrets = {"\x01pending"};
+}
+
+bool Checker::scheduleVisible(long minute) const {
+  for (const Window& w : settings_.windows) {
+    bool in = w.start == w.end ? false
+              : w.start < w.end ? (w.start <= minute && minute < w.end)
+                                : (minute >= w.start || minute < w.end);
+    if (in) return !w.hide;
+  }
+  return false;
+}
+
+bool Checker::hiddenForSure(const Observation& o) const {
+  if (!running_ || !o.running || settings_.secrets.empty()) return false;
+  if (settings_.manual) return !credited_;
+  return settings_.windowsKnown && !panelHold_ && o.now - modeSince_ > kScheduleSettle &&
+         o.now - lastUnsureAt_ > kScheduleSettle && o.now - lastScheduleShowAt_ > kScheduleSettle;
+}
+
+std::optional<Breach> Checker::check(const Observation& o) {
+  if (o.crash) return Breach{4, "the host app broke: " + *o.crash};
+  if (isHeldScreen(o.screen)) lastUnsureAt_ = o.now;
+  if (o.screen == "panel" || o.screen == "picker") {
+    // The panel keeps the secrets shown while it is open, and opens only
+    // after a credential.
+    if (!credentialSinceLaunch_) return Breach{1, "the panel opened without a credential"};
+    credited_ = true;
+  }
+  if (!settings_.manual && (!settings_.windowsKnown || scheduleVisible(o.minuteOfDay))) lastScheduleShowAt_ = o.now;
+
+  Key k;
+  k.hidden = hiddenForSure(o);
+  k.secrets = settings_.secrets;
+  k.active = o.active;
+  if (!(k == last_)) changedAt_ = o.now;
+  last_ = k;
+  bool settled = o.running && o.active && o.now - changedAt_ >= kSettle;
+  for (Loaded& l : loaded_) {
+    if (l.at.secrets.count("\x01pending")) {
+      l.at = k;
+      l.valid = settled;
+    }
+    if (!(l.at == k)) l.valid = false;
+  }
+  if (!settled) {
+    mainAtChange_ = o.mainReloads;
+    contactsAtChange_ = o.contactsReloads;
+  } else {
+    if (auto b = judgeDrawn(o)) return b;
+    if (k.hidden)
+      if (auto b = judgeScreens(o, k)) return b;
+  }
+  if (auto b = judgeAnnouncements(o, k.hidden && o.now - changedAt_ >= kSettle)) return b;
+  return judgeFile(o);
+}
+
+std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) {
+  int onMain = settings_.manual ? hiddenBy_ : 2;
+  auto find = [&](const std::vector<std::string>& rows) -> std::optional<std::string> {
+    for (const auto& r : rows)
+      if (k.secrets.count(r)) return r;
+    return std::nullopt;
+  };
+  if (!(exempt_ & kMainList) && o.mainReloads > mainAtChange_)
+    if (auto r = find(o.mainRows)) return Breach{onMain, "secret " + *r + " is on the main list while hidden"};
+  if (!(exempt_ & kContacts) && o.contactsReloads > contactsAtChange_)
+    if (auto r = find(o.contactsRows)) return Breach{2, "secret " + *r + " is on the contacts list while hidden"};
+  const std::vector<std::string>* shown[] = {&o.search, &o.moments, &o.forward};
+  const unsigned surface[] = {kSearch, kMoments, kForward};
+  const char* names[] = {"search results", "Moments", "recent-forward row"};
+  for (int s = 0; s < kScreens; ++s) {
+    if (!loaded_[s].valid || (exempt_ & surface[s])) continue;
+    if (auto r = find(*shown[s])) return Breach{2, "secret " + *r + " is on the " + names[s] + " while hidden"};
+  }
+  return std::nullopt;
+}
+
+// Whatever the faults, a screen still draws: everyone who is not a secret is
+// on it, as the host had them when it loaded.
+std::optional<Breach> Checker::judgeDrawn(const Observation& o) {
+  const std::vector<std::string>* shown[] = {&o.search, &o.moments, &o.forward};
+  const char* names[] = {"search results", "Moments", "recent-forward row"};
+  const unsigned surface[] = {kSearch, kMoments, kForward};
+  for (int s = 0; s < kScreens; ++s) {
+    if (!loaded_[s].valid || (gone_ & surface[s])) continue;
+    std::set<std::string> on(shown[s]->begin(), shown[s]->end());
+    for (const auto& u : loaded_[s].othersInData)
+      if (!on.count(u)) return Breach{4, u + ", not a secret, is missing from the " + names[s]};
+  }
+  return std::nullopt;
+}
+
+std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hidden) {
+  for (const sim::Announcement& a : o.announcements) {
+    if (!settings_.secrets.count(a.from)) continue;
+    std::string what = a.kind + " from " + a.from + ": banner '" + a.banner + "', sound " + std::to_string(a.sound) +
+                       ", vibrations " + std::to_string(a.vibrations) + ", ringing " + std::to_string(a.ringing);
+    if (!a.isCall()) {
+      if (!hidden || (exempt_ & kBanner)) continue;
+      if (settings_.notifyMode == 0 && (!a.banner.empty() || a.sound || a.vibrations))
+        return Breach{2, "notify mode 0, hidden: " + what};
+      if (settings_.notifyMode == 1 && a.sound) return Breach{2, "notify mode 1, hidden: " + what};
+      continue;
+    }
+    bool switchOn = a.kind == "video call" ? settings_.video : settings_.voice;
+    if (!o.active && o.running && !switchOn && a.ringing && !(exempt_ & kRinging))
+      return Breach{2, "in the background a call rang with its switch off: " + what};
+  }
+  return std::nullopt;
+}
+
+std::optional<Breach> Checker::judgeFile(const Observation& o) {
+  if (!saved_) {
+    if (o.file != initialFile_) return Breach{5, "the settings file changed before anything was saved"};
+    return std::nullopt;
+  }
+  if (!o.file) return Breach{5, "the settings file is gone after a save"};
+  std::optional<base::Value> v = sim::decodePlist(*o.file);
+  if (!v || !v->isDictionary()) return Breach{5, "the settings file does not parse after a save"};
+  auto mismatch = [](const std::string& key, const std::string& want) {
+    return Breach{5, "the settings file holds another " + key + " than last saved (" + want + ")"};
+  };
+  std::set<std::string> secrets;
+  if (const base::Value* s = v->find("secrets"); s && s->isArray())
+    for (const base::Value& e : *s->asArray())
+      if (const std::string* n = e.asString()) secrets.insert(*n);
+  if (secrets != settings_.secrets) return mismatch("secrets " + csv(secrets), csv(settings_.secrets));
+  const base::Value* pw = v->find("password");
+  if (!pw || !pw->asString() || *pw->asString() != settings_.password) return mismatch("password", settings_.password);
+  auto integer = [&](const char* key) { const base::Value* x = v->find(key); return x ? x->integerValue() : std::nullopt; };
+  auto boolean = [&](const std::string& key) {
+    const base::Value* x = v->find(key);
+    return x ? x->boolValue() : std::nullopt;
+  };
+  if (integer("visibilityControl") != (settings_.manual ? 0 : 1)) return mismatch("visibilityControl", "");
+  if (integer("secretNotifyMode") != settings_.notifyMode) return mismatch("secretNotifyMode", "");
+  if (boolean("voipVoiceNotify") != settings_.voice) return mismatch("voipVoiceNotify", "");
+  if (boolean("voipVideoNotify") != settings_.video) return mismatch("voipVideoNotify", "");
+  for (const auto& [key, on] : settings_.switches)
+    if (boolean(key) != on) return mismatch(key, on ? "true" : "false");
+  for (const auto& [key, mode] : settings_.modes)
+    if (integer(key.c_str()) != mode) return mismatch(key, std::to_string(mode));
+  return std::nullopt;
+}
+
+}  // namespace qbsim::swarm

@@ -1,0 +1,122 @@
+// The swarm's checker: a model of what the user should see, kept only from the
+// steps the driver took and the settings it wrote — never from the library's
+// own state — and the five promises judged against it after every step.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "sim/notices.hpp"
+
+namespace qbsim::swarm {
+
+struct Window {
+  long start = 0, end = 0;  // minutes of the day
+  bool hide = false;
+};
+
+// What the user last saved, as the model knows it.
+struct Settings {
+  std::set<std::string> secrets;
+  std::string password = "7351";
+  bool manual = true;
+  long notifyMode = 0;
+  bool voice = false, video = false;
+  std::vector<Window> windows;
+  bool windowsKnown = false;
+  std::map<std::string, bool> switches = {
+      {"shakeShow", true}, {"shakeHide", true}, {"longPressUnlock", true}, {"passwordFallback", true}};
+  std::map<std::string, long> modes;     // auth modes written, by file key
+};
+
+// What a person could see after a step, gathered by the driver from the host.
+struct Observation {
+  bool running = false;
+  bool active = false;
+  double now = 0;
+  long minuteOfDay = 0;
+  std::string screen;
+  std::vector<std::string> mainRows;
+  long mainReloads = 0;
+  std::vector<std::string> contactsRows;
+  long contactsReloads = 0;
+  std::vector<std::string> search, moments, forward;
+  std::vector<sim::Announcement> announcements;  // the ones this step opened
+  std::optional<std::string> file;               // the settings file's bytes
+  std::optional<std::string> crash;              // the app crashed or broke a type rule
+};
+
+struct Breach {
+  int invariant = 0;
+  std::string what;
+};
+
+class Checker {
+ public:
+  // `exempt`: the surfaces the faults feed; `gone`: those the host build lacks outright.
+  Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt,
+          unsigned gone = 0);
+
+  // --- What the driver did.
+  void launched(double now);
+  void quit();
+  void background(double now, bool somethingHeldOnScreen);
+  void foreground(double now);
+  void credential(double now);  // a right password confirmed, or a passed biometric check
+  void saved(const Settings& now, double at);
+  void panelDone();
+  void panelDismissed();
+  enum Screen { Search, Moments, Forward, kScreens };
+  void opened(Screen screen, const std::vector<std::string>& dataThen);
+
+  const Settings& settings() const { return settings_; }
+  // Judges a step; the model's view of the state is updated first.
+  std::optional<Breach> check(const Observation& o);
+  bool hiddenForSure(const Observation& o) const;
+
+ private:
+  struct Key {
+    bool hidden = false;
+    std::set<std::string> secrets;
+    bool active = false;
+    bool operator==(const Key&) const = default;
+  };
+  bool scheduleVisible(long minute) const;
+  std::optional<Breach> judgeScreens(const Observation& o, const Key& k);
+  std::optional<Breach> judgeDrawn(const Observation& o);
+  std::optional<Breach> judgeAnnouncements(const Observation& o, bool hidden);
+  std::optional<Breach> judgeFile(const Observation& o);
+  void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
+
+  Settings settings_;
+  std::optional<std::string> initialFile_;
+  bool saved_ = false;
+  unsigned exempt_ = 0, gone_ = 0;
+
+  // The manual-mode model: hidden for sure from a cold start, an auto-lock on
+  // leaving or 完成, until a credential (or a change of mode) makes it unsure.
+  bool running_ = false;
+  bool credited_ = false;
+  bool credentialSinceLaunch_ = false;
+  int hiddenBy_ = 1;  // which promise a breach breaks: 1 (never revealed) or 3 (hidden on return)
+  bool panelHold_ = false;
+  double lastBackgroundAt_ = -1e9;
+  double lastCredentialAt_ = -1e9;
+  double lastUnsureAt_ = -1e9;  // schedule mode: a change or a screen that freezes it
+  double lastScheduleShowAt_ = -1e9;
+  double modeSince_ = 0;
+
+  Key last_;
+  long mainAtChange_ = 0, contactsAtChange_ = 0;
+  double changedAt_ = -1e9;
+  struct Loaded {
+    Key at;
+    bool valid = false;
+    std::set<std::string> secretsInData, othersInData;
+  } loaded_[kScreens];
+};
+
+}  // namespace qbsim::swarm

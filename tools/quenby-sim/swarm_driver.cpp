@@ -1,0 +1,502 @@
+// The swarm's driver: a seed picks the host build, the device, the settings
+// file at start, then the user's steps, all drawn from the device's one
+// seeded source. Each step is a scenario command run the way `run` runs it;
+// one that cannot apply now (no dialog to type into) is recorded as skipped.
+// After each step the host's screens, the notices and the settings file go
+// to the checker.
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+
+#include "base/value.hpp"
+#include "commands.hpp"
+#include "hostapp/surfaces.hpp"
+#include "rt/kvc.hpp"
+#include "rt/runtime.hpp"
+#include "sim/plist_codec.hpp"
+#include "sim/uikit/uikit.hpp"
+#include "swarm.hpp"
+#include "swarm_checker.hpp"
+#include "swarm_faults.hpp"
+
+namespace qbsim::swarm {
+namespace {
+
+const char* const kUsers[] = {"alice", "bob", "carol", "dave", "erin", "team@chatroom"};
+const char* const kSecretCandidates[] = {"bob", "carol", "dave", "team@chatroom"};
+// Every threshold of the system a wait straddles.
+const double kThresholds[] = {0.45, 0.7, 0.75, 0.8, 1.0, 1.3, 2.0, 30.0};
+const char* const kSwitchKeys[] = {"shakeHide", "shakeShow", "longPressUnlock", "passwordFallback"};
+
+std::string fmt(double d) {
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%.2f", d);
+  std::string s = buf;
+  while (s.back() == '0') s.pop_back();
+  if (s.back() == '.') s.pop_back();
+  return s;
+}
+
+std::string clock(long minute) {
+  char buf[8];
+  std::snprintf(buf, sizeof buf, "%02ld:%02ld", minute / 60 % 24, minute % 60);
+  return buf;
+}
+
+std::optional<std::string> readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+std::string screenName(Session& s) {
+  sim::Process* p = s.process();
+  if (!p) return "(not running)";
+  if (p->platform().biometricReply) return "biometric";
+  rt::Id top = sim::topController();
+  if (!top) return "(none)";
+  if (rt::isKindOf(top, "UIAlertController")) return "alert";
+  std::string_view cls = rt::className(top);
+  if (cls == "QBPanelController") return "panel";
+  if (cls == "QBContactPickController") return "picker";
+  return std::string(cls);
+}
+
+long tableReloads(rt::Id screen) {
+  rt::Id table = screen ? rt::probeKey(screen, "m_tableView") : nullptr;
+  return table ? sim::viewState(table)->reloads : 0;
+}
+
+class Day {
+ public:
+  Day(std::uint64_t seed, std::ostream* live)
+      : live_(live), session_(options(seed, live), live ? *live : discard_), rng_(session_.device().random()) {}
+
+  SeedRun run(int steps) {
+    setUp();
+    for (int i = 0; i < steps && run_.passed; ++i) {
+      step_ = i + 1;
+      userStep();
+    }
+    run_.steps = step_;
+    return std::move(run_);
+  }
+
+ private:
+  static SimOptions options(std::uint64_t seed, std::ostream* live) {
+    SimOptions o;
+    o.seed = seed;
+    o.trace = live != nullptr;
+    return o;
+  }
+
+  std::uint64_t pick(std::uint64_t n) { return rng_() % n; }
+  bool chance(int percent) { return int(pick(100)) < percent; }
+  template <typename T, std::size_t N>
+  const T& oneOf(const T (&a)[N]) { return a[pick(N)]; }
+
+  // --- Before launch: the host build, the device, the settings file.
+  void setUp() {
+    for (const char* line : {"friend alice", "friend bob nick=Bob", "friend carol remark=C", "friend dave alias=dd",
+                             "friend erin", "room team@chatroom title=Team"})
+      exec(line);
+    exec(std::string("device biometrics ") + oneOf({"faceid", "touchid", "none"}));
+    exec(std::string("device motion ") + oneOf({"full", "accelerometer", "none"}));
+    const auto& faults = hostFaults();
+    int n = chance(30) ? 0 : 1 + int(pick(3));
+    for (int k = 0; k < n; ++k) {
+      const HostFault& f = faults[pick(faults.size())];
+      if (run_.faults.insert(f.command).second) {
+        exec(f.command);
+        exempt_ |= f.exempts;
+        if (std::string_view(f.command).starts_with("host lacks")) gone_ |= f.exempts;
+      }
+    }
+    exec("clock " + clock(long(pick(24 * 60))));
+    int file = int(pick(10));
+    std::optional<std::string> initial;
+    bool saved = false;
+    if (file < 2) {
+      initial = damagedFile();
+      writeSettingsFile(*initial);
+      note("settings file damaged (" + std::to_string(initial->size()) + " bytes)");
+    } else if (file < 4) {
+      initial = legacyFile();
+      writeSettingsFile(*initial);
+      note("settings file legacy");
+    } else {
+      saved = true;
+    }
+    checker_.emplace(model_, initial, saved, exempt_, gone_);
+    if (saved) {
+      for (int k = 0, m = 1 + int(pick(3)); k < m; ++k) edit("secret " + std::string(oneOf(kSecretCandidates)));
+      edit(windowsLine());
+      if (chance(30)) edit("setting visibilityControl 1");
+      edit("setting secretNotifyMode " + std::to_string(pick(3)));
+      edit(std::string("setting voipVoiceNotify ") + (chance(50) ? "true" : "false"));
+      edit(std::string("setting voipVideoNotify ") + (chance(50) ? "true" : "false"));
+      edit("setting revealAuthMode " + std::to_string(pick(2)));
+    }
+    exec("launch");
+    for (const char* u : kUsers)
+      if (chance(70)) exec(std::string("session ") + u);
+    for (int k = 0; k < 3; ++k) exec(std::string("moment ") + oneOf(kUsers));
+  }
+
+  std::string damagedFile() {
+    switch (pick(4)) {
+      case 0: return "";
+      case 1: return "<?xml version=\"1.0\"?><plist><dict><key>secrets</key><array><string>bob";
+      case 2: return "bplist00\xd1\x01\x02garbage";
+      default: {
+        std::string s;
+        for (int i = 0, n = 1 + int(pick(64)); i < n; ++i) s += char(pick(256));
+        return s;
+      }
+    }
+  }
+
+  // An older build's file: one auth mode, a single show/hide pair, the shared
+  // shake switch. Its secrets and password are the model's.
+  std::string legacyFile() {
+    base::Dictionary d;
+    base::Array secrets;
+    model_.secrets = {"bob"};
+    if (chance(50)) model_.secrets.insert("team@chatroom");
+    for (const auto& u : model_.secrets) secrets.emplace_back(u);
+    d.emplace_back("secrets", base::Value(std::move(secrets)));
+    d.emplace_back("authMode", base::Value(long(pick(2))));
+    d.emplace_back("dailyShowMinute", base::Value(long(480)));
+    d.emplace_back("dailyHideMinute", base::Value(long(1320)));
+    bool toggle = chance(50);
+    d.emplace_back("shakeToggle", base::Value(toggle));
+    model_.switches["shakeShow"] = model_.switches["shakeHide"] = toggle;
+    if (chance(50)) {
+      model_.password = "2468";
+      d.emplace_back("password", base::Value(std::string("2468")));
+    }
+    return sim::encodePlist(base::Value(std::move(d)), sys::PlistFormat::Xml);
+  }
+
+  void writeSettingsFile(const std::string& bytes) {
+    std::filesystem::create_directories(std::filesystem::path(session_.settingsPath()).parent_path());
+    std::ofstream(session_.settingsPath(), std::ios::binary) << bytes;
+  }
+
+  // One or two windows that never overlap, at least two minutes long.
+  std::string windowsLine() {
+    long a = long(pick(24 * 60)), len = 2 + long(pick(180));
+    std::vector<Window> w{{a, (a + len) % 1440, chance(30)}};
+    std::string line = "setting dailyWindows " + clock(w[0].start) + "-" + clock(w[0].end) + (w[0].hide ? " hide" : " show");
+    if (chance(50)) {
+      long b = (w[0].end + 1 + long(pick(300))) % 1440, blen = 2 + long(pick(120));
+      Window second{b, (b + blen) % 1440, chance(50)};
+      bool clear = true;
+      for (long m = 0; m < 1440 && clear; ++m) {
+        auto in = [m](const Window& x) { return x.start < x.end ? x.start <= m && m < x.end : m >= x.start || m < x.end; };
+        if (in(w[0]) && in(second)) clear = false;
+      }
+      if (clear) {
+        w.push_back(second);
+        line += " " + clock(second.start) + "-" + clock(second.end) + (second.hide ? " hide" : " show");
+      }
+    }
+    pendingWindows_ = w;
+    return line;
+  }
+
+  // --- The user's day.
+  void userStep() {
+    std::string who = oneOf(kUsers);
+    switch (pick(24)) {
+      case 0: case 1: case 2: exec("message " + who); break;
+      case 3: exec(std::string("call ") + (chance(50) ? "video " : "voice ") + who); break;
+      case 4: exec(chance(50) ? "moment " + who : "session " + who); break;
+      case 5: open(who); break;
+      case 6: case 7: exec("shake"); break;
+      case 8: exec("longpress"); break;
+      case 9:
+        if (chance(40)) openPanel();
+        else aboutTaps();
+        break;
+      case 10: case 11: exec("type " + std::string(chance(50) ? model_.password : oneOf({"1234", "7350", "24689", "x"}))); break;
+      case 12: exec(chance(70) ? "press 确定" : "press 取消"); break;
+      case 13: exec(chance(60) ? "biometric pass" : "biometric fail"); break;
+      case 14:
+        if (chance(60)) panelRow();
+        else exec(chance(60) ? "panel done" : "panel dismiss");
+        break;
+      case 15: edit(std::string(chance(60) ? "secret " : "unsecret ") + oneOf(kSecretCandidates)); break;
+      case 16: setting(); break;
+      case 17: exec(session_.process() && session_.process()->appState() == sim::AppState::Active ? "background" : "foreground"); break;
+      case 18: exec(session_.process() ? (chance(20) ? "quit" : "open main") : "launch"); break;
+      case 19: exec("wait " + fmt(double(pick(100)) / 100.0)); break;
+      default: {
+        double t = oneOf(kThresholds) + double(int(pick(5)) - 2) * 0.01;
+        exec("wait " + fmt(t));
+      }
+    }
+  }
+
+  void open(const std::string& who) {
+    switch (pick(6)) {
+      case 0: exec("open main"); break;
+      case 1: exec("open contacts"); break;
+      case 2: exec("open search " + who.substr(0, 2)); break;
+      case 3: exec("open moments"); break;
+      case 4: exec("open forward"); break;
+      default: exec("open chat " + who); break;
+    }
+  }
+
+  // Taps on the About page, quick enough (or not) to count as the entry.
+  void aboutTaps() {
+    if (screenName(session_) != "SettingAboutMMViewController") {
+      exec("open about");
+      exec("wait " + fmt(chance(50) ? 0.45 : 0.7));
+    }
+    const char* tap = oneOf({"tap version", "tap nav", "tap nav 120", "tap page", "tap page 300"});
+    for (int k = 0, n = 3 + int(pick(4)); k < n; ++k) {
+      exec(tap);
+      if (chance(20)) exec("wait " + fmt(chance(50) ? 1.3 : 1.25));
+    }
+  }
+
+  // The way in to the panel, done right: five quick taps, then the check.
+  void openPanel() {
+    exec("open about");
+    exec("wait 0.7");
+    for (int k = 0; k < 5; ++k) exec("tap version");
+    exec("wait 0.5");
+    exec("type " + model_.password);
+    exec("press 确定");
+    exec("biometric pass");
+    exec("wait 1");
+  }
+
+  void setting() {
+    switch (pick(8)) {
+      case 0: edit(std::string("setting visibilityControl ") + (chance(50) ? "1" : "0")); break;
+      case 1: edit("setting secretNotifyMode " + std::to_string(pick(3))); break;
+      case 2: edit(std::string("setting voipVoiceNotify ") + (chance(50) ? "true" : "false")); break;
+      case 3: edit(std::string("setting voipVideoNotify ") + (chance(50) ? "true" : "false")); break;
+      case 4: edit(windowsLine()); break;
+      case 5: edit(std::string("setting password ") + oneOf({"7351", "2468", "abc", "98765"})); break;
+      case 6: edit(std::string("setting ") + oneOf(kSwitchKeys) + (chance(50) ? " true" : " false")); break;
+      default: edit(std::string(chance(50) ? "setting revealAuthMode " : "setting panelAuthMode ") + std::to_string(pick(2)));
+    }
+  }
+
+  // A row of the control panel (skipped unless it is on screen): the model
+  // learns what the row saves, as it does for `setting`.
+  void panelRow() {
+    Settings next = model_;
+    std::string line;
+    long row = long(pick(2));
+    bool on = chance(50);
+    std::string onOff = on ? " on" : " off";
+    switch (pick(8)) {
+      case 0: line = "panel tap 0 " + std::to_string(row), next.manual = row == 0; break;
+      case 1: row = long(pick(3)), line = "panel tap 3 " + std::to_string(row), next.notifyMode = 2 - row; break;
+      case 2: line = "panel switch 4 0" + onOff, next.voice = on; break;
+      case 3: line = "panel switch 4 1" + onOff, next.video = on; break;
+      case 4: line = "panel tap 5 " + std::to_string(row), next.modes["panelAuthMode"] = row; break;
+      case 5: line = "panel tap 6 " + std::to_string(row), next.modes["revealAuthMode"] = row; break;
+      case 6: line = "panel switch 1 " + std::to_string(row) + onOff, next.switches[row ? "longPressUnlock" : "shakeShow"] = on; break;
+      default: {
+        std::string who = oneOf(kSecretCandidates);
+        exec("panel tap 7 0");
+        next.secrets.insert(who);
+        line = "picker pick " + who;
+      }
+    }
+    // A switch moved to where it already is sends nothing, so nothing is saved.
+    bool switchUnmoved = line.starts_with("panel switch") && next.voice == model_.voice && next.video == model_.video &&
+                         next.switches == model_.switches;
+    exec(line, [&] {
+      if (switchUnmoved) return;
+      model_ = next;
+      checker_->saved(model_, session_.device().elapsed());
+    });
+  }
+
+  // A change of the secret list or a setting: on success the model learns it.
+  void edit(const std::string& line) {
+    Settings next = model_;
+    std::vector<std::string> w = splitWords(line);
+    if (w[0] == "secret") next.secrets.insert(w[1]);
+    else if (w[0] == "unsecret") next.secrets.erase(w[1]);
+    else if (w[1] == "visibilityControl") next.manual = w[2] == "0";
+    else if (w[1] == "secretNotifyMode") next.notifyMode = std::stol(w[2]);
+    else if (w[1] == "voipVoiceNotify") next.voice = w[2] == "true";
+    else if (w[1] == "voipVideoNotify") next.video = w[2] == "true";
+    else if (w[1] == "password") next.password = w[2].size() >= 4 ? w[2] : next.password;
+    else if (w[1] == "dailyWindows") next.windows = pendingWindows_, next.windowsKnown = true;
+    else if (w[1] == "revealAuthMode" || w[1] == "panelAuthMode") next.modes[w[1]] = std::stol(w[2]);
+    else next.switches[w[1]] = w[2] == "true";
+    exec(line, [&] {
+      model_ = next;
+      if (checker_) checker_->saved(model_, session_.device().elapsed());
+    });
+  }
+
+  void note(const std::string& text) { record("# " + text); }
+
+  void record(const std::string& line) {
+    char head[48];
+    std::snprintf(head, sizeof head, "%4d %10.3f  ", step_, session_.device().elapsed());
+    std::string full = head + line + "\n";
+    run_.transcript += full;
+    if (live_) *live_ << full << std::flush;
+    recent_.push_back(full);
+    if (recent_.size() > 20) recent_.pop_front();
+  }
+
+  // Runs one command; true when it applied. Then the checker judges.
+  bool exec(const std::string& line, const std::function<void()>& applied = {}) {
+    if (!run_.passed) return false;
+    std::string held = screenName(session_);
+    std::size_t noticesBefore = session_.device().notices().all().size();
+    Observation o;
+    bool ok = true;
+    std::string outcome;
+    try {
+      Command c;
+      c.words = splitWords(line);
+      c.text = line;
+      execute(session_, c);
+    } catch (const ScriptError& e) {
+      ok = false;
+      outcome = "  (skipped: " + e.message + ")";
+    } catch (const ExpectFailure& f) {
+      o.crash = f.message;
+    }
+    if (ok && !o.crash) {
+      if (applied) applied();
+      learn(line, held);
+    }
+    if (session_.process() == nullptr && checker_ && !o.crash) checker_->quit();
+    observe(o, noticesBefore, line);
+    record(line + outcome);
+    if (!checker_) return ok;
+    if (auto b = checker_->check(o)) {
+      b->what += " (screen " + o.screen + ")";
+      fail(*b);
+    }
+    return ok && !o.crash;
+  }
+
+  // What the step tells the model, besides the settings `edit` knows.
+  void learn(const std::string& line, const std::string& heldBefore) {
+    if (!checker_) return;
+    std::vector<std::string> w = splitWords(line);
+    double now = session_.device().elapsed();
+    const std::string& cmd = w[0];
+    if (cmd == "launch") checker_->launched(now);
+    else if (cmd == "quit") checker_->quit();
+    else if (cmd == "background") {
+      bool held = heldBefore == "alert" || heldBefore == "biometric" || heldBefore == "panel" || heldBefore == "picker";
+      checker_->background(now, held);
+    } else if (cmd == "foreground") checker_->foreground(now);
+    else if (cmd == "type") typed_ = w[1];
+    else if (cmd == "press") {
+      if (w[1] == "确定" && typed_ == model_.password) checker_->credential(now);
+      typed_.reset();
+    } else if (cmd == "biometric" && w[1] == "pass") checker_->credential(now);
+    else if (cmd == "panel" && w[1] == "done") checker_->panelDone();
+    else if (cmd == "panel" && w[1] == "dismiss") checker_->panelDismissed();
+    else if (cmd == "open" && w[1] == "search") {
+      std::vector<std::string> data;
+      for (const auto& f : session_.host().model.friends)
+        if (f.username.find(w[2]) != std::string::npos) data.push_back(f.username);
+      checker_->opened(Checker::Search, data);
+    } else if (cmd == "open" && w[1] == "moments") {
+      std::vector<std::string> data;
+      for (const auto& m : session_.host().model.moments) data.push_back(m.username);
+      checker_->opened(Checker::Moments, data);
+    } else if (cmd == "open" && w[1] == "forward") {
+      checker_->opened(Checker::Forward, session_.host().model.recentChats);
+    }
+  }
+
+  void observe(Observation& o, std::size_t noticesBefore, const std::string&) {
+    sim::Process* p = session_.process();
+    o.running = p != nullptr;
+    o.now = session_.device().elapsed();
+    o.minuteOfDay = long(session_.device().localSecondOfDay() / 60) % 1440;
+    o.file = readFile(session_.settingsPath());
+    auto all = session_.device().notices().all();
+    for (std::size_t k = noticesBefore; k < all.size(); ++k) o.announcements.push_back(all[k]);
+    if (!p) return;
+    o.active = p->appState() == sim::AppState::Active;
+    o.screen = screenName(session_);
+    hostapp::HostApp& host = session_.host();
+    o.mainRows = host.mainListShown();
+    o.mainReloads = tableReloads(host.mainFrame());
+    o.contactsRows = hostapp::contactsShown(host);
+    o.contactsReloads = tableReloads(host.contactsScreen());
+    o.search = hostapp::searchShown();
+    o.moments = hostapp::momentsShown();
+    o.forward = hostapp::forwardRowShown();
+  }
+
+  void fail(const Breach& b) {
+    run_.passed = false;
+    std::ostringstream f;
+    f << "swarm: seed " << session_.device().seed() << " failed at step " << step_ << ": invariant " << b.invariant
+      << ": " << b.what << "\nlast steps:\n";
+    for (const auto& line : recent_) f << line;
+    f << "replay: quenby-sim swarm --seed " << session_.device().seed() << " --trace\n";
+    run_.failure = f.str();
+  }
+
+  std::ostream* live_;
+  std::ostringstream discard_;
+  Session session_;
+  std::mt19937_64& rng_;
+  SeedRun run_;
+  Settings model_;
+  std::optional<Checker> checker_;
+  unsigned exempt_ = 0, gone_ = 0;
+  std::vector<Window> pendingWindows_;
+  std::optional<std::string> typed_;
+  std::deque<std::string> recent_;
+  int step_ = 0;
+};
+
+}  // namespace
+
+SeedRun runSeed(std::uint64_t seed, int steps, std::ostream* live) {
+  Day day(seed, live);
+  return day.run(steps);
+}
+
+int runSwarm(const SwarmOptions& options, std::ostream& out) {
+  auto started = std::chrono::steady_clock::now();
+  long steps = 0;
+  std::set<std::string> faults;
+  for (std::uint64_t k = 0; k < options.count; ++k) {
+    std::uint64_t seed = options.first + k;
+    SeedRun r = runSeed(seed, options.steps, options.trace ? &out : nullptr);
+    steps += r.steps;
+    faults.insert(r.faults.begin(), r.faults.end());
+    if (!r.passed) {
+      out << r.failure;
+      return 1;
+    }
+  }
+  double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+  out << options.count << " seeds passed, " << steps << " steps, " << faults.size() << " of " << hostFaults().size()
+      << " host faults exercised\n";
+  if (options.count > 1) out << "wall time " << fmt(wall) << " s\n";
+  return 0;
+}
+
+}  // namespace qbsim::swarm
