@@ -29,7 +29,8 @@ void leaveTheApp(benchmark::State& state, bool hooked) {
   process.launch(hooks);
   process.advance(5);
   if (hooked)
-    for (long i = 0; i < 1000; i += 10) core::QBConfig::shared().addSecretUser("wxid_" + std::to_string(i));
+    for (long i = 0; i < 1000; i += 10)
+      core::QBConfig::shared().addSecretUser("wxid_" + std::to_string(i));
   for (auto _ : state) {
     state.PauseTiming();
     if (hooked) {

@@ -15,7 +15,8 @@ struct World {
     base::Array names;
     for (long i = 0; i < secrets; ++i) names.emplace_back("wxid_friend_" + std::to_string(i));
     core::QBConfig c;
-    sys::writePropertyList(c.configURL(), base::Value(base::Dictionary{{"secrets", base::Value(std::move(names))}}));
+    sys::writePropertyList(
+        c.configURL(), base::Value(base::Dictionary{{"secrets", base::Value(std::move(names))}}));
   }
 };
 

@@ -37,7 +37,8 @@ void tablePass(benchmark::State& state, World world, bool fullPass) {
   process.launch(hooks);
   process.advance(5);
   if (world == World::Revealed || world == World::Hooked) {
-    for (long i = 0; i < kChats; i += 10) core::QBConfig::shared().addSecretUser("wxid_" + std::to_string(i));
+    for (long i = 0; i < kChats; i += 10)
+      core::QBConfig::shared().addSecretUser("wxid_" + std::to_string(i));
     core::QBConfig::shared().setUnlocked(world == World::Revealed);
     hiding::QBSessionHooks::refreshFilterCache();
   }
@@ -50,7 +51,8 @@ void tablePass(benchmark::State& state, World world, bool fullPass) {
   for (auto _ : state) {
     long rows = rt::send<long>(frame, "tableView:numberOfRowsInSection:", table, 0L);
     for (long r = 0; r < rows; ++r)
-      benchmark::DoNotOptimize(rt::send<rt::Id>(frame, "tableView:cellForRowAtIndexPath:", table, rt::indexPath(r, 0)));
+      benchmark::DoNotOptimize(
+          rt::send<rt::Id>(frame, "tableView:cellForRowAtIndexPath:", table, rt::indexPath(r, 0)));
   }
 }
 

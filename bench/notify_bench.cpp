@@ -43,18 +43,21 @@ struct World {
 };
 
 Id message(const char* from) {
-  return rt::dictionary({{rt::str("m_nsFromUsr"), rt::str(from)}, {rt::str("m_nsToUsr"), rt::str("wxid_me")},
+  return rt::dictionary({{rt::str("m_nsFromUsr"), rt::str(from)},
+                         {rt::str("m_nsToUsr"), rt::str("wxid_me")},
                          {rt::str("m_nsContent"), rt::str("hello")}});
 }
 
 Id request(const char* from) {
   Id content = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
   rt::send<void>(content, "setBody:", rt::str("hello"));
-  rt::send<void>(content, "setSound:", rt::send<Id>(rt::getClass("UNNotificationSound"), "defaultSound"));
-  rt::send<void>(content, "setUserInfo:", rt::dictionary({{rt::str("fromUserName"), rt::str(from)}}));
+  rt::send<void>(content,
+                 "setSound:", rt::send<Id>(rt::getClass("UNNotificationSound"), "defaultSound"));
+  rt::send<void>(content,
+                 "setUserInfo:", rt::dictionary({{rt::str("fromUserName"), rt::str(from)}}));
   rt::send<void>(content, "setThreadIdentifier:", rt::str(from));
-  return rt::send<Id>(rt::getClass("UNNotificationRequest"), "requestWithIdentifier:content:trigger:", rt::str("r"),
-                      content, Id{nullptr});
+  return rt::send<Id>(rt::getClass("UNNotificationRequest"),
+                      "requestWithIdentifier:content:trigger:", rt::str("r"), content, Id{nullptr});
 }
 
 // Seconds per call of `call`, over a fixed number of calls.
@@ -80,8 +83,16 @@ void BM_CanShowPush(benchmark::State& state) {
   World w;
   Id mgr = hostapp::hostService("QuickReplyMsgMgr");
   Id m = message(state.range(0) ? "bob" : "alice");
-  measure(state, [&] { benchmark::DoNotOptimize(rt::send<bool>(mgr, "canShowPushForContact:msgWrap:", Id{nullptr}, m)); },
-          [&] { benchmark::DoNotOptimize(rt::send<bool>(mgr, "qb_canShowPushForContact:msgWrap:", Id{nullptr}, m)); });
+  measure(
+      state,
+      [&] {
+        benchmark::DoNotOptimize(
+            rt::send<bool>(mgr, "canShowPushForContact:msgWrap:", Id{nullptr}, m));
+      },
+      [&] {
+        benchmark::DoNotOptimize(
+            rt::send<bool>(mgr, "qb_canShowPushForContact:msgWrap:", Id{nullptr}, m));
+      });
   state.SetLabel(state.range(0) ? "secret sender" : "non-secret sender");
 }
 
@@ -91,8 +102,11 @@ void BM_SystemRequest(benchmark::State& state) {
   Id req = request(state.range(0) ? "bob" : "alice");
   Id done = sim::makeCompletionBlock([](Id) {});
   const char* sel = "addNotificationRequest:withCompletionHandler:";
-  measure(state, [&] { rt::send<void>(center, sel, req, done); },
-          [&] { rt::send<void>(center, "qb_addNotificationRequest:withCompletionHandler:", req, done); });
+  measure(
+      state, [&] { rt::send<void>(center, sel, req, done); },
+      [&] {
+        rt::send<void>(center, "qb_addNotificationRequest:withCompletionHandler:", req, done);
+      });
   state.SetLabel(state.range(0) ? "secret sender" : "non-secret sender");
 }
 

@@ -17,11 +17,12 @@ namespace {
 void BM_PickerSearch(benchmark::State& state) {
   std::vector<panel::PickItem> items;
   for (long i = 0; i < state.range(0); ++i)
-    items.push_back({"wxid_friend_" + std::to_string(i), "好友 " + std::to_string(i), "Friend " + std::to_string(i),
-                     i % 5 ? "" : "Remark " + std::to_string(i)});
+    items.push_back({"wxid_friend_" + std::to_string(i), "好友 " + std::to_string(i),
+                     "Friend " + std::to_string(i), i % 5 ? "" : "Remark " + std::to_string(i)});
   sim::Device device;
   sim::Process process(device);  // lower-casing goes through the platform's string facade
-  for (auto _ : state) benchmark::DoNotOptimize(panel::QBContactPickController::filter(items, "ND_12"));
+  for (auto _ : state)
+    benchmark::DoNotOptimize(panel::QBContactPickController::filter(items, "ND_12"));
 }
 BENCHMARK(BM_PickerSearch)->Arg(5000)->Unit(benchmark::kMillisecond);
 

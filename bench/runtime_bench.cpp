@@ -28,7 +28,9 @@ struct World {
                       .ivar("m_nsUsrName", "@")
                       .build();
   Id obj = rt::send<Id>(cls, "new");
-  World() { rt::setIvarObject(obj, rt::getInstanceVariable(cls, "m_nsUsrName"), rt::str("wxid_bob")); }
+  World() {
+    rt::setIvarObject(obj, rt::getInstanceVariable(cls, "m_nsUsrName"), rt::str("wxid_bob"));
+  }
 };
 
 void BM_CachedSend(benchmark::State& state) {

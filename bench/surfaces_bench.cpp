@@ -44,7 +44,8 @@ struct World {
     process->launch(hooks);
     process->advance(5);
     if (hooked)
-      for (long i = 0; i < people; i += 10) core::QBConfig::shared().addSecretUser("wxid_" + std::to_string(i));
+      for (long i = 0; i < people; i += 10)
+        core::QBConfig::shared().addSecretUser("wxid_" + std::to_string(i));
   }
 };
 
@@ -80,7 +81,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& r : runs)
-      if (r.iterations > 0) perIteration_[r.benchmark_name()] = r.real_accumulated_time / double(r.iterations);
+      if (r.iterations > 0)
+        perIteration_[r.benchmark_name()] = r.real_accumulated_time / double(r.iterations);
   }
   void Finalize() override {
     ConsoleReporter::Finalize();
@@ -89,7 +91,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
       if (cut == std::string::npos) continue;
       auto hooked = perIteration_.find(name.substr(0, cut) + "_hooked");
       if (hooked != perIteration_.end() && t > 0)
-        std::printf("%s hooked/unhooked: %.2f\n", name.substr(3, cut - 3).c_str(), hooked->second / t);
+        std::printf("%s hooked/unhooked: %.2f\n", name.substr(3, cut - 3).c_str(),
+                    hooked->second / t);
     }
   }
 

@@ -16,7 +16,7 @@
 
 namespace ios {
 
-inline id object(rt::Id o) { return (__bridge id)reinterpret_cast<void*>(o); }
+inline id object(rt::Id o) { return (__bridge id) reinterpret_cast<void*>(o); }
 
 // Hands an object to the system without ownership. The autorelease keeps it
 // alive past the caller's statement even when ARC would otherwise release a
@@ -27,7 +27,7 @@ inline rt::Id handle(id o) {
   return reinterpret_cast<rt::Id>((__bridge void*)kept);
 }
 
-inline Class cls(rt::Class c) { return (__bridge Class)reinterpret_cast<void*>(c); }
+inline Class cls(rt::Class c) { return (__bridge Class) reinterpret_cast<void*>(c); }
 inline rt::Class handle(Class c) { return reinterpret_cast<rt::Class>((__bridge void*)c); }
 inline SEL sel(rt::SEL s) { return reinterpret_cast<SEL>(const_cast<rt::Selector*>(s)); }
 inline rt::SEL handle(SEL s) { return reinterpret_cast<rt::SEL>(s); }
@@ -41,7 +41,9 @@ inline rt::IMP handle(IMP i) { return reinterpret_cast<rt::IMP>(i); }
 // UTF-8 in and out. Text that is not valid UTF-8 gives the empty string
 // rather than nil, so that nothing downstream is handed nil by surprise.
 inline NSString* ns(std::string_view utf8) {
-  NSString* s = [[NSString alloc] initWithBytes:utf8.data() length:utf8.size() encoding:NSUTF8StringEncoding];
+  NSString* s = [[NSString alloc] initWithBytes:utf8.data()
+                                         length:utf8.size()
+                                       encoding:NSUTF8StringEncoding];
   return s ? s : [[NSString alloc] initWithBytes:"" length:0 encoding:NSUTF8StringEncoding];
 }
 inline std::string utf8(NSString* s) {

@@ -15,10 +15,18 @@ UIColor* color(const ui::Color& c);
 inline UIFont* font(const ui::Font& f) {
   UIFontWeight weight = UIFontWeightRegular;
   switch (f.weight) {
-    case ui::Weight::Regular: weight = UIFontWeightRegular; break;
-    case ui::Weight::Medium: weight = UIFontWeightMedium; break;
-    case ui::Weight::Semibold: weight = UIFontWeightSemibold; break;
-    case ui::Weight::Bold: weight = UIFontWeightBold; break;
+    case ui::Weight::Regular:
+      weight = UIFontWeightRegular;
+      break;
+    case ui::Weight::Medium:
+      weight = UIFontWeightMedium;
+      break;
+    case ui::Weight::Semibold:
+      weight = UIFontWeightSemibold;
+      break;
+    case ui::Weight::Bold:
+      weight = UIFontWeightBold;
+      break;
   }
   return [UIFont systemFontOfSize:f.size weight:weight];
 }

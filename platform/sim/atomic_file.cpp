@@ -45,7 +45,8 @@ void syncFolder(const std::string& path) {
 }  // namespace
 
 bool writeFileAtomically(const std::string& path, std::string_view bytes, WriteFault fault) {
-  std::string temp = path + ".tmp." + std::to_string(::getpid()) + "." + std::to_string(gTempCounter++);
+  std::string temp =
+      path + ".tmp." + std::to_string(::getpid()) + "." + std::to_string(gTempCounter++);
   int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   if (fd < 0) return false;
   bool ok = writeAll(fd, bytes) && ::fsync(fd) == 0;

@@ -14,7 +14,8 @@ enum class WriteFault { None, CrashBeforeRename };
 // With CrashBeforeRename the temporary file is written and left behind, and
 // the target is not touched, as if the process died there. False on any
 // failure; the target is then unchanged.
-bool writeFileAtomically(const std::string& path, std::string_view bytes, WriteFault fault = WriteFault::None);
+bool writeFileAtomically(const std::string& path, std::string_view bytes,
+                         WriteFault fault = WriteFault::None);
 std::optional<std::string> readWholeFile(const std::string& path);
 
 }  // namespace sim

@@ -90,7 +90,8 @@ class Reader {
         std::size_t width = std::size_t(1) << p;
         if (width == 16) {  // 128-bit: only the low 64 bits can be a settings value
           std::uint64_t high = unsignedAt(at + 1, 8), low = unsignedAt(at + 9, 8);
-          if (high == 0 && low > std::uint64_t(INT64_MAX)) return base::Value(static_cast<long long>(INT64_MAX));
+          if (high == 0 && low > std::uint64_t(INT64_MAX))
+            return base::Value(static_cast<long long>(INT64_MAX));
           if (high != 0 && high != ~std::uint64_t(0)) throw Refused{};
           return base::Value(static_cast<long long>(low));
         }

@@ -13,8 +13,8 @@ ClassBuilder::ClassBuilder(std::string_view name, std::string_view super) {
   }
   rt::Class superCls = super.empty() ? nullptr : rt::getClass(super);
   if (!super.empty() && !superCls) {
-    std::fprintf(stderr, "ClassBuilder: superclass %.*s of %.*s is not defined\n", int(super.size()), super.data(),
-                 int(name.size()), name.data());
+    std::fprintf(stderr, "ClassBuilder: superclass %.*s of %.*s is not defined\n",
+                 int(super.size()), super.data(), int(name.size()), name.data());
     std::abort();
   }
   cls_ = rt::allocateClassPair(superCls, name);

@@ -15,9 +15,9 @@
 namespace sim {
 
 struct LogLine {
-  double elapsed = 0;     // device seconds when it was written
-  int secondOfDay = 0;    // local wall-clock time then
-  double fraction = 0;    // sub-second part, for printing
+  double elapsed = 0;   // device seconds when it was written
+  int secondOfDay = 0;  // local wall-clock time then
+  double fraction = 0;  // sub-second part, for printing
   std::string text;
 };
 
@@ -65,7 +65,9 @@ class Device {
   // --- The log every NSLog line reaches.
   void writeLog(std::string line);
   const std::vector<LogLine>& log() const { return log_; }
-  void setLogListener(std::function<void(const LogLine&)> listener) { logListener_ = std::move(listener); }
+  void setLogListener(std::function<void(const LogLine&)> listener) {
+    logListener_ = std::move(listener);
+  }
 
   const std::string& locale() const { return options_.locale; }
   std::mt19937_64& random() { return random_; }
@@ -86,7 +88,7 @@ class Device {
   std::string container_;
   bool ownsContainer_ = false;
   double elapsed_ = 0;
-  double wallOffset_;  // absolute time at elapsed 0
+  double wallOffset_;    // absolute time at elapsed 0
   std::mutex logMutex_;  // lines may come from any thread
   std::vector<LogLine> log_;
   std::function<void(const LogLine&)> logListener_;

@@ -38,8 +38,8 @@ struct DateData {
 
 struct FoundationClasses {
   rt::Class object = nullptr, string = nullptr, number = nullptr, null = nullptr, array = nullptr,
-            mutableArray = nullptr, dictionary = nullptr, mutableDictionary = nullptr, set = nullptr,
-            indexPath = nullptr, date = nullptr;
+            mutableArray = nullptr, dictionary = nullptr, mutableDictionary = nullptr,
+            set = nullptr, indexPath = nullptr, date = nullptr;
 };
 
 // Defines NSObject and the value classes in `rtm` (called once per process).

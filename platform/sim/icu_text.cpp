@@ -17,7 +17,8 @@ std::u16string toUtf16(std::string_view s) {
   u_strFromUTF8WithSub(nullptr, 0, &len, s.data(), int32_t(s.size()), 0xFFFD, nullptr, &err);
   std::u16string out(std::size_t(len), u'\0');
   err = U_ZERO_ERROR;
-  u_strFromUTF8WithSub(out.data(), len, nullptr, s.data(), int32_t(s.size()), 0xFFFD, nullptr, &err);
+  u_strFromUTF8WithSub(out.data(), len, nullptr, s.data(), int32_t(s.size()), 0xFFFD, nullptr,
+                       &err);
   return U_SUCCESS(err) ? out : std::u16string();
 }
 
@@ -73,8 +74,8 @@ std::string icuUppercase(std::string_view utf8) { return mapCase(utf8, u_strToUp
 
 int icuStandardCompare(std::string_view a, std::string_view b, const std::string& locale) {
   UErrorCode err = U_ZERO_ERROR;
-  UCollationResult r =
-      ucol_strcollUTF8(collatorFor(locale), a.data(), int32_t(a.size()), b.data(), int32_t(b.size()), &err);
+  UCollationResult r = ucol_strcollUTF8(collatorFor(locale), a.data(), int32_t(a.size()), b.data(),
+                                        int32_t(b.size()), &err);
   if (U_SUCCESS(err) && r != UCOL_EQUAL) return r == UCOL_LESS ? -1 : 1;
   int c = a.compare(b);
   return c < 0 ? -1 : c > 0 ? 1 : 0;

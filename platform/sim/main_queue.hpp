@@ -34,7 +34,9 @@ class MainQueue {
     std::uint64_t timer;
   };
   struct Later {
-    bool operator()(const Item& a, const Item& b) const { return a.due != b.due ? a.due > b.due : a.seq > b.seq; }
+    bool operator()(const Item& a, const Item& b) const {
+      return a.due != b.due ? a.due > b.due : a.seq > b.seq;
+    }
   };
   struct TimerInfo {
     double interval;

@@ -5,9 +5,13 @@
 
 namespace sys {
 
-bool deviceMotionAvailable() { return sim::currentProcess().device().motion == sim::MotionSensors::Full; }
+bool deviceMotionAvailable() {
+  return sim::currentProcess().device().motion == sim::MotionSensors::Full;
+}
 
-bool accelerometerAvailable() { return sim::currentProcess().device().motion != sim::MotionSensors::None; }
+bool accelerometerAvailable() {
+  return sim::currentProcess().device().motion != sim::MotionSensors::None;
+}
 
 void startDeviceMotionUpdates(double interval, std::function<void(Acceleration)> handler) {
   sim::PlatformState& p = sim::currentProcess().platform();

@@ -13,7 +13,8 @@ void Notices::begin(std::string from, std::string kind, std::string text, double
 }
 
 Announcement& Notices::open() {
-  if (list_.empty()) list_.push_back(Announcement{"", "message", "", "", false, 0, false, false, 0});
+  if (list_.empty())
+    list_.push_back(Announcement{"", "message", "", "", false, 0, false, false, 0});
   return list_.back();
 }
 

@@ -14,7 +14,7 @@ namespace sim {
 
 struct Announcement {
   std::string from;
-  std::string kind;    // "message", "voice call", "video call"
+  std::string kind;  // "message", "voice call", "video call"
   std::string text;
   std::string banner;  // "" none, "in-app", "system"
   bool sound = false;

@@ -18,7 +18,8 @@ void NotificationCenter::post(const sys::Notification& n) {
   for (const Entry& e : observers_)
     if (e.name.empty() || e.name == n.name) targets.push_back(e.id);
   for (std::uint64_t id : targets) {
-    auto it = std::find_if(observers_.begin(), observers_.end(), [&](const Entry& e) { return e.id == id; });
+    auto it = std::find_if(observers_.begin(), observers_.end(),
+                           [&](const Entry& e) { return e.id == id; });
     if (it == observers_.end()) continue;
     sys::Observer block = it->block;  // the observer may remove itself while running
     block(n);

@@ -120,8 +120,10 @@ void freeDeepTree(plist_t root) {
       Frame done = std::move(path.back());
       path.pop_back();
       if (path.empty()) break;
-      if (done.height >= kMaxDepth) cuts.push_back(done.children.node());
-      else path.back().height = std::max(path.back().height, done.height + 1);
+      if (done.height >= kMaxDepth)
+        cuts.push_back(done.children.node());
+      else
+        path.back().height = std::max(path.back().height, done.height + 1);
     }
   }
   // Post-order: a cut subtree's own deep parts were cut before it.
@@ -157,9 +159,11 @@ std::string binaryImage(plist_t node) {
 std::int64_t integerOf(plist_t node) {
   uint64_t u = 0;
   plist_get_uint_val(node, &u);
-  if (u <= static_cast<uint64_t>(std::numeric_limits<std::int64_t>::max())) return static_cast<std::int64_t>(u);
+  if (u <= static_cast<uint64_t>(std::numeric_limits<std::int64_t>::max()))
+    return static_cast<std::int64_t>(u);
   std::string image = binaryImage(node);
-  if (image.size() > 8 && static_cast<unsigned char>(image[8]) == 0x14) return std::numeric_limits<std::int64_t>::max();
+  if (image.size() > 8 && static_cast<unsigned char>(image[8]) == 0x14)
+    return std::numeric_limits<std::int64_t>::max();
   return static_cast<std::int64_t>(u);  // a negative number, kept in the unsigned node
 }
 
@@ -214,7 +218,8 @@ std::optional<base::Value> toValue(plist_t node, std::size_t depth) {
       uint32_t n = plist_array_get_size(node);
       out.reserve(n);
       for (uint32_t i = 0; i < n; ++i)
-        if (auto v = toValue(plist_array_get_item(node, i), depth + 1)) out.push_back(std::move(*v));
+        if (auto v = toValue(plist_array_get_item(node, i), depth + 1))
+          out.push_back(std::move(*v));
       return base::Value(std::move(out));
     }
     case PLIST_DICT: {
@@ -253,7 +258,8 @@ std::string writableText(const std::string& s) {
 
 plist_t dateNode(double seconds) {
   // libplist takes whole seconds and microseconds as 32-bit numbers.
-  constexpr double kLow = std::numeric_limits<int32_t>::min(), kHigh = std::numeric_limits<int32_t>::max();
+  constexpr double kLow = std::numeric_limits<int32_t>::min(),
+                   kHigh = std::numeric_limits<int32_t>::max();
   if (seconds != seconds) seconds = 0;
   seconds = std::clamp(seconds, kLow, kHigh);
   double whole = seconds < 0 ? -static_cast<double>(static_cast<int64_t>(-seconds))
@@ -264,11 +270,16 @@ plist_t dateNode(double seconds) {
 plist_t fromValue(const base::Value& v, sys::PlistFormat format) {
   using T = base::Value::Type;
   switch (v.type()) {
-    case T::Null: return nullptr;
-    case T::Bool: return plist_new_bool(*v.asBool() ? 1 : 0);
-    case T::Integer: return plist_new_uint(static_cast<uint64_t>(*v.asInteger()));
-    case T::Real: return plist_new_real(*v.asReal());
-    case T::String: return plist_new_string(writableText(*v.asString()).c_str());
+    case T::Null:
+      return nullptr;
+    case T::Bool:
+      return plist_new_bool(*v.asBool() ? 1 : 0);
+    case T::Integer:
+      return plist_new_uint(static_cast<uint64_t>(*v.asInteger()));
+    case T::Real:
+      return plist_new_real(*v.asReal());
+    case T::String:
+      return plist_new_string(writableText(*v.asString()).c_str());
     case T::Data: {
       const base::Data& d = *v.asData();
       return plist_new_data(reinterpret_cast<const char*>(d.data()), d.size());
@@ -288,7 +299,8 @@ plist_t fromValue(const base::Value& v, sys::PlistFormat format) {
     case T::Dictionary: {
       plist_t d = plist_new_dict();
       for (const auto& [k, e] : *v.asDictionary())
-        if (plist_t item = fromValue(e, format)) plist_dict_set_item(d, writableText(k).c_str(), item);
+        if (plist_t item = fromValue(e, format))
+          plist_dict_set_item(d, writableText(k).c_str(), item);
       return d;
     }
   }

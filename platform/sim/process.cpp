@@ -22,10 +22,14 @@ std::atomic<Process*> gCurrent{nullptr};
 
 const char* appStateName(AppState s) {
   switch (s) {
-    case AppState::NotLaunched: return "not launched";
-    case AppState::Active: return "active";
-    case AppState::Inactive: return "inactive";
-    case AppState::Background: return "background";
+    case AppState::NotLaunched:
+      return "not launched";
+    case AppState::Active:
+      return "active";
+    case AppState::Inactive:
+      return "inactive";
+    case AppState::Background:
+      return "background";
   }
   return "?";
 }
@@ -44,7 +48,9 @@ bool hasCurrentProcess() { return gCurrent.load(std::memory_order_acquire) != nu
 Runtime& runtime() { return currentProcess().runtime(); }
 
 Process::Process(Device& device)
-    : device_(device), previous_(gCurrent), runtime_(std::make_unique<Runtime>()),
+    : device_(device),
+      previous_(gCurrent),
+      runtime_(std::make_unique<Runtime>()),
       mainThread_(std::this_thread::get_id()) {
   gCurrent = this;
   registerFoundation(*runtime_);
@@ -67,7 +73,8 @@ void Process::runGuarded(const std::function<void()>& work) {
   try {
     work();
   } catch (...) {
-    crash_ = "uncaught exception " + rt::currentExceptionName() + ": " + rt::describeCurrentException();
+    crash_ =
+        "uncaught exception " + rt::currentExceptionName() + ": " + rt::describeCurrentException();
   }
 }
 

@@ -25,7 +25,9 @@ std::pair<std::string, std::string> current() {
 
 }  // namespace
 
-void raise(std::string name, std::string reason) { throw Exception(std::move(name), std::move(reason)); }
+void raise(std::string name, std::string reason) {
+  throw Exception(std::move(name), std::move(reason));
+}
 
 std::string describeCurrentException() { return current().second; }
 

@@ -61,14 +61,18 @@ bool isNumber(Id obj) { return native<sim::NumberData>(obj) != nullptr; }
 bool answersIntegerValue(Id obj) { return obj && respondsTo(obj, sel("integerValue")); }
 
 long integerValue(Id obj) {
-  if (const sim::NumberData* n = native<sim::NumberData>(obj)) return n->value.integerValue().value_or(0);
-  if (const sim::StringData* s = native<sim::StringData>(obj)) return base::integerValueOfString(s->utf8);
+  if (const sim::NumberData* n = native<sim::NumberData>(obj))
+    return n->value.integerValue().value_or(0);
+  if (const sim::StringData* s = native<sim::StringData>(obj))
+    return base::integerValueOfString(s->utf8);
   return answersIntegerValue(obj) ? send<long>(obj, "integerValue") : 0;
 }
 
 bool boolValue(Id obj) {
-  if (const sim::NumberData* n = native<sim::NumberData>(obj)) return n->value.boolValue().value_or(false);
-  if (const sim::StringData* s = native<sim::StringData>(obj)) return base::boolValueOfString(s->utf8);
+  if (const sim::NumberData* n = native<sim::NumberData>(obj))
+    return n->value.boolValue().value_or(false);
+  if (const sim::StringData* s = native<sim::StringData>(obj))
+    return base::boolValueOfString(s->utf8);
   return obj && respondsTo(obj, sel("boolValue")) ? send<bool>(obj, "boolValue") : false;
 }
 
@@ -85,9 +89,13 @@ Id null() {
 bool isNull(Id obj) { return obj && obj == sim::runtime().nullObject(); }
 
 Id array(const std::vector<Id>& items) { return sim::makeArray(sim::foundation().array, items); }
-Id mutableArray(const std::vector<Id>& items) { return sim::makeArray(sim::foundation().mutableArray, items); }
+Id mutableArray(const std::vector<Id>& items) {
+  return sim::makeArray(sim::foundation().mutableArray, items);
+}
 bool isArray(Id obj) { return native<sim::ArrayData>(obj) != nullptr; }
-bool isMutableArray(Id obj) { return isArray(obj) && isKindOf(obj, sim::foundation().mutableArray); }
+bool isMutableArray(Id obj) {
+  return isArray(obj) && isKindOf(obj, sim::foundation().mutableArray);
+}
 
 std::vector<Id> elements(Id obj) {
   if (const sim::ArrayData* a = native<sim::ArrayData>(obj)) return a->items;
@@ -97,12 +105,15 @@ std::vector<Id> elements(Id obj) {
 
 long count(Id obj) {
   if (const sim::ArrayData* a = native<sim::ArrayData>(obj)) return long(a->items.size());
-  if (const sim::DictionaryData* d = native<sim::DictionaryData>(obj)) return long(d->entries.size());
+  if (const sim::DictionaryData* d = native<sim::DictionaryData>(obj))
+    return long(d->entries.size());
   if (const sim::SetData* s = native<sim::SetData>(obj)) return long(s->items.size());
   return obj && respondsTo(obj, sel("count")) ? long(send<unsigned long>(obj, "count")) : 0;
 }
 
-Id objectAtIndex(Id arr, long index) { return send<Id>(arr, "objectAtIndex:", (unsigned long)index); }
+Id objectAtIndex(Id arr, long index) {
+  return send<Id>(arr, "objectAtIndex:", (unsigned long)index);
+}
 void addObject(Id arr, Id obj) { send<void>(arr, "addObject:", obj); }
 
 Id dictionary(const std::vector<std::pair<Id, Id>>& entries) {
@@ -112,11 +123,15 @@ Id mutableDictionary(const std::vector<std::pair<Id, Id>>& entries) {
   return sim::makeDictionary(sim::foundation().mutableDictionary, entries);
 }
 bool isDictionary(Id obj) { return native<sim::DictionaryData>(obj) != nullptr; }
-bool isMutableDictionary(Id obj) { return isDictionary(obj) && isKindOf(obj, sim::foundation().mutableDictionary); }
+bool isMutableDictionary(Id obj) {
+  return isDictionary(obj) && isKindOf(obj, sim::foundation().mutableDictionary);
+}
 
 Id objectForKey(Id dict, Id key) { return send<Id>(dict, "objectForKey:", key); }
 Id objectForKey(Id dict, std::string_view key) { return objectForKey(dict, str(key)); }
-void setObjectForKey(Id dict, Id value, Id key) { send<void>(dict, "setObject:forKey:", value, key); }
+void setObjectForKey(Id dict, Id value, Id key) {
+  send<void>(dict, "setObject:forKey:", value, key);
+}
 
 std::vector<Id> allKeys(Id dict) {
   if (const sim::DictionaryData* d = native<sim::DictionaryData>(dict)) {
@@ -141,7 +156,9 @@ Id set(const std::vector<Id>& items) {
 
 bool isSet(Id obj) { return native<sim::SetData>(obj) != nullptr; }
 
-bool containsObject(Id collection, Id obj) { return send<bool>(collection, "containsObject:", obj); }
+bool containsObject(Id collection, Id obj) {
+  return send<bool>(collection, "containsObject:", obj);
+}
 
 Id indexPath(long row, long section) {
   Id& slot = sim::runtime().indexPaths()[{row, section}];
@@ -184,7 +201,8 @@ std::optional<base::Value> toValue(Id obj) {
   if (!obj) return std::nullopt;
   if (const sim::StringData* s = native<sim::StringData>(obj)) return base::Value(s->utf8);
   if (const sim::NumberData* n = native<sim::NumberData>(obj)) return n->value;
-  if (const sim::DateData* d = native<sim::DateData>(obj)) return base::Value(base::Date{d->referenceSeconds});
+  if (const sim::DateData* d = native<sim::DateData>(obj))
+    return base::Value(base::Date{d->referenceSeconds});
   if (const sim::ArrayData* a = native<sim::ArrayData>(obj)) {
     base::Array out;
     for (Id e : a->items)

@@ -46,7 +46,9 @@ std::string_view selName(SEL s) { return s ? std::string_view(s->name) : std::st
 Class classOf(Id obj) { return obj ? obj->isa : nullptr; }
 Class superclass(Class cls) { return cls ? cls->super : nullptr; }
 bool isMetaclass(Class cls) { return cls && cls->meta; }
-std::string_view className(Class cls) { return cls ? std::string_view(cls->name) : std::string_view("nil"); }
+std::string_view className(Class cls) {
+  return cls ? std::string_view(cls->name) : std::string_view("nil");
+}
 
 std::string_view className(Id obj) {
   if (!obj) return "nil";
@@ -65,10 +67,14 @@ bool isKindOf(Id obj, Class cls) {
 bool isKindOf(Id obj, std::string_view name) { return isKindOf(obj, getClass(name)); }
 
 bool respondsTo(Id obj, SEL s) { return obj && s && sim::runtime().lookup(obj->isa, s) != nullptr; }
-bool instancesRespondTo(Class cls, SEL s) { return cls && s && sim::runtime().lookup(cls, s) != nullptr; }
+bool instancesRespondTo(Class cls, SEL s) {
+  return cls && s && sim::runtime().lookup(cls, s) != nullptr;
+}
 
 Method getInstanceMethod(Class cls, SEL s) { return sim::runtime().lookup(cls, s); }
-Method getClassMethod(Class cls, SEL s) { return cls ? sim::runtime().lookup(cls->isa, s) : nullptr; }
+Method getClassMethod(Class cls, SEL s) {
+  return cls ? sim::runtime().lookup(cls->isa, s) : nullptr;
+}
 SEL methodName(Method m) { return m ? m->name : nullptr; }
 IMP methodImplementation(Method m) { return m ? m->imp : nullptr; }
 const char* typeEncoding(Method m) { return m && m->hasTypes ? m->types.c_str() : nullptr; }
@@ -90,23 +96,31 @@ void exchangeImplementations(Method a, Method b) {
   sim::runtime().methodsChanged();
 }
 
-bool addMethod(Class cls, SEL s, IMP imp, const char* types) { return sim::runtime().addMethod(cls, s, imp, types); }
+bool addMethod(Class cls, SEL s, IMP imp, const char* types) {
+  return sim::runtime().addMethod(cls, s, imp, types);
+}
 
-Ivar getInstanceVariable(Class cls, std::string_view name) { return cls ? sim::runtime().findIvar(cls, name) : nullptr; }
+Ivar getInstanceVariable(Class cls, std::string_view name) {
+  return cls ? sim::runtime().findIvar(cls, name) : nullptr;
+}
 std::string_view ivarName(Ivar iv) { return iv ? std::string_view(iv->name) : std::string_view(); }
 const char* ivarTypeEncoding(Ivar iv) { return iv ? iv->types.c_str() : nullptr; }
 
 Id ivarObject(Id obj, Ivar iv) {
-  if (!obj || !iv || iv->types.empty() || iv->types[0] != '@' || iv->index >= obj->ivars.size()) return nullptr;
+  if (!obj || !iv || iv->types.empty() || iv->types[0] != '@' || iv->index >= obj->ivars.size())
+    return nullptr;
   return obj->ivars[iv->index].object;
 }
 
 void setIvarObject(Id obj, Ivar iv, Id value) {
-  if (!obj || !iv || iv->types.empty() || iv->types[0] != '@' || iv->index >= obj->ivars.size()) return;
+  if (!obj || !iv || iv->types.empty() || iv->types[0] != '@' || iv->index >= obj->ivars.size())
+    return;
   obj->ivars[iv->index].object = value;
 }
 
-Class allocateClassPair(Class super, std::string_view name) { return sim::runtime().allocateClass(super, name); }
+Class allocateClassPair(Class super, std::string_view name) {
+  return sim::runtime().allocateClass(super, name);
+}
 bool addIvar(Class cls, std::string_view name, const char* types) {
   return sim::runtime().addIvar(cls, name, types ? types : "");
 }

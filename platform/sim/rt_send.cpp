@@ -14,7 +14,8 @@ namespace {
 
 std::string methodLabel(Id receiver, SEL s) {
   bool isClass = receiver->isa && receiver->isa->meta;
-  return std::string(isClass ? "+[" : "-[") + std::string(className(receiver)) + " " + std::string(selName(s)) + "]";
+  return std::string(isClass ? "+[" : "-[") + std::string(className(receiver)) + " " +
+         std::string(selName(s)) + "]";
 }
 
 [[noreturn]] void mismatch(sim::Runtime& rtm, const std::string& label, const std::string& expected,
@@ -31,10 +32,12 @@ IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
   Method m = rtm.lookup(receiver->isa, s);
   if (!m) {
     bool isClass = receiver->isa && receiver->isa->meta;
-    raise("NSInvalidArgumentException",
-          methodLabel(receiver, s) + ": unrecognized selector sent to " + (isClass ? "class" : "instance"));
+    raise("NSInvalidArgumentException", methodLabel(receiver, s) +
+                                            ": unrecognized selector sent to " +
+                                            (isClass ? "class" : "instance"));
   }
-  if (m->hasTypes && m->normalized != sig) mismatch(rtm, methodLabel(receiver, s), m->normalized, sig);
+  if (m->hasTypes && m->normalized != sig)
+    mismatch(rtm, methodLabel(receiver, s), m->normalized, sig);
   if (const std::string* what = rtm.raisingWhat(m->imp)) raise("NSGenericException", *what);
   return m->imp;
 }
@@ -43,10 +46,12 @@ void checkCall(IMP imp, SEL s, const std::string& sig) {
   sim::Runtime& rtm = sim::runtime();
   if (!imp) {
     rtm.recordViolation(std::string("call of a null IMP for ") + std::string(selName(s)));
-    raise("NSInvalidArgumentException", std::string("call of a null IMP for ") + std::string(selName(s)));
+    raise("NSInvalidArgumentException",
+          std::string("call of a null IMP for ") + std::string(selName(s)));
   }
   if (!rtm.implementationAccepts(imp, sig)) {
-    std::string what = std::string("stored IMP for ") + std::string(selName(s)) + ": called as " + sig;
+    std::string what =
+        std::string("stored IMP for ") + std::string(selName(s)) + ": called as " + sig;
     rtm.recordViolation(what);
     raise("NSInvalidArgumentException", "type mismatch " + what);
   }

@@ -42,11 +42,15 @@ class Runtime {
   // The calls most code makes, kept here so call sites read as the runtime's.
   rt::Class findClass(std::string_view name) const { return classes_.find(name); }
   std::vector<rt::Class> registeredClasses() const { return classes_.registered(); }
-  rt::Class allocateClass(rt::Class super, std::string_view name) { return classes_.allocate(super, name); }
+  rt::Class allocateClass(rt::Class super, std::string_view name) {
+    return classes_.allocate(super, name);
+  }
   void registerClass(rt::Class cls) {
     if (classes_.registerClass(cls)) methods_.changed();
   }
-  bool addIvar(rt::Class cls, std::string_view name, std::string_view types) { return ivars_.add(cls, name, types); }
+  bool addIvar(rt::Class cls, std::string_view name, std::string_view types) {
+    return ivars_.add(cls, name, types);
+  }
   rt::Ivar findIvar(rt::Class cls, std::string_view name) const { return ivars_.find(cls, name); }
   bool addMethod(rt::Class cls, rt::SEL sel, rt::IMP imp, const char* types) {
     return methods_.add(cls, sel, imp, types);
@@ -54,7 +58,9 @@ class Runtime {
   rt::Method lookup(rt::Class cls, rt::SEL sel) { return methods_.lookup(cls, sel); }
   void methodsChanged() { methods_.changed(); }
 
-  void noteImplementation(rt::IMP imp, const std::string& normalized) { types_.noteImplementation(imp, normalized); }
+  void noteImplementation(rt::IMP imp, const std::string& normalized) {
+    types_.noteImplementation(imp, normalized);
+  }
   bool implementationAccepts(rt::IMP imp, const std::string& normalized) const {
     return types_.implementationAccepts(imp, normalized);
   }

@@ -11,10 +11,14 @@ namespace {
 
 const char* weightName(Weight w) {
   switch (w) {
-    case Weight::Regular: return "regular";
-    case Weight::Medium: return "medium";
-    case Weight::Semibold: return "semibold";
-    case Weight::Bold: return "bold";
+    case Weight::Regular:
+      return "regular";
+    case Weight::Medium:
+      return "medium";
+    case Weight::Semibold:
+      return "semibold";
+    case Weight::Bold:
+      return "bold";
   }
   return "?";
 }
@@ -22,20 +26,21 @@ const char* weightName(Weight w) {
 std::string describe(const DrawOp& op) {
   char buf[256];
   if (const FillRect* f = std::get_if<FillRect>(&op)) {
-    std::snprintf(buf, sizeof buf, "fill %g,%g %gx%g radius %g rgba(%g,%g,%g,%g)", f->rect.origin.x, f->rect.origin.y,
-                  f->rect.size.width, f->rect.size.height, f->cornerRadius, f->color.red, f->color.green,
-                  f->color.blue, f->color.alpha);
+    std::snprintf(buf, sizeof buf, "fill %g,%g %gx%g radius %g rgba(%g,%g,%g,%g)", f->rect.origin.x,
+                  f->rect.origin.y, f->rect.size.width, f->rect.size.height, f->cornerRadius,
+                  f->color.red, f->color.green, f->color.blue, f->color.alpha);
     return buf;
   }
   if (const DrawImage* d = std::get_if<DrawImage>(&op)) {
     sim::ImageState* img = sim::imageState(d->image);
-    std::snprintf(buf, sizeof buf, " at %g,%g %gx%g clip %g", d->rect.origin.x, d->rect.origin.y, d->rect.size.width,
-                  d->rect.size.height, d->clipRadius);
+    std::snprintf(buf, sizeof buf, " at %g,%g %gx%g clip %g", d->rect.origin.x, d->rect.origin.y,
+                  d->rect.size.width, d->rect.size.height, d->clipRadius);
     return "image " + (img ? img->source : std::string("nil")) + buf;
   }
   const DrawText& t = std::get<DrawText>(op);
-  std::snprintf(buf, sizeof buf, "\" at %g,%g system %g %s rgba(%g,%g,%g,%g)", t.origin.x, t.origin.y, t.font.size,
-                weightName(t.font.weight), t.color.red, t.color.green, t.color.blue, t.color.alpha);
+  std::snprintf(buf, sizeof buf, "\" at %g,%g system %g %s rgba(%g,%g,%g,%g)", t.origin.x,
+                t.origin.y, t.font.size, weightName(t.font.weight), t.color.red, t.color.green,
+                t.color.blue, t.color.alpha);
   return "text \"" + t.text + buf;
 }
 
@@ -61,8 +66,8 @@ rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector
 rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Color tint) {
   if (name.empty()) return nullptr;
   char buf[160];
-  std::snprintf(buf, sizeof buf, " %g %s rgba(%g,%g,%g,%g)", pointSize, weightName(weight), tint.red, tint.green,
-                tint.blue, tint.alpha);
+  std::snprintf(buf, sizeof buf, " %g %s rgba(%g,%g,%g,%g)", pointSize, weightName(weight),
+                tint.red, tint.green, tint.blue, tint.alpha);
   // A symbol is about as wide and high as its point size.
   rt::Id image = sim::drawnImage({pointSize + 2, pointSize}, 3.0, false, {"symbol " + name + buf});
   sim::imageState(image)->symbol = name;

@@ -16,10 +16,12 @@ rt::Id makeLabel(const std::string& text, const LabelStyle& style) {
   sim::ViewState& v = *sim::viewState(label);
   v.text = text;
   char buf[200];
-  std::snprintf(buf, sizeof buf, "font %g/%d text rgba(%g,%g,%g,%g) on rgba(%g,%g,%g,%g)%s radius %g%s lines %ld",
+  std::snprintf(buf, sizeof buf,
+                "font %g/%d text rgba(%g,%g,%g,%g) on rgba(%g,%g,%g,%g)%s radius %g%s lines %ld",
                 style.font.size, int(style.font.weight), style.textColor.red, style.textColor.green,
-                style.textColor.blue, style.textColor.alpha, style.background.red, style.background.green,
-                style.background.blue, style.background.alpha, style.centered ? " centered" : "", style.cornerRadius,
+                style.textColor.blue, style.textColor.alpha, style.background.red,
+                style.background.green, style.background.blue, style.background.alpha,
+                style.centered ? " centered" : "", style.cornerRadius,
                 style.clipsToBounds ? " clipped" : "", style.numberOfLines);
   v.style = buf;
   v.look = style;

@@ -21,13 +21,17 @@ struct CompletionBlock {
 
 Notices& notices() { return currentProcess().device().notices(); }
 
-Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
-void setIvar(Id obj, const char* name, Id v) { rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), v); }
+Id ivar(Id obj, const char* name) {
+  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
+}
+void setIvar(Id obj, const char* name, Id v) {
+  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), v);
+}
 
 // --- UNNotificationContent / UNMutableNotificationContent: properties kept
 // in instance variables of these names.
-constexpr char kTitle[] = "_title", kBody[] = "_body", kSound[] = "_sound", kUserInfo[] = "_userInfo",
-               kThread[] = "_threadIdentifier";
+constexpr char kTitle[] = "_title", kBody[] = "_body", kSound[] = "_sound",
+               kUserInfo[] = "_userInfo", kThread[] = "_threadIdentifier";
 template <const char* Name>
 Id property(Id self, SEL) {
   return ivar(self, Name);
@@ -90,7 +94,11 @@ Id makeCompletionBlock(std::function<void(Id)> body) {
 void registerUserNotifications(Runtime&) {
   ClassBuilder("NSBlock").build();
   ClassBuilder("UNNotificationContent")
-      .ivar(kTitle, "@").ivar(kBody, "@").ivar(kSound, "@").ivar(kUserInfo, "@").ivar(kThread, "@")
+      .ivar(kTitle, "@")
+      .ivar(kBody, "@")
+      .ivar(kSound, "@")
+      .ivar(kUserInfo, "@")
+      .ivar(kThread, "@")
       .method("title", property<kTitle>)
       .method("body", property<kBody>)
       .method("sound", property<kSound>)
@@ -107,7 +115,9 @@ void registerUserNotifications(Runtime&) {
       .build();
   ClassBuilder("UNNotificationSound").classMethod("defaultSound", defaultSound).build();
   ClassBuilder("UNNotificationRequest")
-      .ivar("_identifier", "@").ivar("_content", "@").ivar("_trigger", "@")
+      .ivar("_identifier", "@")
+      .ivar("_content", "@")
+      .ivar("_trigger", "@")
       .classMethod("requestWithIdentifier:content:trigger:", requestWith)
       .method("identifier", requestIdentifier)
       .method("content", requestContent)
@@ -125,8 +135,10 @@ namespace sys {
 
 void playSystemSound(unsigned soundID) {
   sim::Notices& n = sim::currentProcess().device().notices();
-  if (soundID == kSystemSoundVibrate) n.vibrate();
-  else n.sound();
+  if (soundID == kSystemSoundVibrate)
+    n.vibrate();
+  else
+    n.sound();
 }
 
 void callNotificationCompletion(rt::Id completionHandler, rt::Id error) {

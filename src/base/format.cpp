@@ -20,7 +20,9 @@ struct Spec {
 };
 
 bool isFlag(char c) { return c == '-' || c == '+' || c == ' ' || c == '0' || c == '#'; }
-bool isLengthModifier(char c) { return c == 'h' || c == 'l' || c == 'q' || c == 'z' || c == 't' || c == 'j' || c == 'L'; }
+bool isLengthModifier(char c) {
+  return c == 'h' || c == 'l' || c == 'q' || c == 'z' || c == 't' || c == 'j' || c == 'L';
+}
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Reads a width or precision; nullopt when it does not fit an int, which
@@ -129,18 +131,36 @@ std::string formatv(std::string_view fmt, std::initializer_list<FormatArg> args)
       case '@':
       case 's': {
         const FormatArg* a = take();
-        if (!a) out += pad("(null)", s);
-        else if (a->kind() == FormatArg::Kind::Text) out += pad(a->asText(), s);
-        else if (a->kind() == FormatArg::Kind::Real) out += pad(numeric(Spec{"", 0, -1, 'g'}, a).value_or(""), s);
-        else if (a->kind() == FormatArg::Kind::Unsigned) out += pad(std::to_string(a->asUnsigned()), s);
-        else out += pad(std::to_string(a->asSigned()), s);
+        if (!a)
+          out += pad("(null)", s);
+        else if (a->kind() == FormatArg::Kind::Text)
+          out += pad(a->asText(), s);
+        else if (a->kind() == FormatArg::Kind::Real)
+          out += pad(numeric(Spec{"", 0, -1, 'g'}, a).value_or(""), s);
+        else if (a->kind() == FormatArg::Kind::Unsigned)
+          out += pad(std::to_string(a->asUnsigned()), s);
+        else
+          out += pad(std::to_string(a->asSigned()), s);
         break;
       }
-      case 'd': case 'i': case 'u': case 'x': case 'X': case 'o': case 'c':
-      case 'f': case 'F': case 'e': case 'E': case 'g': case 'G': {
+      case 'd':
+      case 'i':
+      case 'u':
+      case 'x':
+      case 'X':
+      case 'o':
+      case 'c':
+      case 'f':
+      case 'F':
+      case 'e':
+      case 'E':
+      case 'g':
+      case 'G': {
         std::optional<std::string> text = numeric(s, take());
-        if (text) out += *text;
-        else out.append(written);
+        if (text)
+          out += *text;
+        else
+          out.append(written);
         break;
       }
       default:

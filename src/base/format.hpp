@@ -26,14 +26,27 @@ class FormatArg {
   FormatArg(unsigned long i) : kind_(Kind::Unsigned), u_(i) {}
   FormatArg(unsigned long long i) : kind_(Kind::Unsigned), u_(i) {}
   FormatArg(double d) : kind_(Kind::Real), d_(d) {}
-  FormatArg(const char* s) : kind_(Kind::Text), s_(s ? std::string_view(s) : std::string_view("(null)")) {}
+  FormatArg(const char* s)
+      : kind_(Kind::Text), s_(s ? std::string_view(s) : std::string_view("(null)")) {}
   FormatArg(std::string_view s) : kind_(Kind::Text), s_(s) {}
   FormatArg(const std::string& s) : kind_(Kind::Text), s_(s) {}
 
   Kind kind() const { return kind_; }
-  std::int64_t asSigned() const { return kind_ == Kind::Unsigned ? static_cast<std::int64_t>(u_) : kind_ == Kind::Real ? realToSigned(d_) : i_; }
-  std::uint64_t asUnsigned() const { return kind_ == Kind::Unsigned ? u_ : kind_ == Kind::Real ? realToUnsigned(d_) : static_cast<std::uint64_t>(i_); }
-  double asReal() const { return kind_ == Kind::Real ? d_ : kind_ == Kind::Unsigned ? static_cast<double>(u_) : static_cast<double>(i_); }
+  std::int64_t asSigned() const {
+    return kind_ == Kind::Unsigned ? static_cast<std::int64_t>(u_)
+           : kind_ == Kind::Real   ? realToSigned(d_)
+                                   : i_;
+  }
+  std::uint64_t asUnsigned() const {
+    return kind_ == Kind::Unsigned ? u_
+           : kind_ == Kind::Real   ? realToUnsigned(d_)
+                                   : static_cast<std::uint64_t>(i_);
+  }
+  double asReal() const {
+    return kind_ == Kind::Real       ? d_
+           : kind_ == Kind::Unsigned ? static_cast<double>(u_)
+                                     : static_cast<double>(i_);
+  }
   std::string_view asText() const { return s_; }
 
  private:

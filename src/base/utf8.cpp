@@ -16,7 +16,10 @@ char32_t decodeUtf8(std::string_view s, std::size_t& i) {
     return b0;
   }
   // C0, C1 and F5-FF never start a sequence; continuation bytes neither.
-  int len = b0 >= 0xF0 && b0 <= 0xF4 ? 4 : b0 >= 0xE0 && b0 <= 0xEF ? 3 : b0 >= 0xC2 && b0 <= 0xDF ? 2 : 0;
+  int len = b0 >= 0xF0 && b0 <= 0xF4   ? 4
+            : b0 >= 0xE0 && b0 <= 0xEF ? 3
+            : b0 >= 0xC2 && b0 <= 0xDF ? 2
+                                       : 0;
   if (len == 0 || i + std::size_t(len) > s.size()) {
     ++i;
     return 0xFFFD;
@@ -61,7 +64,8 @@ void appendUtf8(std::string& out, char32_t cp) {
 bool isValidUtf8(std::string_view s) {
   for (std::size_t i = 0; i < s.size();) {
     std::size_t at = i;
-    if (decodeUtf8(s, i) == 0xFFFD && !(i - at == 3 && s.substr(at, 3) == "\xEF\xBF\xBD")) return false;
+    if (decodeUtf8(s, i) == 0xFFFD && !(i - at == 3 && s.substr(at, 3) == "\xEF\xBF\xBD"))
+      return false;
   }
   return true;
 }
@@ -77,10 +81,13 @@ namespace {
 // Latin Extended-A alternates upper (even) / lower (odd) in two runs, with
 // the ranges shifted by one after U+0138.
 bool pairedEvenOdd(char32_t cp) {
-  return (cp >= 0x0100 && cp <= 0x012F) || (cp >= 0x0132 && cp <= 0x0137) || (cp >= 0x014A && cp <= 0x0177) ||
-         (cp >= 0x0460 && cp <= 0x0481) || (cp >= 0x048A && cp <= 0x04BF);
+  return (cp >= 0x0100 && cp <= 0x012F) || (cp >= 0x0132 && cp <= 0x0137) ||
+         (cp >= 0x014A && cp <= 0x0177) || (cp >= 0x0460 && cp <= 0x0481) ||
+         (cp >= 0x048A && cp <= 0x04BF);
 }
-bool pairedOddEven(char32_t cp) { return (cp >= 0x0139 && cp <= 0x0148) || (cp >= 0x0179 && cp <= 0x017E); }
+bool pairedOddEven(char32_t cp) {
+  return (cp >= 0x0139 && cp <= 0x0148) || (cp >= 0x0179 && cp <= 0x017E);
+}
 
 }  // namespace
 
@@ -94,14 +101,22 @@ char32_t toLower(char32_t cp) {
   if (pairedOddEven(cp)) return cp % 2 == 1 ? cp + 1 : cp;
   if (cp >= 0x391 && cp <= 0x3AB && cp != 0x3A2) return cp + 32;
   switch (cp) {
-    case 0x386: return 0x3AC;
-    case 0x388: return 0x3AD;
-    case 0x389: return 0x3AE;
-    case 0x38A: return 0x3AF;
-    case 0x38C: return 0x3CC;
-    case 0x38E: return 0x3CD;
-    case 0x38F: return 0x3CE;
-    default: break;
+    case 0x386:
+      return 0x3AC;
+    case 0x388:
+      return 0x3AD;
+    case 0x389:
+      return 0x3AE;
+    case 0x38A:
+      return 0x3AF;
+    case 0x38C:
+      return 0x3CC;
+    case 0x38E:
+      return 0x3CD;
+    case 0x38F:
+      return 0x3CE;
+    default:
+      break;
   }
   if (cp >= 0x410 && cp <= 0x42F) return cp + 32;
   if (cp >= 0x400 && cp <= 0x40F) return cp + 80;
@@ -120,14 +135,22 @@ char32_t toUpper(char32_t cp) {
   if (cp == 0x3C2) return 0x3A3;
   if (cp >= 0x3B1 && cp <= 0x3CB) return cp - 32;
   switch (cp) {
-    case 0x3AC: return 0x386;
-    case 0x3AD: return 0x388;
-    case 0x3AE: return 0x389;
-    case 0x3AF: return 0x38A;
-    case 0x3CC: return 0x38C;
-    case 0x3CD: return 0x38E;
-    case 0x3CE: return 0x38F;
-    default: break;
+    case 0x3AC:
+      return 0x386;
+    case 0x3AD:
+      return 0x388;
+    case 0x3AE:
+      return 0x389;
+    case 0x3AF:
+      return 0x38A;
+    case 0x3CC:
+      return 0x38C;
+    case 0x3CD:
+      return 0x38E;
+    case 0x3CE:
+      return 0x38F;
+    default:
+      break;
   }
   if (cp >= 0x430 && cp <= 0x44F) return cp - 32;
   if (cp >= 0x450 && cp <= 0x45F) return cp - 80;
@@ -161,6 +184,8 @@ bool contains(std::string_view haystack, std::string_view needle) {
   return !needle.empty() && haystack.find(needle) != std::string_view::npos;
 }
 
-bool startsWith(std::string_view s, std::string_view prefix) { return s.substr(0, prefix.size()) == prefix; }
+bool startsWith(std::string_view s, std::string_view prefix) {
+  return s.substr(0, prefix.size()) == prefix;
+}
 
 }  // namespace base

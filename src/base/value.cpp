@@ -9,7 +9,9 @@
 namespace base {
 namespace {
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
+bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f';
+}
 
 long saturate(double d) {
   if (std::isnan(d)) return 0;
@@ -32,17 +34,27 @@ void quoted(std::string& out, const std::string& s) {
 void describeInto(std::string& out, const Value& v) {
   using T = Value::Type;
   switch (v.type()) {
-    case T::Null: out += "null"; break;
-    case T::Bool: out += *v.asBool() ? "true" : "false"; break;
-    case T::Integer: out += std::to_string(*v.asInteger()); break;
+    case T::Null:
+      out += "null";
+      break;
+    case T::Bool:
+      out += *v.asBool() ? "true" : "false";
+      break;
+    case T::Integer:
+      out += std::to_string(*v.asInteger());
+      break;
     case T::Real: {
       char buf[40];
       std::snprintf(buf, sizeof buf, "%g", *v.asReal());
       out += buf;
       break;
     }
-    case T::String: quoted(out, *v.asString()); break;
-    case T::Data: out += "<" + std::to_string(v.asData()->size()) + " bytes>"; break;
+    case T::String:
+      quoted(out, *v.asString());
+      break;
+    case T::Data:
+      out += "<" + std::to_string(v.asData()->size()) + " bytes>";
+      break;
     case T::Date: {
       char buf[48];
       // Down to the second; %g keeps six digits, a quarter of an hour here.
@@ -86,12 +98,16 @@ long integerValueOfString(std::string_view s) {
   unsigned long long magnitude = 0;
   bool overflow = false;
   for (; i < s.size() && s[i] >= '0' && s[i] <= '9'; ++i) {
-    if (magnitude > (ULLONG_MAX - 9) / 10) overflow = true;
-    else magnitude = magnitude * 10 + unsigned(s[i] - '0');
+    if (magnitude > (ULLONG_MAX - 9) / 10)
+      overflow = true;
+    else
+      magnitude = magnitude * 10 + unsigned(s[i] - '0');
   }
   if (negative) {
     if (overflow || magnitude > static_cast<unsigned long long>(LONG_MAX) + 1) return LONG_MIN;
-    return magnitude == static_cast<unsigned long long>(LONG_MAX) + 1 ? LONG_MIN : -static_cast<long>(magnitude);
+    return magnitude == static_cast<unsigned long long>(LONG_MAX) + 1
+               ? LONG_MIN
+               : -static_cast<long>(magnitude);
   }
   if (overflow || magnitude > static_cast<unsigned long long>(LONG_MAX)) return LONG_MAX;
   return static_cast<long>(magnitude);
@@ -110,21 +126,31 @@ bool boolValueOfString(std::string_view s) {
 
 std::optional<long> Value::integerValue() const {
   switch (type()) {
-    case Type::Bool: return *asBool() ? 1 : 0;
-    case Type::Integer: return static_cast<long>(*asInteger());
-    case Type::Real: return saturate(*asReal());
-    case Type::String: return integerValueOfString(*asString());
-    default: return std::nullopt;
+    case Type::Bool:
+      return *asBool() ? 1 : 0;
+    case Type::Integer:
+      return static_cast<long>(*asInteger());
+    case Type::Real:
+      return saturate(*asReal());
+    case Type::String:
+      return integerValueOfString(*asString());
+    default:
+      return std::nullopt;
   }
 }
 
 std::optional<bool> Value::boolValue() const {
   switch (type()) {
-    case Type::Bool: return *asBool();
-    case Type::Integer: return *asInteger() != 0;
-    case Type::Real: return *asReal() != 0.0;
-    case Type::String: return boolValueOfString(*asString());
-    default: return std::nullopt;
+    case Type::Bool:
+      return *asBool();
+    case Type::Integer:
+      return *asInteger() != 0;
+    case Type::Real:
+      return *asReal() != 0.0;
+    case Type::String:
+      return boolValueOfString(*asString());
+    default:
+      return std::nullopt;
   }
 }
 

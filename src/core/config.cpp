@@ -114,7 +114,8 @@ void QBConfig::applySettings(const base::Value& file) {
     }
     windows = kept.empty() ? std::nullopt : std::optional<DailyWindows>(std::move(kept));
   }
-  if (!windows || !validateDailyWindows(windowsValue(*windows), nullptr)) windows = defaultDailyWindows();
+  if (!windows || !validateDailyWindows(windowsValue(*windows), nullptr))
+    windows = defaultDailyWindows();
   dailyWindows_ = std::move(*windows);
 
   suppressAutoLock_ = false;
@@ -140,7 +141,8 @@ base::Value QBConfig::settingsDictionary() {
     for (const std::string& s : secrets_) secrets.emplace_back(s);
   }
   base::Value storedWindows = windowsValue(windows);
-  if (!validateDailyWindows(storedWindows, nullptr)) storedWindows = windowsValue(defaultDailyWindows());
+  if (!validateDailyWindows(storedWindows, nullptr))
+    storedWindows = windowsValue(defaultDailyWindows());
   long panel = panelAuthMode();
   return base::Value(base::Dictionary{
       {"password", base::Value(pw)},

@@ -97,7 +97,8 @@ class QBConfig {
 
   DailyWindows normalizedDailyWindows() const;
   bool setDailyWindows(const base::Value& windows, std::string* errorMessage);
-  bool updateDailyWindowAtIndex(long index, long start, long end, long mode, std::string* errorMessage);
+  bool updateDailyWindowAtIndex(long index, long start, long end, long mode,
+                                std::string* errorMessage);
   bool addDailyWindowWithStart(long start, long end, long mode, std::string* errorMessage);
   bool removeDailyWindowAtIndex(long index, std::string* errorMessage);
 
@@ -126,7 +127,8 @@ class QBConfig {
       passwordFallback_{true}, backgroundNotify_{false}, voipVoice_{false}, voipVideo_{false},
       suppressAutoLock_{false}, suppressSessionApply_{false};
   std::string password_ = kDefaultPassword;
-  std::atomic<long> panelAuthMode_{0}, revealAuthMode_{0}, visibilityControl_{0}, secretNotifyMode_{0};
+  std::atomic<long> panelAuthMode_{0}, revealAuthMode_{0}, visibilityControl_{0},
+      secretNotifyMode_{0};
   DailyWindows dailyWindows_ = defaultDailyWindows();
 };
 

@@ -25,7 +25,8 @@ void fail(std::string* errorMessage, std::string message) {
 }  // namespace
 
 base::Value DailyWindow::toValue() const {
-  return base::Value(base::Dictionary{{"start", base::Value(start)}, {"end", base::Value(end)}, {"mode", base::Value(mode)}});
+  return base::Value(base::Dictionary{
+      {"start", base::Value(start)}, {"end", base::Value(end)}, {"mode", base::Value(mode)}});
 }
 
 base::Value windowsValue(const DailyWindows& windows) {
@@ -85,7 +86,8 @@ std::string QBConfig::stringFromWindow(const base::Value& window) {
   if (!window.isDictionary()) return "--:-- – --:-- · 显示";
   long start = field(window, "start"), end = field(window, "end");
   return base::format("%@ – %@%@ · %@", stringFromMinute(start), stringFromMinute(end),
-                      std::string(start > end ? "（跨午夜）" : ""), stringFromWindowMode(modeFromWindow(window)));
+                      std::string(start > end ? "（跨午夜）" : ""),
+                      stringFromWindowMode(modeFromWindow(window)));
 }
 
 DailyWindows QBConfig::defaultDailyWindows() { return {QBWindow(480, 1320, 0)}; }
@@ -111,7 +113,8 @@ std::optional<DailyWindows> QBConfig::sanitizeWindowsArray(const base::Value& va
 bool QBConfig::validateDailyWindows(const base::Value& value, std::string* errorMessage) {
   const base::Array* a = value.asArray();
   if (!a || a->empty()) return fail(errorMessage, kMsgKeepOne), false;
-  if (long(a->size()) > kMaxDailyWindows) return fail(errorMessage, base::format(kMsgAtMost, kMaxDailyWindows)), false;
+  if (long(a->size()) > kMaxDailyWindows)
+    return fail(errorMessage, base::format(kMsgAtMost, kMaxDailyWindows)), false;
   DailyWindows accepted;
   for (const base::Value& e : *a) {
     if (!e.isDictionary()) return fail(errorMessage, kMsgBadFormat), false;
@@ -129,7 +132,8 @@ bool QBConfig::validateDailyWindows(const base::Value& value, std::string* error
 DailyWindows QBConfig::normalizedDailyWindows() const {
   DailyWindows stored = dailyWindows();
   if (!validateDailyWindows(windowsValue(stored), nullptr)) return defaultDailyWindows();
-  std::stable_sort(stored.begin(), stored.end(), [](const DailyWindow& a, const DailyWindow& b) { return a.start < b.start; });
+  std::stable_sort(stored.begin(), stored.end(),
+                   [](const DailyWindow& a, const DailyWindow& b) { return a.start < b.start; });
   return stored;
 }
 
@@ -138,13 +142,15 @@ bool QBConfig::setDailyWindows(const base::Value& windows, std::string* errorMes
   DailyWindows rebuilt;
   for (const base::Value& e : *windows.asArray())
     rebuilt.push_back(QBWindow(field(e, "start"), field(e, "end"), modeFromWindow(e)));
-  std::stable_sort(rebuilt.begin(), rebuilt.end(), [](const DailyWindow& a, const DailyWindow& b) { return a.start < b.start; });
+  std::stable_sort(rebuilt.begin(), rebuilt.end(),
+                   [](const DailyWindow& a, const DailyWindow& b) { return a.start < b.start; });
   setDailyWindowsField(std::move(rebuilt));
   save();
   return true;
 }
 
-bool QBConfig::updateDailyWindowAtIndex(long index, long start, long end, long mode, std::string* errorMessage) {
+bool QBConfig::updateDailyWindowAtIndex(long index, long start, long end, long mode,
+                                        std::string* errorMessage) {
   DailyWindows list = normalizedDailyWindows();
   if (index < 0 || index >= long(list.size())) return fail(errorMessage, kMsgNoSuchWindow), false;
   list[std::size_t(index)] = QBWindow(start, end, mode);

@@ -52,7 +52,8 @@ void stepC() {
   triggers::QBUnlock::installLongPressWake();
   // The shake hooks are reached only through their runtime class's name.
   rt::Class shake = rt::getClass("QBShakeHooks");
-  if (shake && rt::respondsTo(rt::toId(shake), rt::sel("install"))) rt::send<void>(shake, "install");
+  if (shake && rt::respondsTo(rt::toId(shake), rt::sel("install")))
+    rt::send<void>(shake, "install");
   if (c.shouldHideSecrets()) QBSessionHooks::softReloadMainFrame();
   for (double delay : kReapplyDelays_s) sys::after(delay, delayedReapply);
 }

@@ -56,59 +56,80 @@ bool hiding() { return core::QBConfig::shared().shouldHideSecrets(); }
 // secret out.
 
 bool onShouldFilterContact(Id self, SEL cmd, Id contact) {
-  return extraState().onShouldFilterContact.run(nullptr, [&](VetoHook::Original& original) {
-    if (hiding() && QBExtraHooks::isSecretEntry(contact)) return true;
-    return original(contact);
-  }, self, cmd, contact);
+  return extraState().onShouldFilterContact.run(
+      nullptr,
+      [&](VetoHook::Original& original) {
+        if (hiding() && QBExtraHooks::isSecretEntry(contact)) return true;
+        return original(contact);
+      },
+      self, cmd, contact);
 }
 
 bool onFilterContactCandidate(Id self, SEL cmd, Id contact) {
-  return extraState().onFilterContactCandidate.run(nullptr, [&](VetoHook::Original& original) {
-    if (hiding() && QBExtraHooks::isSecretEntry(contact)) return false;
-    return original(contact);
-  }, self, cmd, contact);
+  return extraState().onFilterContactCandidate.run(
+      nullptr,
+      [&](VetoHook::Original& original) {
+        if (hiding() && QBExtraHooks::isSecretEntry(contact)) return false;
+        return original(contact);
+      },
+      self, cmd, contact);
 }
 
 // --- Array results: the recent forwards and the contact lists.
 
 Id filteredArray(const ArrayHook& hook, Id self, SEL cmd) {
-  return hook.run(nullptr, [&](ArrayHook::Original& original) { return QBExtraHooks::filterArray(original()); },
-                  self, cmd);
+  return hook.run(
+      nullptr, [&](ArrayHook::Original& original) { return QBExtraHooks::filterArray(original()); },
+      self, cmd);
 }
 
-Id recentForwardContacts(Id self, SEL cmd) { return filteredArray(extraState().recentForwardContacts, self, cmd); }
+Id recentForwardContacts(Id self, SEL cmd) {
+  return filteredArray(extraState().recentForwardContacts, self, cmd);
+}
 Id contactsForRecentForwardMenu(Id self, SEL cmd) {
   return filteredArray(extraState().contactsForRecentForwardMenu, self, cmd);
 }
-Id getAllNormalContact(Id self, SEL cmd) { return filteredArray(extraState().getAllNormalContact, self, cmd); }
-Id getFavourContactArray(Id self, SEL cmd) { return filteredArray(extraState().getFavourContactArray, self, cmd); }
+Id getAllNormalContact(Id self, SEL cmd) {
+  return filteredArray(extraState().getAllNormalContact, self, cmd);
+}
+Id getFavourContactArray(Id self, SEL cmd) {
+  return filteredArray(extraState().getFavourContactArray, self, cmd);
+}
 
 Id getContactsArrayWith(Id self, SEL cmd, unsigned type) {
   using Hook = host::Hook<Id(unsigned)>;
-  return extraState().getContactsArrayWith.run(nullptr, [&](Hook::Original& original) {
-    return QBExtraHooks::filterArray(original(type));
-  }, self, cmd, type);
+  return extraState().getContactsArrayWith.run(
+      nullptr, [&](Hook::Original& original) { return QBExtraHooks::filterArray(original(type)); },
+      self, cmd, type);
 }
 
 // --- Section and search dictionaries: the host fills them, then its screen
 // reads them.
 
-void fillSectionResult(Id self, SEL cmd, unsigned option, Id sectionKeys, Id sectionTitles, Id searchResult) {
+void fillSectionResult(Id self, SEL cmd, unsigned option, Id sectionKeys, Id sectionTitles,
+                       Id searchResult) {
   using Hook = host::Hook<void(unsigned, Id, Id, Id)>;
-  extraState().fillSectionResult.run(nullptr, [&](Hook::Original& original) {
-    original(option, sectionKeys, sectionTitles, searchResult);
-    QBExtraHooks::filterDictionaryInPlace(searchResult);
-    QBExtraHooks::filterDictionaryInPlace(sectionTitles);
-  }, self, cmd, option, sectionKeys, sectionTitles, searchResult);
+  extraState().fillSectionResult.run(
+      nullptr,
+      [&](Hook::Original& original) {
+        original(option, sectionKeys, sectionTitles, searchResult);
+        QBExtraHooks::filterDictionaryInPlace(searchResult);
+        QBExtraHooks::filterDictionaryInPlace(sectionTitles);
+      },
+      self, cmd, option, sectionKeys, sectionTitles, searchResult);
 }
 
 void fillSectionResultForDicSearchResult(Id self, SEL cmd) {
   using Hook = host::Hook<void()>;
-  extraState().fillSectionResultForDicSearchResult.run(nullptr, [&](Hook::Original& original) {
-    original();
-    for (const char* key : kSearchDictionaryKeys)
-      host::guarded(nullptr, [&] { QBExtraHooks::filterDictionaryInPlace(rt::probeKey(self, key)); });
-  }, self, cmd);
+  extraState().fillSectionResultForDicSearchResult.run(
+      nullptr,
+      [&](Hook::Original& original) {
+        original();
+        for (const char* key : kSearchDictionaryKeys)
+          host::guarded(nullptr,
+                        [&] { QBExtraHooks::filterDictionaryInPlace(rt::probeKey(self, key)); });
+      },
+      self, cmd);
 }
 
 // --- The search data provider: a mutable result is filtered in place; an
@@ -118,22 +139,27 @@ Id withoutSecrets(Id dictionary) {
   Id out = rt::mutableDictionary();
   for (Id key : rt::elements(rt::send<Id>(dictionary, "allKeys"))) {
     Id value = rt::objectForKey(dictionary, key);
-    if (rt::isArray(value)) rt::setObjectForKey(out, QBExtraHooks::filterArray(value), key);
-    else if (value && !QBExtraHooks::isSecretEntry(value)) rt::setObjectForKey(out, value, key);
+    if (rt::isArray(value))
+      rt::setObjectForKey(out, QBExtraHooks::filterArray(value), key);
+    else if (value && !QBExtraHooks::isSecretEntry(value))
+      rt::setObjectForKey(out, value, key);
   }
   return out;
 }
 
 Id getDicContacts(Id self, SEL cmd) {
-  return extraState().getDicContacts.run(nullptr, [&](ArrayHook::Original& original) -> Id {
-    Id result = original();
-    if (!result || !hiding()) return result;
-    if (rt::isMutableDictionary(result)) {
-      QBExtraHooks::filterDictionaryInPlace(result);
-      return result;
-    }
-    return rt::isDictionary(result) ? withoutSecrets(result) : result;
-  }, self, cmd);
+  return extraState().getDicContacts.run(
+      nullptr,
+      [&](ArrayHook::Original& original) -> Id {
+        Id result = original();
+        if (!result || !hiding()) return result;
+        if (rt::isMutableDictionary(result)) {
+          QBExtraHooks::filterDictionaryInPlace(result);
+          return result;
+        }
+        return rt::isDictionary(result) ? withoutSecrets(result) : result;
+      },
+      self, cmd);
 }
 
 // --- Moments: the timeline as if its secret items did not exist. Both
@@ -149,45 +175,54 @@ Id hostItemAt(Id facade, long index) {
 unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
   using Hook = host::Hook<unsigned long()>;
   ExtraHooksState& s = extraState();
-  return s.countOfTimelineDataItem.run(nullptr, [&](Hook::Original& original) -> unsigned long {
-    unsigned long n = original();
-    if (!hiding() || !s.getTimelineDataItemOfIndex.installed()) return n;
-    long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
-    unsigned long shown = 0;
-    for (long i = 0; i < scan; ++i)
-      if (!QBExtraHooks::isSecretEntry(hostItemAt(self, i))) ++shown;
-    return shown;
-  }, self, cmd);
+  return s.countOfTimelineDataItem.run(
+      nullptr,
+      [&](Hook::Original& original) -> unsigned long {
+        unsigned long n = original();
+        if (!hiding() || !s.getTimelineDataItemOfIndex.installed()) return n;
+        long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
+        unsigned long shown = 0;
+        for (long i = 0; i < scan; ++i)
+          if (!QBExtraHooks::isSecretEntry(hostItemAt(self, i))) ++shown;
+        return shown;
+      },
+      self, cmd);
 }
 
 Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
   using Hook = host::Hook<Id(long)>;
   ExtraHooksState& s = extraState();
-  return s.getTimelineDataItemOfIndex.run(nullptr, [&](Hook::Original& original) -> Id {
-    if (!original.available()) return nullptr;
-    if (!hiding()) return original(index);
-    if (!s.countOfTimelineDataItem.installed()) return nullptr;
-    unsigned long n = s.countOfTimelineDataItem.original(self, rt::sel(kCountSel));
-    long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
-    long shownBefore = 0;
-    for (long i = 0; i < scan; ++i) {
-      Id item = hostItemAt(self, i);
-      if (QBExtraHooks::isSecretEntry(item)) continue;
-      if (shownBefore == index) return item;
-      ++shownBefore;
-    }
-    return nullptr;
-  }, self, cmd, index);
+  return s.getTimelineDataItemOfIndex.run(
+      nullptr,
+      [&](Hook::Original& original) -> Id {
+        if (!original.available()) return nullptr;
+        if (!hiding()) return original(index);
+        if (!s.countOfTimelineDataItem.installed()) return nullptr;
+        unsigned long n = s.countOfTimelineDataItem.original(self, rt::sel(kCountSel));
+        long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
+        long shownBefore = 0;
+        for (long i = 0; i < scan; ++i) {
+          Id item = hostItemAt(self, i);
+          if (QBExtraHooks::isSecretEntry(item)) continue;
+          if (shownBefore == index) return item;
+          ++shownBefore;
+        }
+        return nullptr;
+      },
+      self, cmd, index);
 }
 
 void filterDictionary(Id d, int depth) {
   if (!d || depth > kMaxDictionaryDepth || !hiding()) return;
-  if (!rt::respondsTo(d, rt::sel("allKeys")) || !rt::respondsTo(d, rt::sel("setObject:forKey:"))) return;
+  if (!rt::respondsTo(d, rt::sel("allKeys")) || !rt::respondsTo(d, rt::sel("setObject:forKey:")))
+    return;
   host::guarded(nullptr, [&] {
     for (Id key : rt::elements(rt::send<Id>(d, "allKeys"))) {
       Id value = rt::objectForKey(d, key);
-      if (rt::isArray(value)) rt::setObjectForKey(d, QBExtraHooks::filterArray(value), key);
-      else if (rt::isDictionary(value)) filterDictionary(value, depth + 1);
+      if (rt::isArray(value))
+        rt::setObjectForKey(d, QBExtraHooks::filterArray(value), key);
+      else if (rt::isDictionary(value))
+        filterDictionary(value, depth + 1);
     }
   });
 }
@@ -227,13 +262,15 @@ void QBExtraHooks::install() {
       s.recentForwardContacts.replace(c, "recentForwardContacts", recentForwardContacts);
     }
     if (rt::Class c = rt::getClass("RecentForwardScrollView"))
-      s.contactsForRecentForwardMenu.replace(c, "contactsForRecentForwardMenu", contactsForRecentForwardMenu);
+      s.contactsForRecentForwardMenu.replace(c, "contactsForRecentForwardMenu",
+                                             contactsForRecentForwardMenu);
     if (rt::Class c = rt::getClass("ContactsDataLogic")) {
       s.getContactsArrayWith.replace(c, "getContactsArrayWith:", getContactsArrayWith);
       s.getAllNormalContact.replace(c, "getAllNormalContact", getAllNormalContact);
       s.getFavourContactArray.replace(c, "getFavourContactArray", getFavourContactArray);
-      if (s.fillSectionResult.replace(c, "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:",
-                                      fillSectionResult))
+      if (s.fillSectionResult.replace(
+              c, "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:",
+              fillSectionResult))
         sys::log("[QB] hooked ContactsDataLogic fillSectionResult");
     }
     if (rt::Class c = rt::getClass("ContactTagSearchFromContactLogic"))

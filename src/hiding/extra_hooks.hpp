@@ -31,7 +31,7 @@ inline constexpr long kMomentsScanCap = 500;
 
 // Receiver keys that may hold a search logic's result dictionaries, in the
 // order they are tried.
-inline constexpr const char* kSearchDictionaryKeys[] = {"dicSearchResult", "m_dicSearchResult", "_dicSearchResult",
-                                                        "dicSection", "m_dicSection"};
+inline constexpr const char* kSearchDictionaryKeys[] = {
+    "dicSearchResult", "m_dicSearchResult", "_dicSearchResult", "dicSection", "m_dicSection"};
 
 }  // namespace hiding

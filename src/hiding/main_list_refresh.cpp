@@ -29,10 +29,13 @@ constexpr double kForceApplyThrottle_s = 1.0;
 constexpr double kAppearanceThrottle_s = 0.8;
 constexpr double kScrollRetryDelay_s = 0.4;
 
-constexpr const char* kDataLogicKeys[] = {"m_contactsDataLogic", "m_dataLogic", "_contactsDataLogic"};
+constexpr const char* kDataLogicKeys[] = {"m_contactsDataLogic", "m_dataLogic",
+                                          "_contactsDataLogic"};
 constexpr const char* kTableKeys[] = {"m_tableView", "tableView", "_tableView"};
 
-bool bothSuppressClear(const QBConfig& c) { return !c.suppressAutoLock() && !c.suppressSessionApply(); }
+bool bothSuppressClear(const QBConfig& c) {
+  return !c.suppressAutoLock() && !c.suppressSessionApply();
+}
 
 Id tableOf(Id vc) {
   rt::Class tableClass = rt::getClass("UITableView");
@@ -48,7 +51,8 @@ void mainFrameReapply() {
   QBConfig& c = QBConfig::shared();
   SessionHooksState& s = sessionState();
   double now = sys::mediaTime();
-  if (bothSuppressClear(c) && c.secretCount() > 0 && !c.unlocked() && now - s.lastMainAppearReloadAt >= kAppearanceThrottle_s) {
+  if (bothSuppressClear(c) && c.secretCount() > 0 && !c.unlocked() &&
+      now - s.lastMainAppearReloadAt >= kAppearanceThrottle_s) {
     s.lastMainAppearReloadAt = now;
     QBSessionHooks::softReloadMainFrame();
   }
@@ -59,24 +63,33 @@ bool isMainFrame(Id self) { return rt::className(self) == kMainFrameClass; }
 // The lifecycle hooks ask the host first and then act; a failure of the act
 // leaves the host's appearance as it was.
 void qbMainViewDidLoad(Id self, SEL cmd) {
-  sessionState().mainViewDidLoad.run(nullptr, [&](host::Hook<void()>::Original& original) {
-    original();
-    if (isMainFrame(self)) sys::after(0.15, mainFrameReapply);
-  }, self, cmd);
+  sessionState().mainViewDidLoad.run(
+      nullptr,
+      [&](host::Hook<void()>::Original& original) {
+        original();
+        if (isMainFrame(self)) sys::after(0.15, mainFrameReapply);
+      },
+      self, cmd);
 }
 
 void qbMainViewWillAppear(Id self, SEL cmd, bool animated) {
-  sessionState().mainViewWillAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
-    original(animated);
-    if (isMainFrame(self)) QBSessionHooks::refreshFilterCache();
-  }, self, cmd, animated);
+  sessionState().mainViewWillAppear.run(
+      nullptr,
+      [&](host::Hook<void(bool)>::Original& original) {
+        original(animated);
+        if (isMainFrame(self)) QBSessionHooks::refreshFilterCache();
+      },
+      self, cmd, animated);
 }
 
 void qbMainViewDidAppear(Id self, SEL cmd, bool animated) {
-  sessionState().mainViewDidAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
-    original(animated);
-    if (isMainFrame(self)) sys::after(0.2, mainFrameReapply);
-  }, self, cmd, animated);
+  sessionState().mainViewDidAppear.run(
+      nullptr,
+      [&](host::Hook<void(bool)>::Original& original) {
+        original(animated);
+        if (isMainFrame(self)) sys::after(0.2, mainFrameReapply);
+      },
+      self, cmd, animated);
 }
 
 void installObservers() {
@@ -110,8 +123,10 @@ void installLifecycleHooks() {
   if (!vc || !base) return;
   SessionHooksState& s = sessionState();
   s.mainViewDidLoad.swizzle(base, vc, "viewDidLoad", "qb_main_viewDidLoad", qbMainViewDidLoad);
-  s.mainViewWillAppear.swizzle(base, vc, "viewWillAppear:", "qb_main_viewWillAppear:", qbMainViewWillAppear);
-  s.mainViewDidAppear.swizzle(base, vc, "viewDidAppear:", "qb_main_viewDidAppear:", qbMainViewDidAppear);
+  s.mainViewWillAppear.swizzle(base, vc,
+                               "viewWillAppear:", "qb_main_viewWillAppear:", qbMainViewWillAppear);
+  s.mainViewDidAppear.swizzle(base, vc,
+                              "viewDidAppear:", "qb_main_viewDidAppear:", qbMainViewDidAppear);
 }
 
 }  // namespace
@@ -160,7 +175,8 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
       }
       bool reloaded = false;
       if (Id table = tableOf(vc)) {
-        if (main && !force && (rt::send<bool>(table, "isDragging") || rt::send<bool>(table, "isDecelerating"))) {
+        if (main && !force &&
+            (rt::send<bool>(table, "isDragging") || rt::send<bool>(table, "isDecelerating"))) {
           // Reloading under the user's finger jumps the list; try again shortly, forced.
           sys::after(kScrollRetryDelay_s, [] {
             SessionHooksState& st = sessionState();
@@ -172,10 +188,13 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
         }
         rt::send<void>(table, "reloadData");
         reloaded = true;
-        if (main) sys::log("[QB] softReload main force=%d", force);
-        else sys::log("[QB] softReload contacts");
+        if (main)
+          sys::log("[QB] softReload main force=%d", force);
+        else
+          sys::log("[QB] softReload contacts");
       }
-      if (main && force && !reloaded && rt::respondsTo(vc, rt::sel("reloadSessions"))) rt::send<void>(vc, "reloadSessions");
+      if (main && force && !reloaded && rt::respondsTo(vc, rt::sel("reloadSessions")))
+        rt::send<void>(vc, "reloadSessions");
     }
     s.reloadBusy = false;
   } catch (...) {
@@ -196,7 +215,8 @@ void QBSessionHooks::revealSecretsNow() {
         rt::send<void>(mgr, "rebuildMainSessions");
         sys::log("[QB] rebuildMainSessions");
       }
-      if (rt::respondsTo(mgr, rt::sel("updateMainSessionList"))) rt::send<void>(mgr, "updateMainSessionList");
+      if (rt::respondsTo(mgr, rt::sel("updateMainSessionList")))
+        rt::send<void>(mgr, "updateMainSessionList");
     }
     sys::after(0.25, [] {
       refreshFilterCache();
@@ -235,8 +255,10 @@ void QBSessionHooks::forceApplyVisibility() {
   try {
     refreshFilterCache();
     if (c.secretCount() > 0) {
-      if (c.shouldHideSecrets()) softReloadMainFrameForce(true);
-      else revealSecretsNow();
+      if (c.shouldHideSecrets())
+        softReloadMainFrameForce(true);
+      else
+        revealSecretsNow();
     }
   } catch (...) {
     sys::log("[QB] forceApply ex: %@", rt::describeCurrentException());

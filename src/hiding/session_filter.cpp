@@ -21,9 +21,9 @@
 namespace hiding {
 namespace {
 
+using host::QBRuntime;
 using rt::Id;
 using rt::SEL;
-using host::QBRuntime;
 
 constexpr double kCountCacheLife_s = 0.45;
 
@@ -51,19 +51,24 @@ long hostCount(const CountHook& count, Id self, long section) {
 // A row getter over the host's rows: the visible row is mapped onto the
 // host's index by walking the host's sessions (`fetch`) up to the host's
 // count (`count`), then answered by the hook's original for that index.
-Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count, const RowHook& fetch) {
+Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count,
+               const RowHook& fetch) {
   SessionHooksState& s = sessionState();
-  if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath)) return hook.originalOr(self, cmd, indexPath);
+  if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath))
+    return hook.originalOr(self, cmd, indexPath);
   DepthGuard guard(s.depth);
-  return hook.run(nullptr, [&](RowHook::Original& original) -> Id {
-    long section = rt::indexPathSection(indexPath);
-    long n = hostCount(count, self, section);
-    if (!fetch.installed()) throw rt::Exception("QBNoFetch", "no session getter");
-    long row = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
-                                      [&](long i) { return fetchAt(fetch, self, i, section); });
-    if (row < 0) return nullptr;
-    return original(rt::indexPath(row, section));
-  }, self, cmd, indexPath);
+  return hook.run(
+      nullptr,
+      [&](RowHook::Original& original) -> Id {
+        long section = rt::indexPathSection(indexPath);
+        long n = hostCount(count, self, section);
+        if (!fetch.installed()) throw rt::Exception("QBNoFetch", "no session getter");
+        long row = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
+                                          [&](long i) { return fetchAt(fetch, self, i, section); });
+        if (row < 0) return nullptr;
+        return original(rt::indexPath(row, section));
+      },
+      self, cmd, indexPath);
 }
 
 // --- MainFrameLogicController
@@ -72,31 +77,38 @@ const RowHook& logicFetch() { return sessionState().getSessionInfoAtIndexPath; }
 
 Id getSessionInfoAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection, logicFetch());
+  return remappedRow(s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
+                     logicFetch());
 }
 
 Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  const RowHook& fetch = s.getSessionInfoAtIndexPath.installed() ? logicFetch() : s.getCellDataAtIndexPath;
-  return remappedRow(s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection, fetch);
+  const RowHook& fetch =
+      s.getSessionInfoAtIndexPath.installed() ? logicFetch() : s.getCellDataAtIndexPath;
+  return remappedRow(s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
+                     fetch);
 }
 
 // Calls the original first, then filters; a failure answers with that count.
 long getSessionCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
-  return s.getSessionCountForSection.run(nullptr, [&](CountHook::Original& original) -> long {
-    long n = original(section);
-    if (!s.filterActive || s.depth != 0 || !s.getSessionInfoAtIndexPath.installed()) return n;
-    double now = sys::mediaTime();
-    if (s.cachedSection == section && s.cachedCount >= 0 && now - s.cachedAt < kCountCacheLife_s)
-      return long(s.cachedCount);
-    DepthGuard guard(s.depth);
-    long filtered = n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-      return fetchAt(logicFetch(), self, i, section);
-    });
-    s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
-    return filtered;
-  }, self, cmd, section);
+  return s.getSessionCountForSection.run(
+      nullptr,
+      [&](CountHook::Original& original) -> long {
+        long n = original(section);
+        if (!s.filterActive || s.depth != 0 || !s.getSessionInfoAtIndexPath.installed()) return n;
+        double now = sys::mediaTime();
+        if (s.cachedSection == section && s.cachedCount >= 0 &&
+            now - s.cachedAt < kCountCacheLife_s)
+          return long(s.cachedCount);
+        DepthGuard guard(s.depth);
+        long filtered = n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
+          return fetchAt(logicFetch(), self, i, section);
+        });
+        s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
+        return filtered;
+      },
+      self, cmd, section);
 }
 
 // --- NewMainFrameViewController
@@ -105,31 +117,37 @@ const RowHook& viewFetch() { return sessionState().logicGetSessionAtIndexPath; }
 
 Id logicGetSessionAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection, viewFetch());
+  return remappedRow(s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
+                     viewFetch());
 }
 
 Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  const RowHook& fetch = s.logicGetSessionAtIndexPath.installed() ? viewFetch() : s.logicGetCellDataAtIndexPath;
-  return remappedRow(s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection, fetch);
+  const RowHook& fetch =
+      s.logicGetSessionAtIndexPath.installed() ? viewFetch() : s.logicGetCellDataAtIndexPath;
+  return remappedRow(s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
+                     fetch);
 }
 
 // Depth is set to 1 rather than incremented (this is the outermost call) and
 // the original is asked first; a failure answers with that count.
 long logicGetCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
-  return s.logicGetCountForSection.run(nullptr, [&](CountHook::Original& original) -> long {
-    long n = original(section);
-    if (!s.filterActive || s.depth != 0 || !s.logicGetSessionAtIndexPath.installed()) return n;
-    s.depth = 1;
-    struct Leave {
-      int& depth;
-      ~Leave() { --depth; }
-    } leave{s.depth};
-    return n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-      return fetchAt(viewFetch(), self, i, section);
-    });
-  }, self, cmd, section);
+  return s.logicGetCountForSection.run(
+      nullptr,
+      [&](CountHook::Original& original) -> long {
+        long n = original(section);
+        if (!s.filterActive || s.depth != 0 || !s.logicGetSessionAtIndexPath.installed()) return n;
+        s.depth = 1;
+        struct Leave {
+          int& depth;
+          ~Leave() { --depth; }
+        } leave{s.depth};
+        return n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
+          return fetchAt(viewFetch(), self, i, section);
+        });
+      },
+      self, cmd, section);
 }
 
 long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
@@ -143,10 +161,13 @@ long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
 
 bool canShowInMainFrame(Id self, SEL cmd, Id arg) {
   SessionHooksState& s = sessionState();
-  return s.canShowInMainFrame.run(nullptr, [&](host::Hook<bool(Id)>::Original& original) {
-    if (s.filterActive && QBSessionHooks::isSecretSession(arg)) return false;
-    return original(arg);
-  }, self, cmd, arg);
+  return s.canShowInMainFrame.run(
+      nullptr,
+      [&](host::Hook<bool(Id)>::Original& original) {
+        if (s.filterActive && QBSessionHooks::isSecretSession(arg)) return false;
+        return original(arg);
+      },
+      self, cmd, arg);
 }
 
 void collect(Id list, std::vector<std::string>& out) {
@@ -177,17 +198,22 @@ void QBSessionHooks::refreshFilterCache() {
 
 void installSessionFilterHooks() {
   SessionHooksState& s = sessionState();
-  if (s.canShowInMainFrame.setClassMethod(rt::getClass("MainSessionMgr"), "canShowInMainFrame:", canShowInMainFrame))
+  if (s.canShowInMainFrame.setClassMethod(rt::getClass("MainSessionMgr"),
+                                          "canShowInMainFrame:", canShowInMainFrame))
     sys::log("[QB] +canShowInMainFrame: OK");
   if (rt::Class logic = rt::getClass("MainFrameLogicController")) {
-    s.getSessionInfoAtIndexPath.replace(logic, "getSessionInfoAtIndexPath:", getSessionInfoAtIndexPath);
+    s.getSessionInfoAtIndexPath.replace(logic,
+                                        "getSessionInfoAtIndexPath:", getSessionInfoAtIndexPath);
     s.getCellDataAtIndexPath.replace(logic, "getCellDataAtIndexPath:", getCellDataAtIndexPath);
-    s.getSessionCountForSection.replace(logic, "getSessionCountForSection:", getSessionCountForSection);
+    s.getSessionCountForSection.replace(logic,
+                                        "getSessionCountForSection:", getSessionCountForSection);
   }
   if (rt::Class vc = rt::getClass(kMainFrameClass)) {
     s.logicGetCountForSection.replace(vc, "logicGetCountForSection:", logicGetCountForSection);
-    s.logicGetSessionAtIndexPath.replace(vc, "logicGetSessionAtIndexPath:", logicGetSessionAtIndexPath);
-    s.logicGetCellDataAtIndexPath.replace(vc, "logicGetCellDataAtIndexPath:", logicGetCellDataAtIndexPath);
+    s.logicGetSessionAtIndexPath.replace(vc,
+                                         "logicGetSessionAtIndexPath:", logicGetSessionAtIndexPath);
+    s.logicGetCellDataAtIndexPath.replace(
+        vc, "logicGetCellDataAtIndexPath:", logicGetCellDataAtIndexPath);
     s.numberOfRowsInSection.replace(vc, "tableView:numberOfRowsInSection:", numberOfRowsInSection);
   }
 }
@@ -195,7 +221,9 @@ void installSessionFilterHooks() {
 Id QBSessionHooks::sessionMgr() { return QBRuntime::serviceNamed("MMNewSessionMgr"); }
 Id QBSessionHooks::mainSessionMgr() { return QBRuntime::serviceNamed("MainSessionMgr"); }
 
-void QBSessionHooks::setLastListPath(std::string path) { sessionState().lastListPath = std::move(path); }
+void QBSessionHooks::setLastListPath(std::string path) {
+  sessionState().lastListPath = std::move(path);
+}
 std::string QBSessionHooks::lastListPath() { return sessionState().lastListPath; }
 
 std::vector<std::string> QBSessionHooks::listSessionUsernames() {
@@ -203,7 +231,8 @@ std::vector<std::string> QBSessionHooks::listSessionUsernames() {
   try {
     if (Id mgr = mainSessionMgr()) {
       // An undefined key raises here like any other failure and ends the listing.
-      for (const char* key : {"normalSessions", "topSessions", "allTopSessions"}) collect(rt::valueForKey(mgr, key), out);
+      for (const char* key : {"normalSessions", "topSessions", "allTopSessions"})
+        collect(rt::valueForKey(mgr, key), out);
       if (!out.empty()) {
         setLastListPath("MainSessionMgr");
         return out;
@@ -230,7 +259,8 @@ std::vector<std::string> QBSessionHooks::listSessionUsernames() {
       setLastListPath("mgr-nil");
       return out;
     }
-    collect(rt::ivarObject(mgr, rt::getInstanceVariable(rt::classOf(mgr), "m_arrSessionInfo")), out);
+    collect(rt::ivarObject(mgr, rt::getInstanceVariable(rt::classOf(mgr), "m_arrSessionInfo")),
+            out);
     setLastListPath(out.empty() ? "empty" : "m_arrSessionInfo");
   } catch (...) {
     setLastListPath(rt::currentExceptionName());
@@ -242,8 +272,9 @@ std::vector<SessionItem> QBSessionHooks::listSessionItems() {
   std::vector<SessionItem> items;
   for (const std::string& u : listSessionUsernames()) {
     host::QBContactInfo info = host::QBContactInfo::infoForUsername(u);
-    items.push_back({info.username.empty() ? u : info.username, info.displayName.empty() ? u : info.displayName,
-                     info.nickname, info.remark, info.avatar});
+    items.push_back({info.username.empty() ? u : info.username,
+                     info.displayName.empty() ? u : info.displayName, info.nickname, info.remark,
+                     info.avatar});
   }
   return items;
 }

@@ -17,7 +17,9 @@
 namespace host {
 namespace {
 
-bool responds(rt::Id obj, std::string_view selector) { return obj && rt::respondsTo(obj, rt::sel(selector)); }
+bool responds(rt::Id obj, std::string_view selector) {
+  return obj && rt::respondsTo(obj, rt::sel(selector));
+}
 
 // A contact whose names are still empty, as a cache entry that was never
 // filled from the database.
@@ -76,7 +78,8 @@ std::string QBContactInfo::displayNameFromContact(rt::Id contact, std::string_vi
   if (!contact) return std::string(username);
   try {
     if (responds(contact, "getContactDisplayName")) {
-      if (auto s = rt::nonEmptyString(rt::send<rt::Id>(contact, "getContactDisplayName"))) return *s;
+      if (auto s = rt::nonEmptyString(rt::send<rt::Id>(contact, "getContactDisplayName")))
+        return *s;
     }
   } catch (...) {
   }
@@ -103,8 +106,9 @@ rt::Id QBContactInfo::avatarForUsername(std::string_view username, rt::Id contac
         const char* selector;
         unsigned categories;
       };
-      for (Tries t : {Tries{"getHeadImage:withCategory:", 4}, Tries{"getOriginalHeadImage:withCategory:", 3},
-                      Tries{"getOriginalHDHeadImg:withCategory:", 3}}) {
+      for (Tries t :
+           {Tries{"getHeadImage:withCategory:", 4}, Tries{"getOriginalHeadImage:withCategory:", 3},
+            Tries{"getOriginalHDHeadImg:withCategory:", 3}}) {
         if (!responds(heads, t.selector)) continue;
         for (unsigned category = 0; category < t.categories; ++category)
           if (rt::Id img = image(rt::send<rt::Id>(heads, t.selector, name, category))) return img;
@@ -119,18 +123,22 @@ rt::Id QBContactInfo::avatarForUsername(std::string_view username, rt::Id contac
         if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage"))) return img;
       if (responds(contact, "getContactHeadImage:")) {
         if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage:", true))) return img;
-        if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage:", false))) return img;
+        if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage:", false)))
+          return img;
       }
     } catch (...) {
     }
   }
   try {
     rt::Class headClass = rt::getClass("MMHeadImageMgr");
-    if (headClass && rt::respondsTo(rt::toId(headClass), rt::sel("getHeadImgPathForOldVersion:isHD:"))) {
+    if (headClass &&
+        rt::respondsTo(rt::toId(headClass), rt::sel("getHeadImgPathForOldVersion:isHD:"))) {
       for (bool hd : {false, true}) {
-        auto path = rt::nonEmptyString(rt::send<rt::Id>(headClass, "getHeadImgPathForOldVersion:isHD:", name, hd));
+        auto path = rt::nonEmptyString(
+            rt::send<rt::Id>(headClass, "getHeadImgPathForOldVersion:isHD:", name, hd));
         if (!path || !sys::fileExists(*path)) continue;
-        if (rt::Id img = image(rt::send<rt::Id>(rt::getClass("UIImage"), "imageWithContentsOfFile:", rt::str(*path))))
+        if (rt::Id img = image(rt::send<rt::Id>(rt::getClass("UIImage"),
+                                                "imageWithContentsOfFile:", rt::str(*path))))
           return img;
       }
     }
@@ -145,9 +153,10 @@ rt::Id QBContactInfo::placeholderAvatar(std::string_view text) {
   const rt::CGSize size{80, 80};
   const ui::Font font{36, ui::Weight::Medium};
   rt::CGSize t = ui::textSize(letter, font);
-  return ui::renderImage(size, 0, true,
-                         {ui::FillRect{{{0, 0}, size}, ui::Color{0.75, 0.78, 0.82, 1.0}},
-                          ui::DrawText{letter, {(80 - t.width) / 2, (80 - t.height) / 2}, font, ui::kWhite}});
+  return ui::renderImage(
+      size, 0, true,
+      {ui::FillRect{{{0, 0}, size}, ui::Color{0.75, 0.78, 0.82, 1.0}},
+       ui::DrawText{letter, {(80 - t.width) / 2, (80 - t.height) / 2}, font, ui::kWhite}});
 }
 
 void QBContactInfo::fillInfo(QBContactInfo& info, rt::Id contact, std::string_view username) {
@@ -188,7 +197,8 @@ QBContactInfo QBContactInfo::infoForUsername(std::string_view username) {
 
 bool QBContactInfo::isSelectableFriendUsername(std::string_view u) {
   if (u.empty() || base::contains(u, "@chatroom") || base::startsWith(u, "gh_")) return false;
-  return std::find(kReservedUsernames.begin(), kReservedUsernames.end(), u) == kReservedUsernames.end();
+  return std::find(kReservedUsernames.begin(), kReservedUsernames.end(), u) ==
+         kReservedUsernames.end();
 }
 
 bool QBContactInfo::isSelectableFriendUsername(rt::Id obj) {
@@ -223,7 +233,8 @@ std::vector<rt::Id> QBContactInfo::rawNormalContacts() {
   try {
     if (responds(mgr, "getContactList:contactType:needLoadExt:")) {
       for (unsigned type : kContactListTypes) {
-        appendContacts(rt::send<rt::Id>(mgr, "getContactList:contactType:needLoadExt:", 1u, type, true), list);
+        appendContacts(
+            rt::send<rt::Id>(mgr, "getContactList:contactType:needLoadExt:", 1u, type, true), list);
         if (!list.empty()) break;
       }
     }
@@ -241,7 +252,8 @@ std::vector<rt::Id> QBContactInfo::rawNormalContacts() {
       if (rt::Class logicClass = rt::getClass("ContactsDataLogic")) {
         rt::Id logic = rt::send<rt::Id>(logicClass, "alloc");
         if (rt::instancesRespondTo(logicClass, rt::sel("initWithScene:delegate:sort:")))
-          logic = rt::send<rt::Id>(logic, "initWithScene:delegate:sort:", 0u, static_cast<rt::Id>(nullptr), true);
+          logic = rt::send<rt::Id>(logic, "initWithScene:delegate:sort:", 0u,
+                                   static_cast<rt::Id>(nullptr), true);
         else
           logic = rt::send<rt::Id>(logic, "init");
         if (responds(logic, "reloadContacts")) rt::send<void>(logic, "reloadContacts");
@@ -254,7 +266,8 @@ std::vector<rt::Id> QBContactInfo::rawNormalContacts() {
   }
   if (list.empty()) {
     try {
-      if (responds(mgr, "getAllContactUserName")) appendContacts(rt::send<rt::Id>(mgr, "getAllContactUserName"), list);
+      if (responds(mgr, "getAllContactUserName"))
+        appendContacts(rt::send<rt::Id>(mgr, "getAllContactUserName"), list);
     } catch (...) {
     }
   }
@@ -268,7 +281,8 @@ std::vector<QBContactInfo::ListItem> QBContactInfo::listNormalContactItems() {
   for (rt::Id raw : rawNormalContacts()) {
     try {
       bool rawIsString = rt::isString(raw);
-      std::string username = rawIsString ? rt::asString(raw).value_or("") : QBRuntime::usernameFrom(raw);
+      std::string username =
+          rawIsString ? rt::asString(raw).value_or("") : QBRuntime::usernameFrom(raw);
       if (!isSelectableFriendUsername(std::string_view(username))) continue;
       if (!me.empty() && username == me) continue;
       if (!seen.insert(username).second) continue;

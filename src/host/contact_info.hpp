@@ -49,8 +49,8 @@ struct QBContactInfo {
 };
 
 // The fixed lists, in the order they are tried.
-inline const std::vector<std::string_view> kLookupSelectors = {"getContactByName:", "getContactByNameFromCache:",
-                                                               "getContactByNameFromDB:"};
+inline const std::vector<std::string_view> kLookupSelectors = {
+    "getContactByName:", "getContactByNameFromCache:", "getContactByNameFromDB:"};
 inline const std::vector<std::string_view> kRemarkKeys = {"m_nsRemark", "m_nsRemarkName", "remark"};
 inline const std::vector<std::string_view> kNicknameKeys = {"m_nsNickName", "nickname", "nickName"};
 inline const std::vector<std::string_view> kAliasKeys = {"m_nsAliasName", "m_nsAlias", "aliasName"};
@@ -59,10 +59,19 @@ inline const std::vector<std::string_view> kRemarkKeysShort = {"m_nsRemark", "m_
 inline const std::vector<std::string_view> kNicknameKeysShort = {"m_nsNickName", "nickName"};
 inline const std::vector<std::string_view> kSelfSelectors = {"getSelfContact", "getSelfUserName"};
 inline constexpr unsigned kContactListTypes[] = {1, 0xFFFFFFFFu, 3, 0, 65535};
-inline const std::vector<std::string_view> kDataLogicListSelectors = {"getAllNormalContact", "getFavourContactArray"};
-inline const std::vector<std::string_view> kReservedUsernames = {
-    "weixin",           "filehelper",         "fmessage",         "notifymessage",
-    "floatbottle",      "medianote",          "newsapp",          "officialaccounts",
-    "brandsessionholder", "brandservicesessionholder", "notification_messages", "conversation_folder"};
+inline const std::vector<std::string_view> kDataLogicListSelectors = {"getAllNormalContact",
+                                                                      "getFavourContactArray"};
+inline const std::vector<std::string_view> kReservedUsernames = {"weixin",
+                                                                 "filehelper",
+                                                                 "fmessage",
+                                                                 "notifymessage",
+                                                                 "floatbottle",
+                                                                 "medianote",
+                                                                 "newsapp",
+                                                                 "officialaccounts",
+                                                                 "brandsessionholder",
+                                                                 "brandservicesessionholder",
+                                                                 "notification_messages",
+                                                                 "conversation_folder"};
 
 }  // namespace host

@@ -70,8 +70,8 @@ class Hook<R(A...)> {
   // that carries the system's category methods, UIViewController for screen
   // hooks) under `qbSelector`, then exchanged with `selector` on `cls`; the
   // host's code is reached afterwards by sending `qbSelector`.
-  bool swizzle(rt::Class owner, rt::Class cls, std::string_view selector, std::string_view qbSelector,
-               Replacement fn) {
+  bool swizzle(rt::Class owner, rt::Class cls, std::string_view selector,
+               std::string_view qbSelector, Replacement fn) {
     if (!owner || !cls) return false;
     rt::SEL qb = rt::sel(qbSelector);
     sel_ = rt::sel(selector);
@@ -82,8 +82,8 @@ class Hook<R(A...)> {
 
   // A class method added to the metaclass under `qbSelector` with the host's
   // type encoding `types`, then exchanged with the class method `selector`.
-  bool exchangeClassMethod(rt::Class cls, std::string_view selector, std::string_view qbSelector, Replacement fn,
-                           const char* types) {
+  bool exchangeClassMethod(rt::Class cls, std::string_view selector, std::string_view qbSelector,
+                           Replacement fn, const char* types) {
     rt::Method host = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
     if (!host) return false;
     rt::SEL qb = rt::sel(qbSelector);

@@ -48,7 +48,8 @@ void QBRuntime::swizzleInstance(rt::Class cls, rt::SEL original, rt::SEL swizzle
     rt::Method origMethod = rt::getInstanceMethod(cls, original);
     rt::Method swizMethod = rt::getInstanceMethod(cls, swizzled);
     if (!origMethod || !swizMethod) {
-      sys::log("[QB][stable] swizzle skip %@ %@ / %@", rt::className(cls), name(original), name(swizzled));
+      sys::log("[QB][stable] swizzle skip %@ %@ / %@", rt::className(cls), name(original),
+               name(swizzled));
       return;
     }
     const char* types = rt::typeEncoding(origMethod);
@@ -94,7 +95,8 @@ char QBRuntime::secondArgTypeOfMethod(rt::Method method) {
   if (*p == ':') p = rt::skipType(p);   // the selector
   if (*p) return *p;
   if (std::strstr(types, "Q16") || std::strstr(types, "q16")) return 'Q';
-  if (std::strstr(types, "I12") || std::strstr(types, "i12") || std::strstr(types, "I16")) return 'I';
+  if (std::strstr(types, "I12") || std::strstr(types, "i12") || std::strstr(types, "I16"))
+    return 'I';
   return 'Q';
 }
 
@@ -180,10 +182,13 @@ std::vector<rt::Id> QBRuntime::collectViewControllers() {
       rt::Id vc = queue.front();
       queue.pop_front();
       result.push_back(vc);
-      for (rt::Id child : rt::elements(rt::send<rt::Id>(vc, "childViewControllers"))) queue.push_back(child);
-      if (rt::Id presented = rt::send<rt::Id>(vc, "presentedViewController")) queue.push_back(presented);
+      for (rt::Id child : rt::elements(rt::send<rt::Id>(vc, "childViewControllers")))
+        queue.push_back(child);
+      if (rt::Id presented = rt::send<rt::Id>(vc, "presentedViewController"))
+        queue.push_back(presented);
       if (rt::isKindOf(vc, nav) || rt::isKindOf(vc, tab))
-        for (rt::Id child : rt::elements(rt::send<rt::Id>(vc, "viewControllers"))) queue.push_back(child);
+        for (rt::Id child : rt::elements(rt::send<rt::Id>(vc, "viewControllers")))
+          queue.push_back(child);
     }
   } catch (...) {
     // What was collected so far stands.

@@ -35,11 +35,14 @@ struct QBRuntime {
 
 // The key lists, in the order they are tried.
 inline constexpr const char* kUsernameKeys[] = {
-    "m_nsUsrName", "m_nsUserName", "username",   "userName",   "usrName",          "sessionUsername",
-    "m_username",  "m_nsFromUsr",  "m_nsToUsr",  "m_nsRealChatUsr", "m_nsChatRoomName"};
+    "m_nsUsrName", "m_nsUserName",    "username",        "userName",
+    "usrName",     "sessionUsername", "m_username",      "m_nsFromUsr",
+    "m_nsToUsr",   "m_nsRealChatUsr", "m_nsChatRoomName"};
 inline constexpr const char* kNestedContactKeys[] = {"m_contact", "contact"};
-inline constexpr const char* kContextClassSelectors[] = {"activeUserContext", "currentContext", "rootContext"};
-inline constexpr const char* kContextManagerKeys[] = {"activeUserContext", "currentContext", "m_currentContext"};
+inline constexpr const char* kContextClassSelectors[] = {"activeUserContext", "currentContext",
+                                                         "rootContext"};
+inline constexpr const char* kContextManagerKeys[] = {"activeUserContext", "currentContext",
+                                                      "m_currentContext"};
 inline constexpr const char* kServiceCenterKeys[] = {"serviceCenter", "m_serviceCenter"};
 
 }  // namespace host

@@ -35,15 +35,21 @@ bool monoBannerBlocked(Id m) {
 }
 
 void monoShowLocal(Id self, SEL cmd, Id m, bool repeatVibration, bool silently) {
-  st().monoShowLocal.run(nullptr, [&](auto& original) {
-    if (!monoBannerBlocked(m)) original(m, repeatVibration, silently);
-  }, self, cmd, m, repeatVibration, silently);
+  st().monoShowLocal.run(
+      nullptr,
+      [&](auto& original) {
+        if (!monoBannerBlocked(m)) original(m, repeatVibration, silently);
+      },
+      self, cmd, m, repeatVibration, silently);
 }
 
 void monoShowLocalIlink(Id self, SEL cmd, Id m, bool repeatVibration, bool callkitAvailable) {
-  st().monoShowLocalIlink.run(nullptr, [&](auto& original) {
-    if (!monoBannerBlocked(m)) original(m, repeatVibration, callkitAvailable);
-  }, self, cmd, m, repeatVibration, callkitAvailable);
+  st().monoShowLocalIlink.run(
+      nullptr,
+      [&](auto& original) {
+        if (!monoBannerBlocked(m)) original(m, repeatVibration, callkitAvailable);
+      },
+      self, cmd, m, repeatVibration, callkitAvailable);
 }
 
 // The call type argument: an NSNumber 1 or 2 is video; a string never is.
@@ -77,58 +83,71 @@ void endStep(Id mgr) {
 // re-shown it.
 void endCallKitCall(Id mgr) {
   if (!mgr) return;
-  if (sys::isMainThread()) endStep(mgr);
-  else sys::async([mgr] { endStep(mgr); });
+  if (sys::isMainThread())
+    endStep(mgr);
+  else
+    sys::async([mgr] { endStep(mgr); });
   sys::after(kSecondEnd_s, [mgr] { endStep(mgr); });
 }
 
 Id callKitManager() {
   rt::Class cls = rt::getClass("VoipCXMgr");
-  if (cls && rt::respondsTo(rt::toId(cls), rt::sel("sharedInstance"))) return rt::send<Id>(cls, "sharedInstance");
+  if (cls && rt::respondsTo(rt::toId(cls), rt::sel("sharedInstance")))
+    return rt::send<Id>(cls, "sharedInstance");
   return host::QBRuntime::serviceNamed("VoipCXMgr");
 }
 
 std::string callerOf(Id user) { return rt::isString(user) ? rt::asString(user).value_or("") : ""; }
 
-void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, Id displayName, Id completion) {
-  st().reportIncomingCall.run(nullptr, [&](auto& original) {
-    std::string caller = callerOf(user);
-    bool video = videoFlag(type);
-    if (!callKindBlocks(caller, video)) {
-      original(user, type, m, pushKit, displayName, completion);
-      return;
-    }
-    sys::log("[QB] block CallKit UI from %@ video=%d", caller, int(video));
-    original(user, type, m, pushKit, displayName, completion);
-    if (!applicationActive()) endCallKitCall(self);
-  }, self, cmd, user, type, m, pushKit, displayName, completion);
+void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, Id displayName,
+                        Id completion) {
+  st().reportIncomingCall.run(
+      nullptr,
+      [&](auto& original) {
+        std::string caller = callerOf(user);
+        bool video = videoFlag(type);
+        if (!callKindBlocks(caller, video)) {
+          original(user, type, m, pushKit, displayName, completion);
+          return;
+        }
+        sys::log("[QB] block CallKit UI from %@ video=%d", caller, int(video));
+        original(user, type, m, pushKit, displayName, completion);
+        if (!applicationActive()) endCallKitCall(self);
+      },
+      self, cmd, user, type, m, pushKit, displayName, completion);
 }
 
 void reportPushKitCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, bool multitalk) {
-  st().reportPushKitCall.run(nullptr, [&](auto& original) {
-    std::string caller = callerOf(user);
-    if (!callKindBlocks(caller, videoFlag(type))) {
-      original(user, type, m, pushKit, multitalk);
-      return;
-    }
-    sys::log("[QB] block PK CallKit UI from %@", caller);
-    original(user, type, m, pushKit, multitalk);
-    if (!applicationActive()) endCallKitCall(callKitManager());
-  }, self, cmd, user, type, m, pushKit, multitalk);
+  st().reportPushKitCall.run(
+      nullptr,
+      [&](auto& original) {
+        std::string caller = callerOf(user);
+        if (!callKindBlocks(caller, videoFlag(type))) {
+          original(user, type, m, pushKit, multitalk);
+          return;
+        }
+        sys::log("[QB] block PK CallKit UI from %@", caller);
+        original(user, type, m, pushKit, multitalk);
+        if (!applicationActive()) endCallKitCall(callKitManager());
+      },
+      self, cmd, user, type, m, pushKit, multitalk);
 }
 
 }  // namespace
 
 void installCallHooks() {
   NotifyState& s = st();
-  exchangeRow(s.monoShowLocal, "MonoServiceMsgMgr", "showLocalNotificationWithMsg:repeatVibration:silently:",
-           monoShowLocal);
+  exchangeRow(s.monoShowLocal, "MonoServiceMsgMgr",
+              "showLocalNotificationWithMsg:repeatVibration:silently:", monoShowLocal);
   exchangeRow(s.monoShowLocalIlink, "MonoServiceMsgMgr",
-           "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:", monoShowLocalIlink);
+              "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:",
+              monoShowLocalIlink);
   exchangeRow(s.reportIncomingCall, "VoipCXMgr",
-           "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:", reportIncomingCall);
-  exchangeRow(s.reportPushKitCall, "VoIPPushKitNotifyService",
-           "reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:", reportPushKitCall);
+              "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:",
+              reportIncomingCall);
+  exchangeRow(
+      s.reportPushKitCall, "VoIPPushKitNotifyService",
+      "reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:", reportPushKitCall);
 }
 
 }  // namespace notify

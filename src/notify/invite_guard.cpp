@@ -62,101 +62,131 @@ void hidePass() {
 
 template <InviteHook W>
 void dropWhenBlocked(Id self, SEL cmd, Id m) {
-  st().oneArg[std::size_t(W)].run(nullptr, [&](auto& original) {
-    if (!inviteBlocked(m)) {
-      original(m);
-    } else if (W == InviteHook::ProcessInviteMsg) {
-      sys::log("[QB] block incoming voip invite");
-    }
-  }, self, cmd, m);
+  st().oneArg[std::size_t(W)].run(
+      nullptr,
+      [&](auto& original) {
+        if (!inviteBlocked(m)) {
+          original(m);
+        } else if (W == InviteHook::ProcessInviteMsg) {
+          sys::log("[QB] block incoming voip invite");
+        }
+      },
+      self, cmd, m);
 }
 
 void handleInviteMonoMsg(Id self, SEL cmd, Id m) {
-  st().oneArg[std::size_t(InviteHook::HandleInviteMonoMsg)].run(nullptr, [&](auto& original) {
-    if (inviteBlocked(m)) {
-      std::string caller = inviteCaller(m);
-      sys::log("[QB] suppress handleInviteMonoMsg %@", caller.empty() ? std::string("?") : caller);
-      suppressInvitesFrom(caller);
-    }
-    original(m);
-    InviteSuppression r = currentInviteSuppression();
-    if (!r.username.empty() && sys::absoluteTime() < r.expiry) hideInvitationViews();
-  }, self, cmd, m);
+  st().oneArg[std::size_t(InviteHook::HandleInviteMonoMsg)].run(
+      nullptr,
+      [&](auto& original) {
+        if (inviteBlocked(m)) {
+          std::string caller = inviteCaller(m);
+          sys::log("[QB] suppress handleInviteMonoMsg %@",
+                   caller.empty() ? std::string("?") : caller);
+          suppressInvitesFrom(caller);
+        }
+        original(m);
+        InviteSuppression r = currentInviteSuppression();
+        if (!r.username.empty() && sys::absoluteTime() < r.expiry) hideInvitationViews();
+      },
+      self, cmd, m);
 }
 
 template <InviteHook W>
 void updateWithInfo(Id self, SEL cmd, Id info) {
-  st().oneArg[std::size_t(W)].run(nullptr, [&](auto& original) {
-    if (!viewBlocked(info)) {
-      original(info);
-      return;
-    }
-    sys::log(W == InviteHook::SvcUpdate ? "[QB] block invitation update (svc)" : "[QB] block invitation update (vc)");
-    hideInvitationViews();
-  }, self, cmd, info);
+  st().oneArg[std::size_t(W)].run(
+      nullptr,
+      [&](auto& original) {
+        if (!viewBlocked(info)) {
+          original(info);
+          return;
+        }
+        sys::log(W == InviteHook::SvcUpdate ? "[QB] block invitation update (svc)"
+                                            : "[QB] block invitation update (vc)");
+        hideInvitationViews();
+      },
+      self, cmd, info);
 }
 
 void addMissedRedTips(Id self, SEL cmd, Id m) {
-  st().oneArg[std::size_t(InviteHook::AddMissedRedTips)].run(nullptr, [&](auto& original) {
-    if (!inviteBlocked(m) && !callLeftover(m)) original(m);
-  }, self, cmd, m);
+  st().oneArg[std::size_t(InviteHook::AddMissedRedTips)].run(
+      nullptr,
+      [&](auto& original) {
+        if (!inviteBlocked(m) && !callLeftover(m)) original(m);
+      },
+      self, cmd, m);
 }
 
 template <int I>
 void scrollIn(Id self, SEL cmd, Id controller, Id info) {
-  st().viewInfo[I].run(nullptr, [&](auto& original) {
-    if (!viewBlocked(info)) {
-      original(controller, info);
-      return;
-    }
-    if (I == 0) sys::log("[QB] block willScollIn float");
-    hideInvitationViews();
-  }, self, cmd, controller, info);
+  st().viewInfo[I].run(
+      nullptr,
+      [&](auto& original) {
+        if (!viewBlocked(info)) {
+          original(controller, info);
+          return;
+        }
+        if (I == 0) sys::log("[QB] block willScollIn float");
+        hideInvitationViews();
+      },
+      self, cmd, controller, info);
 }
 
 // The view itself carries the invitation it shows.
 void vibrateClassic(Id self, SEL cmd) {
-  st().noArg[0].run(nullptr, [&](auto& original) {
-    if (!viewBlocked(self)) original();
-  }, self, cmd);
+  st().noArg[0].run(
+      nullptr,
+      [&](auto& original) {
+        if (!viewBlocked(self)) original();
+      },
+      self, cmd);
 }
 
 void loadBreadthView(Id self, SEL cmd) {
-  st().noArg[1].run(nullptr, [&](auto& original) {
-    if (!viewBlocked(self)) {
-      original();
-      return;
-    }
-    sys::log("[QB] block loadBreadthView");
-    hideInvitationViews();
-  }, self, cmd);
+  st().noArg[1].run(
+      nullptr,
+      [&](auto& original) {
+        if (!viewBlocked(self)) {
+          original();
+          return;
+        }
+        sys::log("[QB] block loadBreadthView");
+        hideInvitationViews();
+      },
+      self, cmd);
 }
 
 void handleInvitationInfo(Id self, SEL cmd, Id info, long roomID, Id roomKey) {
-  st().invitationInfo.run(nullptr, [&](auto& original) {
-    bool block = inviteBlocked(info);
-    if (block) {
-      sys::log("[QB] silence handleInvitationInfo (pass-through)");
-      suppressInvitesFrom(inviteCaller(info));
-    }
-    original(info, roomID, roomKey);
-    if (block) hideInvitationViews();
-  }, self, cmd, info, roomID, roomKey);
+  st().invitationInfo.run(
+      nullptr,
+      [&](auto& original) {
+        bool block = inviteBlocked(info);
+        if (block) {
+          sys::log("[QB] silence handleInvitationInfo (pass-through)");
+          suppressInvitesFrom(inviteCaller(info));
+        }
+        original(info, roomID, roomKey);
+        if (block) hideInvitationViews();
+      },
+      self, cmd, info, roomID, roomKey);
 }
 
 void receiveInvite(Id self, SEL cmd, Id m, Id from, Id wrap, bool multiTalk, long notifyFrom) {
-  st().receiveInvite.run(nullptr, [&](auto& original) {
-    std::string caller = rt::asString(from).value_or("");
-    if (caller.empty()) caller = inviteCaller(m);
-    if (caller.empty()) caller = inviteCaller(wrap);
-    bool block = !isOutgoingCall(m) && callKindBlocks(caller, isVideoCall(m) || isVideoCall(wrap));
-    if (block) {
-      sys::log("[QB] suppress receiveInvite from %@ (pass-through)", caller);
-      suppressInvitesFrom(caller);
-    }
-    original(m, from, wrap, multiTalk, notifyFrom);
-    if (block) hideInvitationViews();
-  }, self, cmd, m, from, wrap, multiTalk, notifyFrom);
+  st().receiveInvite.run(
+      nullptr,
+      [&](auto& original) {
+        std::string caller = rt::asString(from).value_or("");
+        if (caller.empty()) caller = inviteCaller(m);
+        if (caller.empty()) caller = inviteCaller(wrap);
+        bool block =
+            !isOutgoingCall(m) && callKindBlocks(caller, isVideoCall(m) || isVideoCall(wrap));
+        if (block) {
+          sys::log("[QB] suppress receiveInvite from %@ (pass-through)", caller);
+          suppressInvitesFrom(caller);
+        }
+        original(m, from, wrap, multiTalk, notifyFrom);
+        if (block) hideInvitationViews();
+      },
+      self, cmd, m, from, wrap, multiTalk, notifyFrom);
 }
 
 struct Row {
@@ -186,7 +216,8 @@ constexpr Row kRows[kHooks] = {
 };
 
 template <typename Sig, typename Fn>
-bool install(host::Hook<Sig>& hook, rt::Class cls, std::string_view selector, const Row& row, Fn fn) {
+bool install(host::Hook<Sig>& hook, rt::Class cls, std::string_view selector, const Row& row,
+             Fn fn) {
   if (!cls) return false;
   if (row.classMethod) {
     rt::Method m = rt::getClassMethod(cls, rt::sel(selector));
@@ -208,24 +239,42 @@ bool installInviteHook(InviteHook which, rt::Class cls, std::string_view selecto
   auto& one = s.oneArg[std::size_t(which)];
   using H = InviteHook;
   switch (which) {
-    case H::ProcessInviteMsg: return install(one, cls, selector, row, dropWhenBlocked<H::ProcessInviteMsg>);
-    case H::MonoStart: return install(one, cls, selector, row, dropWhenBlocked<H::MonoStart>);
-    case H::IlinkMonoStart: return install(one, cls, selector, row, dropWhenBlocked<H::IlinkMonoStart>);
-    case H::MultiMonoStart: return install(one, cls, selector, row, dropWhenBlocked<H::MultiMonoStart>);
-    case H::MpMonoStart: return install(one, cls, selector, row, dropWhenBlocked<H::MpMonoStart>);
-    case H::MonoHandle: return install(one, cls, selector, row, dropWhenBlocked<H::MonoHandle>);
-    case H::StartVoipView: return install(one, cls, selector, row, dropWhenBlocked<H::StartVoipView>);
-    case H::IlinkStartVoipView: return install(one, cls, selector, row, dropWhenBlocked<H::IlinkStartVoipView>);
-    case H::HandleInviteMonoMsg: return install(one, cls, selector, row, handleInviteMonoMsg);
-    case H::HandleInvitationInfo: return install(s.invitationInfo, cls, selector, row, handleInvitationInfo);
-    case H::WillScollIn: return install(s.viewInfo[0], cls, selector, row, scrollIn<0>);
-    case H::DidScollIn: return install(s.viewInfo[1], cls, selector, row, scrollIn<1>);
-    case H::SvcUpdate: return install(one, cls, selector, row, updateWithInfo<H::SvcUpdate>);
-    case H::VcUpdate: return install(one, cls, selector, row, updateWithInfo<H::VcUpdate>);
-    case H::VibrateClassic: return install(s.noArg[0], cls, selector, row, vibrateClassic);
-    case H::LoadBreadthView: return install(s.noArg[1], cls, selector, row, loadBreadthView);
-    case H::ReceiveInvite: return install(s.receiveInvite, cls, selector, row, receiveInvite);
-    case H::AddMissedRedTips: return install(one, cls, selector, row, addMissedRedTips);
+    case H::ProcessInviteMsg:
+      return install(one, cls, selector, row, dropWhenBlocked<H::ProcessInviteMsg>);
+    case H::MonoStart:
+      return install(one, cls, selector, row, dropWhenBlocked<H::MonoStart>);
+    case H::IlinkMonoStart:
+      return install(one, cls, selector, row, dropWhenBlocked<H::IlinkMonoStart>);
+    case H::MultiMonoStart:
+      return install(one, cls, selector, row, dropWhenBlocked<H::MultiMonoStart>);
+    case H::MpMonoStart:
+      return install(one, cls, selector, row, dropWhenBlocked<H::MpMonoStart>);
+    case H::MonoHandle:
+      return install(one, cls, selector, row, dropWhenBlocked<H::MonoHandle>);
+    case H::StartVoipView:
+      return install(one, cls, selector, row, dropWhenBlocked<H::StartVoipView>);
+    case H::IlinkStartVoipView:
+      return install(one, cls, selector, row, dropWhenBlocked<H::IlinkStartVoipView>);
+    case H::HandleInviteMonoMsg:
+      return install(one, cls, selector, row, handleInviteMonoMsg);
+    case H::HandleInvitationInfo:
+      return install(s.invitationInfo, cls, selector, row, handleInvitationInfo);
+    case H::WillScollIn:
+      return install(s.viewInfo[0], cls, selector, row, scrollIn<0>);
+    case H::DidScollIn:
+      return install(s.viewInfo[1], cls, selector, row, scrollIn<1>);
+    case H::SvcUpdate:
+      return install(one, cls, selector, row, updateWithInfo<H::SvcUpdate>);
+    case H::VcUpdate:
+      return install(one, cls, selector, row, updateWithInfo<H::VcUpdate>);
+    case H::VibrateClassic:
+      return install(s.noArg[0], cls, selector, row, vibrateClassic);
+    case H::LoadBreadthView:
+      return install(s.noArg[1], cls, selector, row, loadBreadthView);
+    case H::ReceiveInvite:
+      return install(s.receiveInvite, cls, selector, row, receiveInvite);
+    case H::AddMissedRedTips:
+      return install(one, cls, selector, row, addMissedRedTips);
   }
   return false;
 }

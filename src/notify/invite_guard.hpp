@@ -14,24 +14,24 @@
 namespace notify {
 
 enum class InviteHook {
-  ProcessInviteMsg,            // qb_processInviteMsg:
-  MonoStart,                   // qb_onMonoServiceMsgStartWithMsg:
-  IlinkMonoStart,              // qb_ilink_onMonoServiceMsgStartWithMsg:
-  MultiMonoStart,              // qb_multi_onMonoServiceMsgStartWithMsg:
-  MpMonoStart,                 // qb_mp_onMonoServiceMsgStartWithMsg:
-  MonoHandle,                  // qb_onMonoServiceMsgHandleWithMsg:
-  StartVoipView,               // + qb_startVoipViewByVoipMonoMsg:
-  IlinkStartVoipView,          // + qb_ilink_startVoipViewByVoipMonoMsg:
-  HandleInviteMonoMsg,         // + qb_handleInviteMonoMsg:
-  HandleInvitationInfo,        // qb_handleInvitationInfo:withTalkingRoomID:talkingRoomKey:
-  WillScollIn,                 // qb_voIPInvitationViewController:willScollInWithInfo:
-  DidScollIn,                  // qb_voIPInvitationViewController:didScollInWithInfo:
-  SvcUpdate,                   // qb_svc_updateWithInvitationInfo:
-  VcUpdate,                    // qb_vc_updateWithInvitationInfo:
-  VibrateClassic,              // qb_vibrateClassicIfNeed
-  LoadBreadthView,             // qb_loadBreadthView
-  ReceiveInvite,               // qb_receiveInviteMsg:fromUsername:withMsgWrap:isMultiTalk:notifyFrom:
-  AddMissedRedTips,            // qb_addMissedVoIPRedTipsWithMsg:
+  ProcessInviteMsg,      // qb_processInviteMsg:
+  MonoStart,             // qb_onMonoServiceMsgStartWithMsg:
+  IlinkMonoStart,        // qb_ilink_onMonoServiceMsgStartWithMsg:
+  MultiMonoStart,        // qb_multi_onMonoServiceMsgStartWithMsg:
+  MpMonoStart,           // qb_mp_onMonoServiceMsgStartWithMsg:
+  MonoHandle,            // qb_onMonoServiceMsgHandleWithMsg:
+  StartVoipView,         // + qb_startVoipViewByVoipMonoMsg:
+  IlinkStartVoipView,    // + qb_ilink_startVoipViewByVoipMonoMsg:
+  HandleInviteMonoMsg,   // + qb_handleInviteMonoMsg:
+  HandleInvitationInfo,  // qb_handleInvitationInfo:withTalkingRoomID:talkingRoomKey:
+  WillScollIn,           // qb_voIPInvitationViewController:willScollInWithInfo:
+  DidScollIn,            // qb_voIPInvitationViewController:didScollInWithInfo:
+  SvcUpdate,             // qb_svc_updateWithInvitationInfo:
+  VcUpdate,              // qb_vc_updateWithInvitationInfo:
+  VibrateClassic,        // qb_vibrateClassicIfNeed
+  LoadBreadthView,       // qb_loadBreadthView
+  ReceiveInvite,         // qb_receiveInviteMsg:fromUsername:withMsgWrap:isMultiTalk:notifyFrom:
+  AddMissedRedTips,      // qb_addMissedVoIPRedTipsWithMsg:
 };
 
 // The qb_ selector of a replacement, and whether it replaces a class method.

@@ -29,17 +29,23 @@ long mode() { return QBConfig::shared().secretNotifyMode(); }
 // --- QuickReplyMsgMgr and the chat screen: the in-app banner.
 
 bool canShowPushForContact(Id self, SEL cmd, Id contact, Id msgWrap) {
-  return st().canShowPushForContact.run(nullptr, [&](auto& original) -> bool {
-    if (blocked(msgWrap) || blocked(contact)) return false;
-    return original(contact, msgWrap);
-  }, self, cmd, contact, msgWrap);
+  return st().canShowPushForContact.run(
+      nullptr,
+      [&](auto& original) -> bool {
+        if (blocked(msgWrap) || blocked(contact)) return false;
+        return original(contact, msgWrap);
+      },
+      self, cmd, contact, msgWrap);
 }
 
 bool canShowPushAtViewController(Id self, SEL cmd, Id controller, Id sessionUserName) {
-  return st().canShowPushAtViewController.run(nullptr, [&](auto& original) -> bool {
-    if (isSecret(text(sessionUserName)) && hidden() && mode() == 0) return false;
-    return original(controller, sessionUserName);
-  }, self, cmd, controller, sessionUserName);
+  return st().canShowPushAtViewController.run(
+      nullptr,
+      [&](auto& original) -> bool {
+        if (isSecret(text(sessionUserName)) && hidden() && mode() == 0) return false;
+        return original(controller, sessionUserName);
+      },
+      self, cmd, controller, sessionUserName);
 }
 
 // The in-app arrival and both sound paths share one rule; only whether the
@@ -57,151 +63,182 @@ void gateArrival(Id m, bool hostAfterVibration, Body&& host) {
 }
 
 void onNewMsgArriving(Id self, SEL cmd, Id m, long flag) {
-  st().onNewMsgArriving.run(nullptr, [&](auto& original) { gateArrival(m, true, [&] { original(m, flag); }); },
-                            self, cmd, m, flag);
+  st().onNewMsgArriving.run(
+      nullptr, [&](auto& original) { gateArrival(m, true, [&] { original(m, flag); }); }, self, cmd,
+      m, flag);
 }
 
 bool shouldShowQuickReplyPush(Id self, SEL cmd, Id m) {
-  return st().shouldShowQuickReplyPush.run(nullptr, [&](auto& original) -> bool {
-    return blocked(m) ? false : original(m);
-  }, self, cmd, m);
+  return st().shouldShowQuickReplyPush.run(
+      nullptr, [&](auto& original) -> bool { return blocked(m) ? false : original(m); }, self, cmd,
+      m);
 }
 
 void showQuickReplyItem(Id self, SEL cmd, Id item, double timeout) {
-  st().showQuickReplyItem.run(nullptr, [&](auto& original) {
-    if (!blocked(item)) original(item, timeout);
-  }, self, cmd, item, timeout);
+  st().showQuickReplyItem.run(
+      nullptr,
+      [&](auto& original) {
+        if (!blocked(item)) original(item, timeout);
+      },
+      self, cmd, item, timeout);
 }
 
 void playNewMsgNotify(Id self, SEL cmd, Id m, long flag) {
-  st().playNewMsgNotify.run(nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); },
-                            self, cmd, m, flag);
+  st().playNewMsgNotify.run(
+      nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self,
+      cmd, m, flag);
 }
 
 void notifyNewMsg(Id self, SEL cmd, Id m, long flag) {
-  st().notifyNewMsg.run(nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); },
-                        self, cmd, m, flag);
+  st().notifyNewMsg.run(
+      nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self,
+      cmd, m, flag);
 }
 
 // --- MMLocalNotificationUtil (class method): the local notification itself.
 
-void showLocalNotification(Id self, SEL cmd, Id identifier, Id category, Id title, Id body, Id soundName, long badge,
-                           Id userInfo, Id date, Id thread, Id fromUserName, bool notFriend, bool showHead) {
-  st().showLocalNotification.run(nullptr, [&](auto& original) {
-    if (callDetectionBlocks(text(fromUserName), text(title), text(body), userInfo, text(thread))) {
-      sys::log("[QB] block local desktop/secret banner");
-      return;
-    }
-    bool secret = isSecret(text(fromUserName)) || userInfoHoldsSecret(userInfo) || isSecret(text(thread));
-    if (secret && hidden() && mode() == 0) return;
-    if (secret && hidden() && mode() == 1) {
-      vibrate();
-      original(identifier, category, title, body, nullptr, badge, userInfo, date, thread, fromUserName, notFriend,
-               showHead);
-      return;
-    }
-    original(identifier, category, title, body, soundName, badge, userInfo, date, thread, fromUserName, notFriend,
-             showHead);
-  }, self, cmd, identifier, category, title, body, soundName, badge, userInfo, date, thread, fromUserName, notFriend,
-     showHead);
+void showLocalNotification(Id self, SEL cmd, Id identifier, Id category, Id title, Id body,
+                           Id soundName, long badge, Id userInfo, Id date, Id thread,
+                           Id fromUserName, bool notFriend, bool showHead) {
+  st().showLocalNotification.run(
+      nullptr,
+      [&](auto& original) {
+        if (callDetectionBlocks(text(fromUserName), text(title), text(body), userInfo,
+                                text(thread))) {
+          sys::log("[QB] block local desktop/secret banner");
+          return;
+        }
+        bool secret =
+            isSecret(text(fromUserName)) || userInfoHoldsSecret(userInfo) || isSecret(text(thread));
+        if (secret && hidden() && mode() == 0) return;
+        if (secret && hidden() && mode() == 1) {
+          vibrate();
+          original(identifier, category, title, body, nullptr, badge, userInfo, date, thread,
+                   fromUserName, notFriend, showHead);
+          return;
+        }
+        original(identifier, category, title, body, soundName, badge, userInfo, date, thread,
+                 fromUserName, notFriend, showHead);
+      },
+      self, cmd, identifier, category, title, body, soundName, badge, userInfo, date, thread,
+      fromUserName, notFriend, showHead);
 }
 
 // --- MMLocalNotificationMgr: the background push chain.
 
 void showPush(Id self, SEL cmd, Id m, Id identifier, Id fireDate, bool fromVoip, bool silent) {
-  st().showPush.run(nullptr, [&](auto& original) {
-    if (fromVoip) {
-      if (!voipPushLightBlock(m)) original(m, identifier, fireDate, fromVoip, silent);
-      return;
-    }
-    if (callLeftover(m) || hiddenSecretDrop(m)) return;
-    if (vibrateOnly(m)) {
-      vibrate();
-      original(m, identifier, fireDate, fromVoip, true);
-      return;
-    }
-    original(m, identifier, fireDate, fromVoip, silent);
-  }, self, cmd, m, identifier, fireDate, fromVoip, silent);
+  st().showPush.run(
+      nullptr,
+      [&](auto& original) {
+        if (fromVoip) {
+          if (!voipPushLightBlock(m)) original(m, identifier, fireDate, fromVoip, silent);
+          return;
+        }
+        if (callLeftover(m) || hiddenSecretDrop(m)) return;
+        if (vibrateOnly(m)) {
+          vibrate();
+          original(m, identifier, fireDate, fromVoip, true);
+          return;
+        }
+        original(m, identifier, fireDate, fromVoip, silent);
+      },
+      self, cmd, m, identifier, fireDate, fromVoip, silent);
 }
 
 void showPushShort(Id self, SEL cmd, Id m, Id fireDate, bool fromVoip) {
-  st().showPushShort.run(nullptr, [&](auto& original) {
-    if (fromVoip) {
-      if (!voipPushLightBlock(m)) original(m, fireDate, fromVoip);
-      return;
-    }
-    if (callLeftover(m) || hiddenSecretDrop(m)) return;
-    if (vibrateOnly(m)) vibrate();
-    original(m, fireDate, fromVoip);
-  }, self, cmd, m, fireDate, fromVoip);
+  st().showPushShort.run(
+      nullptr,
+      [&](auto& original) {
+        if (fromVoip) {
+          if (!voipPushLightBlock(m)) original(m, fireDate, fromVoip);
+          return;
+        }
+        if (callLeftover(m) || hiddenSecretDrop(m)) return;
+        if (vibrateOnly(m)) vibrate();
+        original(m, fireDate, fromVoip);
+      },
+      self, cmd, m, fireDate, fromVoip);
 }
 
 Id notificationInfo(Id self, SEL cmd, Id m, long settings, bool fromVoip) {
-  return st().notificationInfo.run(nullptr, [&](auto& original) -> Id {
-    if (fromVoip && voipPushLightBlock(m)) {
-      sys::log("[QB] nil notificationInfo (voip light)");
-      return nullptr;
-    }
-    if (callLeftover(m)) {
-      sys::log("[QB] nil notificationInfo (aftermath)");
-      return nullptr;
-    }
-    if (hiddenSecretDrop(m)) {
-      sys::log("[QB] nil notificationInfo (hidden secret bg)");
-      return nullptr;
-    }
-    return original(m, settings, fromVoip);
-  }, self, cmd, m, settings, fromVoip);
+  return st().notificationInfo.run(
+      nullptr,
+      [&](auto& original) -> Id {
+        if (fromVoip && voipPushLightBlock(m)) {
+          sys::log("[QB] nil notificationInfo (voip light)");
+          return nullptr;
+        }
+        if (callLeftover(m)) {
+          sys::log("[QB] nil notificationInfo (aftermath)");
+          return nullptr;
+        }
+        if (hiddenSecretDrop(m)) {
+          sys::log("[QB] nil notificationInfo (hidden secret bg)");
+          return nullptr;
+        }
+        return original(m, settings, fromVoip);
+      },
+      self, cmd, m, settings, fromVoip);
 }
 
 void onShowPush(Id self, SEL cmd, Id m, bool always) {
-  st().onShowPush.run(nullptr, [&](auto& original) {
-    if (callLeftover(m)) {
-      sys::log("[QB] block OnShowPush (aftermath)");
-      return;
-    }
-    if (hiddenSecretDrop(m)) {
-      sys::log("[QB] block OnShowPush (hidden secret bg)");
-      return;
-    }
-    original(m, always);
-  }, self, cmd, m, always);
+  st().onShowPush.run(
+      nullptr,
+      [&](auto& original) {
+        if (callLeftover(m)) {
+          sys::log("[QB] block OnShowPush (aftermath)");
+          return;
+        }
+        if (hiddenSecretDrop(m)) {
+          sys::log("[QB] block OnShowPush (hidden secret bg)");
+          return;
+        }
+        original(m, always);
+      },
+      self, cmd, m, always);
 }
 
 // --- UNUserNotificationCenter: the request the system would show.
 
 void addNotificationRequest(Id self, SEL cmd, Id request, Id completion) {
-  st().addNotificationRequest.run(nullptr, [&](auto& original) {
-    Id content = rt::send<Id>(request, "content");
-    Id userInfo = rt::send<Id>(content, "userInfo");
-    std::string thread = text(rt::send<Id>(content, "threadIdentifier"));
-    std::string caller = callCaller(userInfo);
-    std::string title = text(rt::send<Id>(content, "title")), body = text(rt::send<Id>(content, "body"));
-    if (callDetectionBlocks(caller, title, body, userInfo, thread)) {
-      sys::callNotificationCompletion(completion, nullptr);
-      return;
-    }
-    if ((userInfoHoldsSecret(userInfo) || isSecret(thread)) && hidden()) {
-      if (mode() == 0) {
-        sys::callNotificationCompletion(completion, nullptr);
-        return;
-      }
-      if (mode() == 1) {
-        vibrate();
-        Id silent = rt::send<Id>(content, "mutableCopy");
-        rt::send<void>(silent, "setSound:", Id{nullptr});
-        Id quiet = rt::send<Id>(rt::getClass("UNNotificationRequest"), "requestWithIdentifier:content:trigger:",
-                                rt::send<Id>(request, "identifier"), silent, rt::send<Id>(request, "trigger"));
-        original(quiet, completion);
-        return;
-      }
-    }
-    original(request, completion);
-  }, self, cmd, request, completion);
+  st().addNotificationRequest.run(
+      nullptr,
+      [&](auto& original) {
+        Id content = rt::send<Id>(request, "content");
+        Id userInfo = rt::send<Id>(content, "userInfo");
+        std::string thread = text(rt::send<Id>(content, "threadIdentifier"));
+        std::string caller = callCaller(userInfo);
+        std::string title = text(rt::send<Id>(content, "title")),
+                    body = text(rt::send<Id>(content, "body"));
+        if (callDetectionBlocks(caller, title, body, userInfo, thread)) {
+          sys::callNotificationCompletion(completion, nullptr);
+          return;
+        }
+        if ((userInfoHoldsSecret(userInfo) || isSecret(thread)) && hidden()) {
+          if (mode() == 0) {
+            sys::callNotificationCompletion(completion, nullptr);
+            return;
+          }
+          if (mode() == 1) {
+            vibrate();
+            Id silent = rt::send<Id>(content, "mutableCopy");
+            rt::send<void>(silent, "setSound:", Id{nullptr});
+            Id quiet = rt::send<Id>(
+                rt::getClass("UNNotificationRequest"),
+                "requestWithIdentifier:content:trigger:", rt::send<Id>(request, "identifier"),
+                silent, rt::send<Id>(request, "trigger"));
+            original(quiet, completion);
+            return;
+          }
+        }
+        original(request, completion);
+      },
+      self, cmd, request, completion);
 }
 
 constexpr const char* kLocalNotificationSelector =
-    "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:threadIdentifier:"
+    "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
+    "threadIdentifier:"
     "fromUserName:fromNotFrient:showHeadImage:";
 
 }  // namespace
@@ -210,15 +247,18 @@ rt::Class categoryOwner() { return rt::getClass("NSObject"); }
 
 void installMessageHooks() {
   NotifyState& s = st();
-  exchangeRow(s.canShowPushForContact, "QuickReplyMsgMgr", "canShowPushForContact:msgWrap:", canShowPushForContact);
-  exchangeRow(s.canShowPushAtViewController, "QuickReplyMsgMgr", "canShowPushAtViewController:sessionUserName:",
-           canShowPushAtViewController);
-  exchangeRow(s.onNewMsgArriving, "QuickReplyMsgMgr", "onNewMsgArriving:NotifyFlag:", onNewMsgArriving);
-  exchangeRow(s.shouldShowQuickReplyPush, "BaseMsgContentViewController", "shouldShowQuickReplyPush:",
-           shouldShowQuickReplyPush);
-  exchangeRow(s.showQuickReplyItem, "QuickReplyMsgViewController", "showQuickReplyItem:dismissTimeout:",
-           showQuickReplyItem);
-  exchangeRow(s.playNewMsgNotify, "MainFrameLogicController", "playNewMsgNotify:NotifyFlag:", playNewMsgNotify);
+  exchangeRow(s.canShowPushForContact, "QuickReplyMsgMgr",
+              "canShowPushForContact:msgWrap:", canShowPushForContact);
+  exchangeRow(s.canShowPushAtViewController, "QuickReplyMsgMgr",
+              "canShowPushAtViewController:sessionUserName:", canShowPushAtViewController);
+  exchangeRow(s.onNewMsgArriving, "QuickReplyMsgMgr",
+              "onNewMsgArriving:NotifyFlag:", onNewMsgArriving);
+  exchangeRow(s.shouldShowQuickReplyPush, "BaseMsgContentViewController",
+              "shouldShowQuickReplyPush:", shouldShowQuickReplyPush);
+  exchangeRow(s.showQuickReplyItem, "QuickReplyMsgViewController",
+              "showQuickReplyItem:dismissTimeout:", showQuickReplyItem);
+  exchangeRow(s.playNewMsgNotify, "MainFrameLogicController",
+              "playNewMsgNotify:NotifyFlag:", playNewMsgNotify);
   exchangeRow(s.notifyNewMsg, "MMNewSessionMgr", "p_notifyNewMsg:withNotifyFlag:", notifyNewMsg);
   if (rt::Class util = rt::getClass("MMLocalNotificationUtil")) {
     if (rt::Method m = rt::getClassMethod(util, rt::sel(kLocalNotificationSelector))) {
@@ -228,14 +268,16 @@ void installMessageHooks() {
                                                   showLocalNotification, types ? types : "v@:");
     }
   }
-  exchangeRow(s.showPush, "MMLocalNotificationMgr", "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:",
-           showPush);
-  exchangeRow(s.showPushShort, "MMLocalNotificationMgr", "showPushWithMessageWrap:fireDate:isFromVoipPush:", showPushShort);
+  exchangeRow(s.showPush, "MMLocalNotificationMgr",
+              "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", showPush);
+  exchangeRow(s.showPushShort, "MMLocalNotificationMgr",
+              "showPushWithMessageWrap:fireDate:isFromVoipPush:", showPushShort);
   exchangeRow(s.notificationInfo, "MMLocalNotificationMgr",
-           "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:", notificationInfo);
+              "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:",
+              notificationInfo);
   exchangeRow(s.onShowPush, "MMLocalNotificationMgr", "OnShowPush:isAlwaysShow:", onShowPush);
-  exchangeRow(s.addNotificationRequest, "UNUserNotificationCenter", "addNotificationRequest:withCompletionHandler:",
-           addNotificationRequest);
+  exchangeRow(s.addNotificationRequest, "UNUserNotificationCenter",
+              "addNotificationRequest:withCompletionHandler:", addNotificationRequest);
 }
 
 }  // namespace notify

@@ -11,7 +11,9 @@ namespace {
 
 using core::QBConfig;
 
-bool contains(const std::string& text, const char* word) { return text.find(word) != std::string::npos; }
+bool contains(const std::string& text, const char* word) {
+  return text.find(word) != std::string::npos;
+}
 
 // A flag or type value that says "video": true, a non-zero number, or a
 // string naming video.
@@ -38,7 +40,8 @@ bool callerFlagOrSelf(rt::Id m) {
   if (!m || rt::isNull(m)) return false;
   for (const char* key : {"m_bIsCaller", "isCaller", "m_isCaller", "m_bCaller"})
     if (rt::boolValue(rt::probeKey(m, key))) return true;
-  std::string from = firstString(m, {"m_nsFromUsr", "fromUserName", "m_nsFromUserName", "callerUserName"});
+  std::string from =
+      firstString(m, {"m_nsFromUsr", "fromUserName", "m_nsFromUserName", "callerUserName"});
   return !from.empty() && from == host::QBContactInfo::selfUsername();
 }
 
@@ -77,15 +80,16 @@ bool textReadsLikeCall(rt::Id m) {
 
 bool isVideoCall(rt::Id m) {
   if (!m || rt::isNull(m)) return false;
-  if (anyKeyReadsAsVideo(m, {"isVideo", "m_bVideo", "video", "Video", "video_voip", "voipType", "callType", "type",
-                             "inviteType", "InviteType"}))
+  if (anyKeyReadsAsVideo(m, {"isVideo", "m_bVideo", "video", "Video", "video_voip", "voipType",
+                             "callType", "type", "inviteType", "InviteType"}))
     return true;
   for (const char* key : kNestedInvitationKeys) {
     rt::Id nested = rt::probeKey(m, key);
     if (!nested || rt::isNull(nested)) continue;
-    if (anyKeyReadsAsVideo(nested, {"m_bVideo", "isVideo", "m_bVideoMode", "isVideoMode", "m_bIsVideo", "videoMode",
-                                    "video_voip", "_video_voip", "m_iVoipMode", "m_uiVoipMode", "voipMode",
-                                    "m_voipMode", "m_uiVoipInviteType", "voipType", "inviteType", "_inviteType"}))
+    if (anyKeyReadsAsVideo(nested, {"m_bVideo", "isVideo", "m_bVideoMode", "isVideoMode",
+                                    "m_bIsVideo", "videoMode", "video_voip", "_video_voip",
+                                    "m_iVoipMode", "m_uiVoipMode", "voipMode", "m_voipMode",
+                                    "m_uiVoipInviteType", "voipType", "inviteType", "_inviteType"}))
       return true;
   }
   std::string t = texts(m);
@@ -127,9 +131,12 @@ bool voipPushLightBlock(rt::Id m) {
   return !(c.voipVoiceNotifyEnabled() && c.voipVideoNotifyEnabled());
 }
 
-bool callDetectionBlocks(const std::string& sender, const std::string& title, const std::string& body,
-                         rt::Id userInfo, const std::string& threadIdentifier) {
-  std::string user = !sender.empty() ? sender : !threadIdentifier.empty() ? threadIdentifier : callCaller(userInfo);
+bool callDetectionBlocks(const std::string& sender, const std::string& title,
+                         const std::string& body, rt::Id userInfo,
+                         const std::string& threadIdentifier) {
+  std::string user = !sender.empty()             ? sender
+                     : !threadIdentifier.empty() ? threadIdentifier
+                                                 : callCaller(userInfo);
   if (!isSecret(user)) return false;
   std::string text = title + " " + body;
   std::string joined = text + " " + rt::description(userInfo);

@@ -33,8 +33,9 @@ bool muted(rt::Id m);               // no sound
 bool voipPushLightBlock(rt::Id m);  // a VoIP push from a secret unless both switches are on
 
 // Call detection on a notification's parts; true when it must not be shown.
-bool callDetectionBlocks(const std::string& sender, const std::string& title, const std::string& body,
-                         rt::Id userInfo, const std::string& threadIdentifier);
+bool callDetectionBlocks(const std::string& sender, const std::string& title,
+                         const std::string& body, rt::Id userInfo,
+                         const std::string& threadIdentifier);
 
 // Vibrates once: the host's AudioHelper when it has playVibration, else the
 // system vibration sound.
@@ -42,9 +43,10 @@ void vibrate();
 
 inline constexpr long kCallMessageType = 50;
 inline constexpr const char* kCallWords[] = {
-    "未接",     "已取消",   "忙线",     "对方无应答", "通话时长",   "语音通话",   "视频通话",
-    "邀请你语音", "邀请你视频", "通话中断", "已拒绝",     "对方已取消", "通话已取消", "已挂断",
-    "取消了语音", "取消了视频", "voipinvitemsg", "voiplocalinfo", "wordingtype"};
+    "未接",       "已取消",        "忙线",          "对方无应答", "通话时长",
+    "语音通话",   "视频通话",      "邀请你语音",    "邀请你视频", "通话中断",
+    "已拒绝",     "对方已取消",    "通话已取消",    "已挂断",     "取消了语音",
+    "取消了视频", "voipinvitemsg", "voiplocalinfo", "wordingtype"};
 inline constexpr const char* kNotificationCallWords[] = {"语音通话", "视频通话", "邀请你", "通话",
                                                          "未接",     "已取消",   "忙线"};
 

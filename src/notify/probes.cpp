@@ -27,7 +27,8 @@ std::string senderAt(rt::Id m, int depth) {
     std::string v = stringAt(m, key);
     if (isRoom(v)) return v;
   }
-  std::string from = firstString(m, {"m_nsFromUsr", "fromUserName", "m_nsFromUserName", "callerUserName"});
+  std::string from =
+      firstString(m, {"m_nsFromUsr", "fromUserName", "m_nsFromUserName", "callerUserName"});
   std::string to = firstString(m, {"m_nsToUsr", "toUserName"});
   if (isRoom(from)) return from;
   if (isRoom(to)) return to;
@@ -60,14 +61,16 @@ bool holdsSecret(rt::Id info, int depth) {
 
 std::string inviteCallerAt(rt::Id obj, int depth) {
   if (!obj || rt::isNull(obj) || depth > kMaxNesting) return "";
-  std::string u = firstString(obj, {"fromUserName", "callerUserName", "realCallerUserName", "inviteUserName",
-                                    "m_nsFromUsr", "username", "m_fromUser", "callerUsername", "mInviteUserName",
-                                    "wxInviteUserName"});
+  std::string u = firstString(
+      obj, {"fromUserName", "callerUserName", "realCallerUserName", "inviteUserName", "m_nsFromUsr",
+            "username", "m_fromUser", "callerUsername", "mInviteUserName", "wxInviteUserName"});
   if (!u.empty()) return u;
   for (const char* key : kNestedInvitationKeys)
     if (std::string n = inviteCallerAt(rt::probeKey(obj, key), depth + 1); !n.empty()) return n;
   for (const char* key : kCallerContactKeys)
-    if (std::string c = firstString(rt::probeKey(obj, key), {"m_nsUsrName", "userName"}); !c.empty()) return c;
+    if (std::string c = firstString(rt::probeKey(obj, key), {"m_nsUsrName", "userName"});
+        !c.empty())
+      return c;
   return "";
 }
 
@@ -92,7 +95,8 @@ std::string messageSender(rt::Id message) {
 }
 
 std::string callCaller(rt::Id obj) {
-  return firstString(obj, {"fromUserName", "realCallerUserName", "callerUserName", "m_nsUsrName", "userName"});
+  return firstString(
+      obj, {"fromUserName", "realCallerUserName", "callerUserName", "m_nsUsrName", "userName"});
 }
 
 std::string voipPushCaller(rt::Id obj) {

@@ -34,22 +34,24 @@ bool userInfoHoldsSecret(rt::Id userInfo);
 std::string firstString(rt::Id obj, std::initializer_list<const char*> keys);
 
 inline constexpr const char* kMessageSenderKeys[] = {
-    "m_nsFromUsr",      "m_nsToUsr",       "m_nsChatRoomName", "m_nsRealChatUsr",   "m_nsFromUserName",
-    "m_fromUserName",   "fromUserName",    "fromUsername",     "m_nsUsrName",       "username",
-    "userName",         "sessionUserName", "callerUserName",   "realCallerUserName", "inviteUserName",
-    "mCaller",          "m_nsFromUserName", "FromUserName",    "mRemoteUserName",   "talkUserName",
-    "m_fromUser",       "callerUsername",  "mInviteUserName",  "wxInviteUserName",  "inviterUserName",
-    "inviterUsrName",   "fromUser",        "msgFromUserName"};
-inline constexpr const char* kNestedMessageKeys[] = {"msgWrap", "messageWrap",   "m_msgWrap",     "contact",
-                                                     "m_contact", "monoMsg",     "m_voipMonoMsg", "inviteMonoMsg",
-                                                     "invitationInfo", "info"};
-inline constexpr const char* kUserInfoKeys[] = {"fromUserName",    "username",         "userName", "usrName",
-                                                "m_nsFromUsr",     "sessionUserName",  "threadIdentifier",
-                                                "chatName"};
+    "m_nsFromUsr",      "m_nsToUsr",          "m_nsChatRoomName", "m_nsRealChatUsr",
+    "m_nsFromUserName", "m_fromUserName",     "fromUserName",     "fromUsername",
+    "m_nsUsrName",      "username",           "userName",         "sessionUserName",
+    "callerUserName",   "realCallerUserName", "inviteUserName",   "mCaller",
+    "m_nsFromUserName", "FromUserName",       "mRemoteUserName",  "talkUserName",
+    "m_fromUser",       "callerUsername",     "mInviteUserName",  "wxInviteUserName",
+    "inviterUserName",  "inviterUsrName",     "fromUser",         "msgFromUserName"};
+inline constexpr const char* kNestedMessageKeys[] = {
+    "msgWrap", "messageWrap",   "m_msgWrap",     "contact",        "m_contact",
+    "monoMsg", "m_voipMonoMsg", "inviteMonoMsg", "invitationInfo", "info"};
+inline constexpr const char* kUserInfoKeys[] = {
+    "fromUserName", "username",        "userName",         "usrName",
+    "m_nsFromUsr",  "sessionUserName", "threadIdentifier", "chatName"};
 inline constexpr const char* kNestedInvitationKeys[] = {
-    "invitationInfo", "info",          "_invitationInfo", "_info",             "m_invitationInfo",
-    "monoMsg",        "m_voipMonoMsg", "inviteMonoMsg",   "inviteMessageWrap", "m_monoMsg"};
-inline constexpr const char* kCallerContactKeys[] = {"callerContact", "fromUserContact", "contact", "m_contact",
-                                                     "_callerContact"};
+    "invitationInfo",    "info",     "_invitationInfo", "_info",
+    "m_invitationInfo",  "monoMsg",  "m_voipMonoMsg",   "inviteMonoMsg",
+    "inviteMessageWrap", "m_monoMsg"};
+inline constexpr const char* kCallerContactKeys[] = {"callerContact", "fromUserContact", "contact",
+                                                     "m_contact", "_callerContact"};
 
 }  // namespace notify

@@ -48,8 +48,9 @@ void viewDidLoad(Id self, SEL cmd) {
   });
   ui::SearchSpec spec;
   spec.placeholder = "搜索备注 / 昵称 / 微信号";
-  picker(self).searchController =
-      ui::installSearch(self, spec, [self](const std::string& text) { QBContactPickController::updateSearch(self, text); });
+  picker(self).searchController = ui::installSearch(self, spec, [self](const std::string& text) {
+    QBContactPickController::updateSearch(self, text);
+  });
 }
 
 long numberOfRows(Id self, SEL, Id, long) { return long(picker(self).filteredItems.size()); }
@@ -69,14 +70,18 @@ Id cellForRow(Id self, SEL, Id table, Id ip) {
   c.titleFont = {16, ui::Weight::Medium};
   c.detailFont = {12, ui::Weight::Regular};
   c.detailColor = ui::kSecondaryLabel;
-  c.title = !info.displayName.empty() ? info.displayName : !item.displayName.empty() ? item.displayName : item.username;
+  c.title = !info.displayName.empty()   ? info.displayName
+            : !item.displayName.empty() ? item.displayName
+                                        : item.username;
   if (core::QBConfig::shared().isSecretUser(item.username)) {
     c.detail = "已在密友名单";
     c.accessory = ui::Accessory::Checkmark;
   } else {
     c.detail = QBContactPickController::detailFor(c.title, info.nickname, item.username);
   }
-  if (info.avatar) c.image = ui::renderImage({44, 44}, 0, true, {ui::DrawImage{info.avatar, {{0, 0}, {44, 44}}, 0}});
+  if (info.avatar)
+    c.image =
+        ui::renderImage({44, 44}, 0, true, {ui::DrawImage{info.avatar, {{0, 0}, {44, 44}}, 0}});
   Id cell = ui::dequeueCell(table, "c");
   if (!cell) return ui::makeCell(c, "c");
   ui::configureCell(cell, c);
@@ -87,7 +92,9 @@ void didSelectRow(Id self, SEL, Id table, Id ip) {
   rt::send<void>(table, "deselectRowAtIndexPath:animated:", ip, true);
   Picker& p = picker(self);
   long row = rt::indexPathRow(ip);
-  std::string username = row >= 0 && row < long(p.filteredItems.size()) ? p.filteredItems[std::size_t(row)].username : "";
+  std::string username = row >= 0 && row < long(p.filteredItems.size())
+                             ? p.filteredItems[std::size_t(row)].username
+                             : "";
   // Stays open on purpose: several secrets can be added in a row.
   if (p.onPick && !username.empty()) {
     auto onPick = p.onPick;
@@ -100,7 +107,8 @@ void didSelectRow(Id self, SEL, Id table, Id ip) {
 
 void QBContactPickController::registerRuntimeClass() {
   if (rt::getClass("QBContactPickController")) return;
-  rt::Class cls = rt::allocateClassPair(rt::getClass("UITableViewController"), "QBContactPickController");
+  rt::Class cls =
+      rt::allocateClassPair(rt::getClass("UITableViewController"), "QBContactPickController");
   if (!cls) return;
   rt::registerClassPair(cls);
   rt::addMethod(cls, rt::sel("viewDidLoad"), viewDidLoad);
@@ -111,9 +119,10 @@ void QBContactPickController::registerRuntimeClass() {
   rt::addMethod(cls, rt::sel("tableView:didSelectRowAtIndexPath:"), didSelectRow);
 }
 
-Id QBContactPickController::make(std::vector<PickItem> items, std::function<void(const std::string&)> onPick) {
-  Id self = rt::send<Id>(rt::send<Id>(rt::getClass("QBContactPickController"), "alloc"), "initWithStyle:",
-                         long(ui::TableStyle::InsetGrouped));
+Id QBContactPickController::make(std::vector<PickItem> items,
+                                 std::function<void(const std::string&)> onPick) {
+  Id self = rt::send<Id>(rt::send<Id>(rt::getClass("QBContactPickController"), "alloc"),
+                         "initWithStyle:", long(ui::TableStyle::InsetGrouped));
   Picker& p = picker(self);
   p.filteredItems = items;
   p.allItems = std::move(items);
@@ -121,13 +130,15 @@ Id QBContactPickController::make(std::vector<PickItem> items, std::function<void
   return self;
 }
 
-std::vector<PickItem> QBContactPickController::filter(const std::vector<PickItem>& items, const std::string& query) {
+std::vector<PickItem> QBContactPickController::filter(const std::vector<PickItem>& items,
+                                                      const std::string& query) {
   std::string q = trimmed(query);
   if (q.empty()) return items;
   q = rt::lowercase(q);
   std::vector<PickItem> out;
   for (const PickItem& item : items) {
-    for (const std::string* field : {&item.displayName, &item.nickname, &item.remark, &item.username}) {
+    for (const std::string* field :
+         {&item.displayName, &item.nickname, &item.remark, &item.username}) {
       if (rt::lowercase(*field).find(q) != std::string::npos) {
         out.push_back(item);
         break;
@@ -143,13 +154,16 @@ void QBContactPickController::updateSearch(Id self, const std::string& text) {
   rt::send<void>(rt::send<Id>(self, "tableView"), "reloadData");
 }
 
-const std::vector<PickItem>& QBContactPickController::filteredItems(Id self) { return picker(self).filteredItems; }
+const std::vector<PickItem>& QBContactPickController::filteredItems(Id self) {
+  return picker(self).filteredItems;
+}
 
 std::string QBContactPickController::headerFor(std::size_t shown) {
   return shown == 0 ? "未找到联系人" : "通讯录 · " + std::to_string(shown) + " 人";
 }
 
-std::string QBContactPickController::detailFor(const std::string& title, const std::string& nickname,
+std::string QBContactPickController::detailFor(const std::string& title,
+                                               const std::string& nickname,
                                                const std::string& username) {
   if (nickname.empty() || nickname == title) return username;
   return nickname + " · " + username;

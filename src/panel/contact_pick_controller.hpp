@@ -28,7 +28,8 @@ struct QBContactPickController {
   // "通讯录 · N 人", or "未找到联系人" when nothing is shown.
   static std::string headerFor(std::size_t shown);
   // The detail of a row that is not yet a secret.
-  static std::string detailFor(const std::string& title, const std::string& nickname, const std::string& username);
+  static std::string detailFor(const std::string& title, const std::string& nickname,
+                               const std::string& username);
 };
 
 inline constexpr double kPickRowHeight = 64;

@@ -50,10 +50,13 @@ long rowOf(Id indexPath) { return rt::indexPathRow(indexPath); }
 void buildHeader(Id self) {
   rt::CGRect bounds = rt::send<rt::CGRect>(rt::send<Id>(self, "view"), "bounds");
   double width = bounds.size.width > 0 ? bounds.size.width : ui::screenWidth();
-  ui::setStackedHeader(tableOf(self), width, 20,
-                       {{"密友", {28, ui::Weight::Bold}, ui::kLabel},
-                        {"会话 · 通讯录 · 朋友圈 · 最近转发一并隐藏", {13, ui::Weight::Medium}, ui::kSecondaryLabel},
-                        {"我 → 设置 → 关于微信 → 连点版本号 5 次打开本页", {12, ui::Weight::Regular}, ui::kTertiaryLabel}});
+  ui::setStackedHeader(
+      tableOf(self), width, 20,
+      {{"密友", {28, ui::Weight::Bold}, ui::kLabel},
+       {"会话 · 通讯录 · 朋友圈 · 最近转发一并隐藏", {13, ui::Weight::Medium}, ui::kSecondaryLabel},
+       {"我 → 设置 → 关于微信 → 连点版本号 5 次打开本页",
+        {12, ui::Weight::Regular},
+        ui::kTertiaryLabel}});
 }
 
 // --- The runtime class's methods.
@@ -65,7 +68,8 @@ void viewDidLoad(Id self, SEL cmd) {
   ui::setViewBackground(self, ui::kGroupedBackground);
   ui::setNavigationTint(rt::send<Id>(self, "navigationController"), ui::kSystemGreen);
   ui::styleTable(tableOf(self), ui::TableLook{ui::kGroupedBackground, 56, 56, true});
-  ui::setLeftBarButton(self, "完成", ui::BarButtonStyle::Done, [self] { QBPanelController::closeAndLock(self); });
+  ui::setLeftBarButton(self, "完成", ui::BarButtonStyle::Done,
+                       [self] { QBPanelController::closeAndLock(self); });
   buildHeader(self);
 }
 
@@ -95,7 +99,8 @@ Id trailingSwipe(Id self, SEL, Id, Id ip) {
 }
 void commitEditing(Id self, SEL, Id, long style, Id ip) {
   constexpr long kDeleteStyle = 1;  // UITableViewCellEditingStyleDelete
-  if (style == kDeleteStyle && canEdit(sectionOf(ip), rowOf(ip))) deleteRow(self, sectionOf(ip), rowOf(ip), [](bool) {});
+  if (style == kDeleteStyle && canEdit(sectionOf(ip), rowOf(ip)))
+    deleteRow(self, sectionOf(ip), rowOf(ip), [](bool) {});
 }
 
 // The five switches: save at once; the call switches also re-sync the host's
@@ -110,7 +115,9 @@ void onSwitch(Id, SEL, Id sw) {
 
 void closeAndLockImp(Id self, SEL) { QBPanelController::closeAndLock(self); }
 void reloadImp(Id self, SEL) { QBPanelController::reload(self); }
-void showTipImp(Id self, SEL, Id message) { QBPanelController::showTip(self, rt::asString(message).value_or("")); }
+void showTipImp(Id self, SEL, Id message) {
+  QBPanelController::showTip(self, rt::asString(message).value_or(""));
+}
 void pickFromSessionsImp(Id self, SEL) { QBPanelController::pickFromSessions(self); }
 void presentFromImp(Id, SEL, Id target) { QBPanelController::presentFrom(target); }
 void presentPanelOnImp(Id, SEL, Id target) { QBPanelController::presentPanelOn(target); }
@@ -143,13 +150,19 @@ void QBPanelController::registerRuntimeClass() {
   rt::addMethod(cls, rt::sel("tableView:cellForRowAtIndexPath:"), cellForRow);
   rt::addMethod(cls, rt::sel("tableView:didSelectRowAtIndexPath:"), didSelectRow);
   rt::addMethod(cls, rt::sel("tableView:canEditRowAtIndexPath:"), canEditRow);
-  rt::addMethod(cls, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"), trailingSwipe);
+  rt::addMethod(cls, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"),
+                trailingSwipe);
   rt::addMethod(cls, rt::sel("tableView:commitEditingStyle:forRowAtIndexPath:"), commitEditing);
-  rt::addMethod(cls, rt::sel("onShakeShowSwitch:"), onSwitch<&QBConfig::setShakeShowEnabled, false>);
-  rt::addMethod(cls, rt::sel("onLongPressSwitch:"), onSwitch<&QBConfig::setLongPressUnlockEnabled, false>);
-  rt::addMethod(cls, rt::sel("onShakeHideSwitch:"), onSwitch<&QBConfig::setShakeHideEnabled, false>);
-  rt::addMethod(cls, rt::sel("onVoipVoiceSwitch:"), onSwitch<&QBConfig::setVoipVoiceNotifyEnabled, true>);
-  rt::addMethod(cls, rt::sel("onVoipVideoSwitch:"), onSwitch<&QBConfig::setVoipVideoNotifyEnabled, true>);
+  rt::addMethod(cls, rt::sel("onShakeShowSwitch:"),
+                onSwitch<&QBConfig::setShakeShowEnabled, false>);
+  rt::addMethod(cls, rt::sel("onLongPressSwitch:"),
+                onSwitch<&QBConfig::setLongPressUnlockEnabled, false>);
+  rt::addMethod(cls, rt::sel("onShakeHideSwitch:"),
+                onSwitch<&QBConfig::setShakeHideEnabled, false>);
+  rt::addMethod(cls, rt::sel("onVoipVoiceSwitch:"),
+                onSwitch<&QBConfig::setVoipVoiceNotifyEnabled, true>);
+  rt::addMethod(cls, rt::sel("onVoipVideoSwitch:"),
+                onSwitch<&QBConfig::setVoipVideoNotifyEnabled, true>);
   rt::addMethod(cls, rt::sel("closeAndLock"), closeAndLockImp);
   rt::addMethod(cls, rt::sel("reload"), reloadImp);
   rt::addMethod(cls, rt::sel("showTip:"), showTipImp);
@@ -159,7 +172,8 @@ void QBPanelController::registerRuntimeClass() {
 Id QBPanelController::topVC() {
   Id window = host::QBRuntime::keyWindow();
   Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
-  if (top && rt::isKindOf(top, "UINavigationController")) return rt::send<Id>(top, "visibleViewController");
+  if (top && rt::isKindOf(top, "UINavigationController"))
+    return rt::send<Id>(top, "visibleViewController");
   return top;
 }
 
@@ -205,8 +219,8 @@ void QBPanelController::presentPanelOn(Id target) {
       });
       return;
     }
-    Id panel = rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"), "initWithStyle:",
-                            long(ui::TableStyle::InsetGrouped));
+    Id panel = rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"),
+                            "initWithStyle:", long(ui::TableStyle::InsetGrouped));
     Id nav = rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
                           "initWithRootViewController:", panel);
     ui::presentPageSheet(target, nav, ui::SheetSpec{}, true);
@@ -241,11 +255,13 @@ void QBPanelController::showTip(Id self, const std::string& message) {
 }
 
 void QBPanelController::pickFromSessions(Id self) {
-  std::vector<PickItem> items =
-      host::guarded(nullptr, [] { return host::QBContactInfo::listNormalContactItems(); }, std::vector<PickItem>{});
+  std::vector<PickItem> items = host::guarded(
+      nullptr, [] { return host::QBContactInfo::listNormalContactItems(); },
+      std::vector<PickItem>{});
   if (items.empty()) {
     using Items = std::optional<std::vector<PickItem>>;
-    Items fromSessions = host::guarded(nullptr, [] { return Items(sessionItems()); }, Items());
+    Items fromSessions = host::guarded(
+        nullptr, [] { return Items(sessionItems()); }, Items());
     if (!fromSessions) return;  // the session list failed too: nothing to offer, nothing said
     items = std::move(*fromSessions);
   }
@@ -259,7 +275,8 @@ void QBPanelController::pickFromSessions(Id self) {
     hiding::QBSessionHooks::refreshFilterCache();
     reload(self);
   });
-  rt::send<void>(rt::send<Id>(self, "navigationController"), "pushViewController:animated:", picker, true);
+  rt::send<void>(rt::send<Id>(self, "navigationController"), "pushViewController:animated:", picker,
+                 true);
 }
 
 Id QBPanelController::iconImage(const std::string& symbol, ui::Color tint, ui::Color bg) {

@@ -36,10 +36,14 @@ struct QBPanelController {
   static rt::Id iconImage(const std::string& symbol, ui::Color tint, ui::Color bg);
 
   // The window editor and its dialogs.
-  static void editDailyWindowAtIndex(rt::Id self, long index, long start, long end, long mode, bool isAdd);
-  static void pickMinute(rt::Id self, long minutes, const std::string& title, std::function<void(long)> handler);
-  static void pickWindowMode(rt::Id self, long mode, const std::string& title, std::function<void(long)> handler);
-  static void askText(rt::Id self, const std::string& title, bool secure, const std::string& placeholder,
+  static void editDailyWindowAtIndex(rt::Id self, long index, long start, long end, long mode,
+                                     bool isAdd);
+  static void pickMinute(rt::Id self, long minutes, const std::string& title,
+                         std::function<void(long)> handler);
+  static void pickWindowMode(rt::Id self, long mode, const std::string& title,
+                             std::function<void(long)> handler);
+  static void askText(rt::Id self, const std::string& title, bool secure,
+                      const std::string& placeholder,
                       std::function<void(const std::string&)> handler);
   static void presentNextAfterDelay(std::function<void()> block);
 };

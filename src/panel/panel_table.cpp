@@ -51,7 +51,8 @@ rt::Id switchCell(rt::Id panel, const Row& r, bool on, const char* action) {
   c.detailLines = 1;
   c.selectionHighlight = false;
   rt::SEL sel = rt::sel(action);
-  c.accessoryView = ui::makeSwitch(on, ui::kSystemGreen, [panel, sel](rt::Id sw) { rt::send<void>(panel, sel, sw); });
+  c.accessoryView = ui::makeSwitch(on, ui::kSystemGreen,
+                                   [panel, sel](rt::Id sw) { rt::send<void>(panel, sel, sw); });
   return ui::makeCell(c);
 }
 
@@ -66,9 +67,11 @@ rt::Id addCell(const char* title) {
 
 rt::Id windowCell(long i) {
   core::DailyWindows windows = config().normalizedDailyWindows();
-  std::string detail = i < long(windows.size()) ? QBConfig::stringFromWindow(windows[std::size_t(i)].toValue()) : "";
-  ui::CellSpec c = baseCell(Row{"时段 " + std::to_string(i + 1), detail, "clock.fill", ui::kSystemOrange},
-                            ui::CellStyle::Value1);
+  std::string detail =
+      i < long(windows.size()) ? QBConfig::stringFromWindow(windows[std::size_t(i)].toValue()) : "";
+  ui::CellSpec c =
+      baseCell(Row{"时段 " + std::to_string(i + 1), detail, "clock.fill", ui::kSystemOrange},
+               ui::CellStyle::Value1);
   c.detailFont = {17, ui::Weight::Regular};
   c.accessory = ui::Accessory::DisclosureIndicator;
   return ui::makeCell(c);
@@ -106,38 +109,56 @@ rt::Id cellIn(rt::Id panel, long section, long row) {
   QBConfig& cfg = config();
   switch (section) {
     case kVisibility:
-      return row == 0 ? checkCell({"手动控制", "轻晃 / 长按 + 切后台隐藏", "hand.tap.fill", ui::kSystemBlue},
-                                  cfg.visibilityControlMode() == 0)
-                      : checkCell({"定时控制", "到点自动显示或隐藏", "clock.fill", ui::kSystemOrange},
-                                  cfg.visibilityControlMode() == 1);
+      return row == 0
+                 ? checkCell(
+                       {"手动控制", "轻晃 / 长按 + 切后台隐藏", "hand.tap.fill", ui::kSystemBlue},
+                       cfg.visibilityControlMode() == 0)
+                 : checkCell({"定时控制", "到点自动显示或隐藏", "clock.fill", ui::kSystemOrange},
+                             cfg.visibilityControlMode() == 1);
     case kWake:
-      return row == 0 ? switchCell(panel, {"轻晃显示", "触发后需通过验证", "iphone.radiowaves.left.and.right", ui::kSystemGreen},
+      return row == 0 ? switchCell(panel,
+                                   {"轻晃显示", "触发后需通过验证",
+                                    "iphone.radiowaves.left.and.right", ui::kSystemGreen},
                                    cfg.shakeShowEnabled(), "onShakeShowSwitch:")
-                      : switchCell(panel, {"长按顶栏", "会话 / 聊天页导航栏约 0.7 秒", "hand.tap.fill", ui::kSystemBlue},
+                      : switchCell(panel,
+                                   {"长按顶栏", "会话 / 聊天页导航栏约 0.7 秒", "hand.tap.fill",
+                                    ui::kSystemBlue},
                                    cfg.longPressUnlockEnabled(), "onLongPressSwitch:");
     case kHide:
       if (!scheduleMode())
-        return switchCell(panel, {"轻晃隐藏", "无需验证，立刻藏起", "iphone.radiowaves.left.and.right", ui::kSystemOrange},
+        return switchCell(panel,
+                          {"轻晃隐藏", "无需验证，立刻藏起", "iphone.radiowaves.left.and.right",
+                           ui::kSystemOrange},
                           cfg.shakeHideEnabled(), "onShakeHideSwitch:");
       return row < windowCount() ? windowCell(row) : addCell("添加时段");
     case kNotify: {
-      static const Row rows[] = {{"铃声", "隐藏时：微信内/桌面/锁屏都提醒", "bell.fill", ui::kSystemGreen},
-                                 {"震动", "隐藏时：三处提醒但只震动", "iphone.radiowaves.left.and.right", ui::kSystemOrange},
-                                 {"不通知", "隐藏时：三处都不通知", "bell.slash.fill", ui::kSystemGray}};
+      static const Row rows[] = {
+          {"铃声", "隐藏时：微信内/桌面/锁屏都提醒", "bell.fill", ui::kSystemGreen},
+          {"震动", "隐藏时：三处提醒但只震动", "iphone.radiowaves.left.and.right",
+           ui::kSystemOrange},
+          {"不通知", "隐藏时：三处都不通知", "bell.slash.fill", ui::kSystemGray}};
       return checkCell(rows[row], cfg.secretNotifyMode() == 2 - row);
     }
     case kCalls:
-      return row == 0 ? switchCell(panel, {"微信电话", "语音来电振铃与接听界面", "phone.fill", ui::kSystemGreen},
-                                   cfg.voipVoiceNotifyEnabled(), "onVoipVoiceSwitch:")
-                      : switchCell(panel, {"微信视频", "视频来电振铃与接听界面", "video.fill", ui::kSystemBlue},
-                                   cfg.voipVideoNotifyEnabled(), "onVoipVideoSwitch:");
+      return row == 0
+                 ? switchCell(
+                       panel,
+                       {"微信电话", "语音来电振铃与接听界面", "phone.fill", ui::kSystemGreen},
+                       cfg.voipVoiceNotifyEnabled(), "onVoipVoiceSwitch:")
+                 : switchCell(panel,
+                              {"微信视频", "视频来电振铃与接听界面", "video.fill", ui::kSystemBlue},
+                              cfg.voipVideoNotifyEnabled(), "onVoipVideoSwitch:");
     case kPanelAuth:
       if (row == 2) return passwordCell();
-      return row == 0 ? checkCell({"口令", "进控制台输口令", "key.fill", ui::kSystemIndigo}, cfg.panelAuthMode() == 0)
-                      : checkCell({"面容 / 指纹", "进控制台验面容", "faceid", ui::kSystemTeal}, cfg.panelAuthMode() == 1);
+      return row == 0 ? checkCell({"口令", "进控制台输口令", "key.fill", ui::kSystemIndigo},
+                                  cfg.panelAuthMode() == 0)
+                      : checkCell({"面容 / 指纹", "进控制台验面容", "faceid", ui::kSystemTeal},
+                                  cfg.panelAuthMode() == 1);
     case kRevealAuth:
-      return row == 0 ? checkCell({"口令", "显示密友时输口令", "key.fill", ui::kSystemIndigo}, cfg.revealAuthMode() == 0)
-                      : checkCell({"面容 / 指纹", "显示密友时验面容", "faceid", ui::kSystemTeal}, cfg.revealAuthMode() == 1);
+      return row == 0 ? checkCell({"口令", "显示密友时输口令", "key.fill", ui::kSystemIndigo},
+                                  cfg.revealAuthMode() == 0)
+                      : checkCell({"面容 / 指纹", "显示密友时验面容", "faceid", ui::kSystemTeal},
+                                  cfg.revealAuthMode() == 1);
     case kSecrets:
       return row == 0 ? addCell("添加密友") : secretCell(row);
   }
@@ -153,35 +174,52 @@ void reloadOnly(rt::Id panel, long section) {
 long rowsInSection(long section) {
   bool schedule = scheduleMode();
   switch (section) {
-    case kVisibility: return 2;
-    case kWake: return schedule ? 0 : 2;
+    case kVisibility:
+      return 2;
+    case kWake:
+      return schedule ? 0 : 2;
     case kHide: {
       if (!schedule) return 1;
       long n = windowCount();
       return n < kMaxWindows ? n + 1 : n;
     }
-    case kNotify: return 3;
-    case kCalls: return 2;
-    case kPanelAuth: return 3;
-    case kRevealAuth: return 2;
-    case kSecrets: return config().secretCount() + 1;
+    case kNotify:
+      return 3;
+    case kCalls:
+      return 2;
+    case kPanelAuth:
+      return 3;
+    case kRevealAuth:
+      return 2;
+    case kSecrets:
+      return config().secretCount() + 1;
   }
   return 0;
 }
 
-double rowHeight(long section, long row) { return section == kSecrets && row >= 1 ? kSecretRowHeight : kRowHeight; }
+double rowHeight(long section, long row) {
+  return section == kSecrets && row >= 1 ? kSecretRowHeight : kRowHeight;
+}
 
 std::string headerTitle(long section) {
   bool schedule = scheduleMode();
   switch (section) {
-    case kVisibility: return "显示控制（二选一）";
-    case kWake: return schedule ? "" : "唤醒方式";
-    case kHide: return schedule ? "每日时段" : "隐藏方式";
-    case kNotify: return "消息通知";
-    case kCalls: return "通话通知";
-    case kPanelAuth: return "控制台验证方式";
-    case kRevealAuth: return "密友显示验证方式";
-    case kSecrets: return "密友名单";
+    case kVisibility:
+      return "显示控制（二选一）";
+    case kWake:
+      return schedule ? "" : "唤醒方式";
+    case kHide:
+      return schedule ? "每日时段" : "隐藏方式";
+    case kNotify:
+      return "消息通知";
+    case kCalls:
+      return "通话通知";
+    case kPanelAuth:
+      return "控制台验证方式";
+    case kRevealAuth:
+      return "密友显示验证方式";
+    case kSecrets:
+      return "密友名单";
   }
   return "";
 }
@@ -189,20 +227,29 @@ std::string headerTitle(long section) {
 std::string footerTitle(long section) {
   bool schedule = scheduleMode();
   switch (section) {
-    case kVisibility: return "手动：轻晃/长按控制。定时：到点自动显示或隐藏，并禁用手动唤醒与切后台隐藏，避免冲突。";
-    case kWake: return schedule ? "" : "触发显示后按「密友显示验证方式」确认。";
+    case kVisibility:
+      return "手动：轻晃/"
+             "长按控制。定时：到点自动显示或隐藏，并禁用手动唤醒与切后台隐藏，避免冲突。";
+    case kWake:
+      return schedule ? "" : "触发显示后按「密友显示验证方式」确认。";
     case kHide:
-      return schedule ? "每段可选「显示」或「隐藏」，最多 3 段，可跨午夜。时段不可重叠（相邻端点可以，如 08:00–13:00 与 "
+      return schedule ? "每段可选「显示」或「隐藏」，最多 3 "
+                        "段，可跨午夜。时段不可重叠（相邻端点可以，如 08:00–13:00 与 "
                         "13:00–15:00）。未命中任何时段时默认隐藏。左滑可删除（至少保留 1 个）。"
                       : "冷启动与离开微信在手动模式下自动隐藏。";
     case kNotify:
-      return "「显示」=正常好友。「隐藏」时：选铃声/震动 → 微信内+桌面+锁屏都通知；选不通知 → 三处都不通知。";
+      return "「显示」=正常好友。「隐藏」时：选铃声/震动 → 微信内+桌面+锁屏都通知；选不通知 → "
+             "三处都不通知。";
     case kCalls:
-      return "默认关闭。关闭后走微信官方自动忽略 + 静默 UI/CallKit（不打断视频协议，避免闪退）。电话+视频都关时最稳。"
+      return "默认关闭。关闭后走微信官方自动忽略 + 静默 "
+             "UI/CallKit（不打断视频协议，避免闪退）。电话+视频都关时最稳。"
              "自己拨出不受影响。";
-    case kPanelAuth: return "仅影响进入控制台。口令或面容二选一，首次默认口令。";
-    case kRevealAuth: return "仅手动模式显示密友时生效；定时自动显示无需验证。";
-    case kSecrets: return "左滑可删除。";
+    case kPanelAuth:
+      return "仅影响进入控制台。口令或面容二选一，首次默认口令。";
+    case kRevealAuth:
+      return "仅手动模式显示密友时生效；定时自动显示无需验证。";
+    case kSecrets:
+      return "左滑可删除。";
   }
   return "";
 }
@@ -231,10 +278,11 @@ void didSelect(rt::Id panel, long section, long row) {
       core::DailyWindows windows = cfg.normalizedDailyWindows();
       if (row < long(windows.size())) {
         const core::DailyWindow& w = windows[std::size_t(row)];
-        QBPanelController::editDailyWindowAtIndex(panel, row, w.start, w.end, QBConfig::modeFromWindow(w.toValue()),
-                                                  false);
+        QBPanelController::editDailyWindowAtIndex(panel, row, w.start, w.end,
+                                                  QBConfig::modeFromWindow(w.toValue()), false);
       } else {
-        QBPanelController::editDailyWindowAtIndex(panel, kNoIndex, kNewWindowStart, kNewWindowEnd, 0, true);
+        QBPanelController::editDailyWindowAtIndex(panel, kNoIndex, kNewWindowStart, kNewWindowEnd,
+                                                  0, true);
       }
       return;
     }
@@ -246,12 +294,13 @@ void didSelect(rt::Id panel, long section, long row) {
       return;
     case kPanelAuth:
       if (row == 2) {
-        QBPanelController::askText(panel, "设置新口令", true, "至少 4 位", [](const std::string& text) {
-          // A short entry is dropped without a word, on purpose.
-          if (text.size() < kMinPasswordLength) return;
-          config().setPassword(text);
-          config().save();
-        });
+        QBPanelController::askText(panel, "设置新口令", true, "至少 4 位",
+                                   [](const std::string& text) {
+                                     // A short entry is dropped without a word, on purpose.
+                                     if (text.size() < kMinPasswordLength) return;
+                                     config().setPassword(text);
+                                     config().save();
+                                   });
         return;
       }
       cfg.setPanelAuthMode(row);

@@ -10,7 +10,16 @@
 
 namespace panel {
 
-enum Section : long { kVisibility = 0, kWake = 1, kHide = 2, kNotify = 3, kCalls = 4, kPanelAuth = 5, kRevealAuth = 6, kSecrets = 7 };
+enum Section : long {
+  kVisibility = 0,
+  kWake = 1,
+  kHide = 2,
+  kNotify = 3,
+  kCalls = 4,
+  kPanelAuth = 5,
+  kRevealAuth = 6,
+  kSecrets = 7
+};
 
 long rowsInSection(long section);
 double rowHeight(long section, long row);

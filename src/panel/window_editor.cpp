@@ -29,8 +29,9 @@ struct Edit {
 void finish(const Edit& e, long mode) {
   QBConfig& c = QBConfig::shared();
   std::string message;
-  bool ok = e.isAdd ? c.addDailyWindowWithStart(e.chosenStart, e.chosenEnd, mode, &message)
-                    : c.updateDailyWindowAtIndex(e.index, e.chosenStart, e.chosenEnd, mode, &message);
+  bool ok = e.isAdd
+                ? c.addDailyWindowWithStart(e.chosenStart, e.chosenEnd, mode, &message)
+                : c.updateDailyWindowAtIndex(e.index, e.chosenStart, e.chosenEnd, mode, &message);
   if (!ok) {
     QBPanelController::showTip(e.panel, message.empty() ? "时间无效" : message);
     return;
@@ -40,19 +41,22 @@ void finish(const Edit& e, long mode) {
 }
 
 void askMode(std::shared_ptr<Edit> e) {
-  QBPanelController::pickWindowMode(e->panel, e->mode, "③ 这段时间要", [e](long mode) { finish(*e, mode); });
+  QBPanelController::pickWindowMode(e->panel, e->mode, "③ 这段时间要",
+                                    [e](long mode) { finish(*e, mode); });
 }
 
 void askEnd(std::shared_ptr<Edit> e) {
-  QBPanelController::pickMinute(e->panel, e->end, e->isAdd ? "② 选择结束时间" : "② 修改结束时间", [e](long end) {
-    e->chosenEnd = end;
-    QBPanelController::presentNextAfterDelay([e] { askMode(e); });
-  });
+  QBPanelController::pickMinute(e->panel, e->end, e->isAdd ? "② 选择结束时间" : "② 修改结束时间",
+                                [e](long end) {
+                                  e->chosenEnd = end;
+                                  QBPanelController::presentNextAfterDelay([e] { askMode(e); });
+                                });
 }
 
 }  // namespace
 
-void QBPanelController::editDailyWindowAtIndex(rt::Id self, long index, long start, long end, long mode, bool isAdd) {
+void QBPanelController::editDailyWindowAtIndex(rt::Id self, long index, long start, long end,
+                                               long mode, bool isAdd) {
   auto e = std::make_shared<Edit>(Edit{self, index, start, end, mode, isAdd});
   pickMinute(self, start, isAdd ? "① 选择开始时间" : "① 修改开始时间", [e](long chosen) {
     e->chosenStart = chosen;
@@ -75,7 +79,8 @@ void QBPanelController::pickMinute(rt::Id self, long minutes, const std::string&
   ui::present(self, alert, true);
 }
 
-void QBPanelController::pickWindowMode(rt::Id self, long, const std::string& title, std::function<void(long)> handler) {
+void QBPanelController::pickWindowMode(rt::Id self, long, const std::string& title,
+                                       std::function<void(long)> handler) {
   rt::Id alert = ui::makeAlert(title, "选择「显示」或「隐藏」。可跨午夜。时段之间不能重叠。");
   ui::addAction(alert, "显示", ui::ActionStyle::Default, [handler] { handler(0); });
   ui::addAction(alert, "隐藏", ui::ActionStyle::Default, [handler] { handler(1); });
@@ -83,12 +88,14 @@ void QBPanelController::pickWindowMode(rt::Id self, long, const std::string& tit
   ui::present(self, alert, true);
 }
 
-void QBPanelController::askText(rt::Id self, const std::string& title, bool secure, const std::string& placeholder,
+void QBPanelController::askText(rt::Id self, const std::string& title, bool secure,
+                                const std::string& placeholder,
                                 std::function<void(const std::string&)> handler) {
   rt::Id alert = ui::makeAlert(title, "");
   ui::addTextField(alert, ui::TextFieldSpec{placeholder, secure, false});
   ui::addAction(alert, "取消", ui::ActionStyle::Cancel, nullptr);
-  ui::addAction(alert, "确定", ui::ActionStyle::Default, [alert, handler] { handler(ui::textFieldText(alert, 0)); });
+  ui::addAction(alert, "确定", ui::ActionStyle::Default,
+                [alert, handler] { handler(ui::textFieldText(alert, 0)); });
   ui::present(self, alert, true);
 }
 

@@ -13,8 +13,10 @@ bool isQualifier(char c) { return std::strchr("rnNoORVAj", c) != nullptr && c !=
 
 const char* skipDigits(const char* p) {
   if (*p == '+' || *p == '-') {
-    if (std::isdigit(static_cast<unsigned char>(p[1]))) ++p;
-    else return p;
+    if (std::isdigit(static_cast<unsigned char>(p[1])))
+      ++p;
+    else
+      return p;
   }
   while (std::isdigit(static_cast<unsigned char>(*p))) ++p;
   return p;
@@ -91,8 +93,10 @@ std::string normalizedEncoding(std::string_view types) {
     if (!*p) break;
     const char* end = skipBare(p);
     if (end == p) break;
-    if (*p == '@') out += '@';  // blocks and class-named objects are objects
-    else out.append(p, end);
+    if (*p == '@')
+      out += '@';  // blocks and class-named objects are objects
+    else
+      out.append(p, end);
     p = skipDigits(end);
   }
   return out;

@@ -21,28 +21,50 @@ inline constexpr bool kUnsupportedType = false;
 template <typename T>
 std::string typeCode() {
   using std::is_same_v;
-  if constexpr (is_same_v<T, void>) return "v";
-  else if constexpr (is_same_v<T, bool>) return "B";  // BOOL is bool on arm64
-  else if constexpr (is_same_v<T, char> || is_same_v<T, signed char>) return "c";
-  else if constexpr (is_same_v<T, unsigned char>) return "C";
-  else if constexpr (is_same_v<T, short>) return "s";
-  else if constexpr (is_same_v<T, unsigned short>) return "S";
-  else if constexpr (is_same_v<T, int>) return "i";
-  else if constexpr (is_same_v<T, unsigned>) return "I";
-  else if constexpr (is_same_v<T, long> || is_same_v<T, long long>) return "q";  // NSInteger, LP64
-  else if constexpr (is_same_v<T, unsigned long> || is_same_v<T, unsigned long long>) return "Q";
-  else if constexpr (is_same_v<T, float>) return "f";
-  else if constexpr (is_same_v<T, double>) return "d";
-  else if constexpr (is_same_v<T, Id>) return "@";
-  else if constexpr (is_same_v<T, Class>) return "#";
-  else if constexpr (is_same_v<T, SEL>) return ":";
-  else if constexpr (is_same_v<T, IMP>) return "^?";
-  else if constexpr (is_same_v<T, const char*> || is_same_v<T, char*>) return "*";
-  else if constexpr (is_same_v<T, CGPoint>) return "{CGPoint=dd}";
-  else if constexpr (is_same_v<T, CGSize>) return "{CGSize=dd}";
-  else if constexpr (is_same_v<T, CGRect>) return "{CGRect={CGPoint=dd}{CGSize=dd}}";
-  else if constexpr (std::is_pointer_v<T>) return "^" + typeCode<std::remove_cv_t<std::remove_pointer_t<T>>>();
-  else static_assert(kUnsupportedType<T>, "no Objective-C type encoding for this type");
+  if constexpr (is_same_v<T, void>)
+    return "v";
+  else if constexpr (is_same_v<T, bool>)
+    return "B";  // BOOL is bool on arm64
+  else if constexpr (is_same_v<T, char> || is_same_v<T, signed char>)
+    return "c";
+  else if constexpr (is_same_v<T, unsigned char>)
+    return "C";
+  else if constexpr (is_same_v<T, short>)
+    return "s";
+  else if constexpr (is_same_v<T, unsigned short>)
+    return "S";
+  else if constexpr (is_same_v<T, int>)
+    return "i";
+  else if constexpr (is_same_v<T, unsigned>)
+    return "I";
+  else if constexpr (is_same_v<T, long> || is_same_v<T, long long>)
+    return "q";  // NSInteger, LP64
+  else if constexpr (is_same_v<T, unsigned long> || is_same_v<T, unsigned long long>)
+    return "Q";
+  else if constexpr (is_same_v<T, float>)
+    return "f";
+  else if constexpr (is_same_v<T, double>)
+    return "d";
+  else if constexpr (is_same_v<T, Id>)
+    return "@";
+  else if constexpr (is_same_v<T, Class>)
+    return "#";
+  else if constexpr (is_same_v<T, SEL>)
+    return ":";
+  else if constexpr (is_same_v<T, IMP>)
+    return "^?";
+  else if constexpr (is_same_v<T, const char*> || is_same_v<T, char*>)
+    return "*";
+  else if constexpr (is_same_v<T, CGPoint>)
+    return "{CGPoint=dd}";
+  else if constexpr (is_same_v<T, CGSize>)
+    return "{CGSize=dd}";
+  else if constexpr (is_same_v<T, CGRect>)
+    return "{CGRect={CGPoint=dd}{CGSize=dd}}";
+  else if constexpr (std::is_pointer_v<T>)
+    return "^" + typeCode<std::remove_cv_t<std::remove_pointer_t<T>>>();
+  else
+    static_assert(kUnsupportedType<T>, "no Objective-C type encoding for this type");
 }
 
 // The encoding of a method R (Id self, SEL cmd, A...), without offsets:

@@ -83,9 +83,9 @@ long indexPathRow(Id indexPath);
 long indexPathSection(Id indexPath);
 
 // --- NSDate
-Id now();                                 // [NSDate date]
+Id now();  // [NSDate date]
 Id dateWithReferenceSeconds(double seconds);
-double referenceSeconds(Id date);         // timeIntervalSinceReferenceDate
+double referenceSeconds(Id date);  // timeIntervalSinceReferenceDate
 
 // --- NSData
 // [NSData dataWithBytes:length:]. The simulation has no NSData and answers

@@ -27,7 +27,8 @@ std::array<std::string, 4> ivarNames(std::string_view key);
 struct KeySearch {
   std::array<SEL, 4> getters{};
   std::array<SEL, 2> setters{};
-  SEL countOf = nullptr, objectInAtIndex = nullptr, atIndexes = nullptr, enumeratorOf = nullptr, memberOf = nullptr;
+  SEL countOf = nullptr, objectInAtIndex = nullptr, atIndexes = nullptr, enumeratorOf = nullptr,
+      memberOf = nullptr;
   std::array<std::string, 4> ivars;
 };
 const KeySearch& keySearch(std::string_view key);

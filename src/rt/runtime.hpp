@@ -74,7 +74,8 @@ bool addMethod(Class cls, SEL s, R (*fn)(Id, SEL, A...)) {
 // The same as a class method (added to the metaclass).
 template <typename R, typename... A>
 bool addClassMethod(Class cls, SEL s, R (*fn)(Id, SEL, A...)) {
-  return cls && addMethod(classOf(toId(cls)), s, reinterpret_cast<IMP>(fn), signature<R, A...>().c_str());
+  return cls &&
+         addMethod(classOf(toId(cls)), s, reinterpret_cast<IMP>(fn), signature<R, A...>().c_str());
 }
 
 // class_getInstanceVariable: searches the class and its superclasses. Null
@@ -100,7 +101,8 @@ Id createInstance(Class cls);
 // value (strongly, except with Assign) until it is replaced; setting nil
 // removes it. Keys are compared by address. Nothing happens for nil objects.
 enum class Association { Assign, RetainNonatomic, CopyNonatomic, Retain, Copy };
-void setAssociatedObject(Id obj, const void* key, Id value, Association policy = Association::RetainNonatomic);
+void setAssociatedObject(Id obj, const void* key, Id value,
+                         Association policy = Association::RetainNonatomic);
 Id getAssociatedObject(Id obj, const void* key);
 
 }  // namespace rt

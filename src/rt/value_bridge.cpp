@@ -10,13 +10,20 @@ namespace rt {
 Id fromValue(const base::Value& v) {
   using T = base::Value::Type;
   switch (v.type()) {
-    case T::Null: return null();
-    case T::Bool: return boolNumber(*v.asBool());
-    case T::Integer: return number(long(*v.asInteger()));
-    case T::Real: return realNumber(*v.asReal());
-    case T::String: return str(*v.asString());
-    case T::Data: return dataWithBytes(*v.asData());
-    case T::Date: return dateWithReferenceSeconds(v.asDate()->seconds);
+    case T::Null:
+      return null();
+    case T::Bool:
+      return boolNumber(*v.asBool());
+    case T::Integer:
+      return number(long(*v.asInteger()));
+    case T::Real:
+      return realNumber(*v.asReal());
+    case T::String:
+      return str(*v.asString());
+    case T::Data:
+      return dataWithBytes(*v.asData());
+    case T::Date:
+      return dateWithReferenceSeconds(v.asDate()->seconds);
     case T::Array: {
       std::vector<Id> items;
       for (const base::Value& e : *v.asArray()) items.push_back(fromValue(e));

@@ -14,7 +14,9 @@ struct Acceleration {
 bool deviceMotionAvailable();
 bool accelerometerAvailable();
 // Starts updates; the handler runs on the sensor's serial queue, once per sample.
-void startDeviceMotionUpdates(double interval, std::function<void(Acceleration userAcceleration)> handler);
-void startAccelerometerUpdates(double interval, std::function<void(Acceleration acceleration)> handler);
+void startDeviceMotionUpdates(double interval,
+                              std::function<void(Acceleration userAcceleration)> handler);
+void startAccelerometerUpdates(double interval,
+                               std::function<void(Acceleration acceleration)> handler);
 
 }  // namespace sys

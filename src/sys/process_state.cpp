@@ -10,7 +10,8 @@ std::size_t ProcessState::nextSlot() {
 }
 
 ProcessState& processState() {
-  void* p = processStateSlot([]() -> std::shared_ptr<void> { return std::make_shared<ProcessState>(); });
+  void* p =
+      processStateSlot([]() -> std::shared_ptr<void> { return std::make_shared<ProcessState>(); });
   return *static_cast<ProcessState*>(p);
 }
 

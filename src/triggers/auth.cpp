@@ -35,7 +35,8 @@ rt::Id QBAuth::topVC() {
     if (!presented) break;
     top = presented;
   }
-  if (top && rt::isKindOf(top, "UINavigationController")) return rt::send<rt::Id>(top, "visibleViewController");
+  if (top && rt::isKindOf(top, "UINavigationController"))
+    return rt::send<rt::Id>(top, "visibleViewController");
   return top;
 }
 
@@ -62,7 +63,8 @@ void QBAuth::askPassword(AuthCompletion completion) {
     sys::after(kPasswordResultDelay_s, [once, ok] { once(ok); });
   });
   ui::onDismissedWithoutAction(alert, [once] { once(false); });
-  bool shown = host::guarded(nullptr, [&] { return ui::present(top, alert, true); }, false);
+  bool shown = host::guarded(
+      nullptr, [&] { return ui::present(top, alert, true); }, false);
   if (!shown) once(false);
 }
 
@@ -73,17 +75,18 @@ void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompleti
     sys::async([wrapper] { askPassword(wrapper); });
     return;
   }
-  ui::evaluateBiometrics(ui::BiometricRequest{reason.empty() ? kReasonDefault : reason, ""}, [wrapper](bool success) {
-    if (!success) {
-      wrapper(false);  // deliberately no password fallback after a failed check
-      return;
-    }
-    revealCheckSucceeded();
-    sys::async([wrapper] {
-      QBConfig::shared().setUnlocked(true);
-      wrapper(true);
-    });
-  });
+  ui::evaluateBiometrics(
+      ui::BiometricRequest{reason.empty() ? kReasonDefault : reason, ""}, [wrapper](bool success) {
+        if (!success) {
+          wrapper(false);  // deliberately no password fallback after a failed check
+          return;
+        }
+        revealCheckSucceeded();
+        sys::async([wrapper] {
+          QBConfig::shared().setUnlocked(true);
+          wrapper(true);
+        });
+      });
 }
 
 void QBAuth::authenticateWithMode(long mode, const std::string& reason, AuthCompletion completion) {
@@ -103,7 +106,9 @@ void QBAuth::authenticateForReveal(AuthCompletion completion) {
   authenticateWithMode(QBConfig::shared().revealAuthMode(), kReasonReveal, std::move(completion));
 }
 
-void QBAuth::authenticateWithConfiguredMode(AuthCompletion completion) { authenticateForPanel(std::move(completion)); }
+void QBAuth::authenticateWithConfiguredMode(AuthCompletion completion) {
+  authenticateForPanel(std::move(completion));
+}
 
 void QBAuth::authenticateToShowWithFallbackPassword(bool, AuthCompletion completion) {
   authenticateForReveal(std::move(completion));

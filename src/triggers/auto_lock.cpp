@@ -42,8 +42,8 @@ bool isBackground(const std::string& name) {
 }  // namespace
 
 void QBAutoLock::install() {
-  for (const char* name : {sys::kDidEnterBackground, sys::kWillResignActive, sys::kSceneDidEnterBackground,
-                           sys::kSceneWillDeactivate}) {
+  for (const char* name : {sys::kDidEnterBackground, sys::kWillResignActive,
+                           sys::kSceneDidEnterBackground, sys::kSceneWillDeactivate}) {
     sys::addObserver(name, [](const sys::Notification& n) {
       std::string reason = n.name.empty() ? "?" : n.name;
       // A reveal still settling holds the auto-lock back against the prompt's
@@ -71,8 +71,8 @@ bool QBAutoLock::lockNow(std::string_view reason, bool evenIfSuppressed) {
   core::QBConfig& c = core::QBConfig::shared();
   // In schedule mode the schedule alone decides; an authentication on screen
   // makes the app resign active and must not re-lock.
-  if (!c.usesManualVisibility() || (c.suppressAutoLock() && !evenIfSuppressed) || c.secretCount() <= 0 ||
-      !c.unlocked())
+  if (!c.usesManualVisibility() || (c.suppressAutoLock() && !evenIfSuppressed) ||
+      c.secretCount() <= 0 || !c.unlocked())
     return false;
   AutoLockState& s = sys::state<AutoLockState>();
   double now = sys::mediaTime();
@@ -98,15 +98,19 @@ void QBAutoLock::flashToast(const std::string& message) {
   rt::CGRect bounds = rt::send<rt::CGRect>(window, "bounds");
   double width = std::min(bounds.size.width - 40, 280.0), height = 44;
   rt::CGPoint centre{rt::midX(bounds), bounds.size.height * 0.78};
-  rt::send<void>(label, "setFrame:", rt::CGRect{{centre.x - width / 2, centre.y - height / 2}, {width, height}});
+  rt::send<void>(label, "setFrame:",
+                 rt::CGRect{{centre.x - width / 2, centre.y - height / 2}, {width, height}});
   rt::send<void>(label, "setAlpha:", 0.0);
   rt::send<void>(window, "addSubview:", label);
-  ui::animate(0.2, [label] { rt::send<void>(label, "setAlpha:", 1.0); }, [label] {
-    sys::after(1.0, [label] {
-      ui::animate(0.25, [label] { rt::send<void>(label, "setAlpha:", 0.0); },
-                  [label] { rt::send<void>(label, "removeFromSuperview"); });
-    });
-  });
+  ui::animate(
+      0.2, [label] { rt::send<void>(label, "setAlpha:", 1.0); },
+      [label] {
+        sys::after(1.0, [label] {
+          ui::animate(
+              0.25, [label] { rt::send<void>(label, "setAlpha:", 0.0); },
+              [label] { rt::send<void>(label, "removeFromSuperview"); });
+        });
+      });
 }
 
 }  // namespace triggers

@@ -29,7 +29,8 @@ struct EntryState {
   double lastTapAt = 0;
   host::Hook<void()> viewDidLoad;
   host::Hook<void(bool)> viewDidAppear;
-  std::optional<std::optional<std::regex>> versionPattern;  // compiled once; empty inner when it failed
+  std::optional<std::optional<std::regex>>
+      versionPattern;  // compiled once; empty inner when it failed
 };
 
 EntryState& state() { return sys::state<EntryState>(); }
@@ -59,19 +60,25 @@ void attachLater(Id page, double delay) {
 }
 
 void aboutViewDidLoad(Id self, SEL cmd) {
-  state().viewDidLoad.run(nullptr, [&](auto& original) {
-    original();
-    attachLater(self, kEntryLoadAttachDelay);
-  }, self, cmd);
+  state().viewDidLoad.run(
+      nullptr,
+      [&](auto& original) {
+        original();
+        attachLater(self, kEntryLoadAttachDelay);
+      },
+      self, cmd);
 }
 
 void aboutViewDidAppear(Id self, SEL cmd, bool animated) {
-  state().viewDidAppear.run(nullptr, [&](auto& original) {
-    original(animated);
-    // The host builds the page's labels late; the markers make repeats harmless.
-    QBEntryHooks::attachAboutEntryGestures(self);
-    attachLater(self, kEntryAppearAttachDelay);
-  }, self, cmd, animated);
+  state().viewDidAppear.run(
+      nullptr,
+      [&](auto& original) {
+        original(animated);
+        // The host builds the page's labels late; the markers make repeats harmless.
+        QBEntryHooks::attachAboutEntryGestures(self);
+        attachLater(self, kEntryAppearAttachDelay);
+      },
+      self, cmd, animated);
 }
 
 bool ended(Id recognizer) { return ui::gestureState(recognizer) == ui::GestureState::Ended; }
@@ -85,7 +92,8 @@ void onNavTap(Id page, Id recognizer, Id bar) {
 
 void onPageTap(Id page, Id recognizer) {
   if (!ended(recognizer)) return;
-  if (ui::locationInView(recognizer, rt::send<Id>(page, "view")).y <= kEntryPageTopBand) QBEntryHooks::onSecretTapFrom(page);
+  if (ui::locationInView(recognizer, rt::send<Id>(page, "view")).y <= kEntryPageTopBand)
+    QBEntryHooks::onSecretTapFrom(page);
 }
 
 void onVersionTap(Id page, Id recognizer) {
@@ -105,7 +113,8 @@ void QBEntryHooks::install() {
       return;
     }
     rt::Class owner = rt::getClass("UIViewController");
-    s.viewDidAppear.swizzle(owner, about, "viewDidAppear:", "qb_about_viewDidAppear:", aboutViewDidAppear);
+    s.viewDidAppear.swizzle(owner, about,
+                            "viewDidAppear:", "qb_about_viewDidAppear:", aboutViewDidAppear);
     s.viewDidLoad.swizzle(owner, about, "viewDidLoad", "qb_about_viewDidLoad", aboutViewDidLoad);
     sys::log("[QB] entry = 关于微信 连点版本号 x5");
   });
@@ -134,7 +143,8 @@ void QBEntryHooks::attachAboutEntryGestures(Id page) {
   }
 }
 
-void QBEntryHooks::walkAttachVersionLabels(Id page, Id view, const std::string& versionHint, long depth) {
+void QBEntryHooks::walkAttachVersionLabels(Id page, Id view, const std::string& versionHint,
+                                           long depth) {
   if (!view || depth > kEntryWalkDepth) return;
   if (rt::isKindOf(view, "UILabel")) {
     std::string text = rt::asString(rt::send<Id>(view, "text")).value_or("");
@@ -147,7 +157,8 @@ void QBEntryHooks::walkAttachVersionLabels(Id page, Id view, const std::string& 
       }
     }
   }
-  for (Id sub : rt::elements(rt::send<Id>(view, "subviews"))) walkAttachVersionLabels(page, sub, versionHint, depth + 1);
+  for (Id sub : rt::elements(rt::send<Id>(view, "subviews")))
+    walkAttachVersionLabels(page, sub, versionHint, depth + 1);
 }
 
 void QBEntryHooks::onSecretTapFrom(Id page) {

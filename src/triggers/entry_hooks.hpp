@@ -20,7 +20,8 @@ struct QBEntryHooks {
   // Attaches the three recognizers to the page, each once.
   static void attachAboutEntryGestures(rt::Id page);
   // qb_walkAttachVersionLabels:versionHint:depth:
-  static void walkAttachVersionLabels(rt::Id page, rt::Id view, const std::string& versionHint, long depth);
+  static void walkAttachVersionLabels(rt::Id page, rt::Id view, const std::string& versionHint,
+                                      long depth);
   // The series so far (process-wide).
   static long tapCount();
 };

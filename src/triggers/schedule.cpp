@@ -33,7 +33,9 @@ bool QBSchedule::shouldBeVisibleNow() {
 void QBSchedule::applyNow() {
   QBConfig& c = QBConfig::shared();
   // An authentication or panel screen being up freezes the schedule until the next tick.
-  if (!c.usesScheduleVisibility() || c.secretCount() <= 0 || c.suppressAutoLock() || c.suppressSessionApply()) return;
+  if (!c.usesScheduleVisibility() || c.secretCount() <= 0 || c.suppressAutoLock() ||
+      c.suppressSessionApply())
+    return;
   bool visible = shouldBeVisibleNow();
   if (visible == c.unlocked()) return;
   sys::log("[QB] schedule apply → %@", visible ? "show" : "hide");

@@ -45,10 +45,13 @@ bool isLongPressScreen(rt::Id controller) {
 
 // Asks the host first, then attaches the recogniser a moment later.
 void qbUnlockViewDidAppear(rt::Id self, rt::SEL cmd, bool animated) {
-  state().viewDidAppear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
-    original(animated);
-    if (isLongPressScreen(self)) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
-  }, self, cmd, animated);
+  state().viewDidAppear.run(
+      nullptr,
+      [&](host::Hook<void(bool)>::Original& original) {
+        original(animated);
+        if (isLongPressScreen(self)) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
+      },
+      self, cmd, animated);
 }
 
 }  // namespace
@@ -113,8 +116,10 @@ void QBUnlock::onLongPress(rt::Id recognizer) {
   if (!c.usesManualVisibility() || !c.longPressUnlockEnabled() || c.secretCount() <= 0) return;
   if (c.suppressSessionApply() && !c.suppressAutoLock()) return;
   if (state().revealInProgress) return;
-  if (c.unlocked()) hideNow();
-  else showWithAuthFrom("longPress");
+  if (c.unlocked())
+    hideNow();
+  else
+    showWithAuthFrom("longPress");
 }
 
 void QBUnlock::attachLongPressToVC(rt::Id controller) {
@@ -135,7 +140,8 @@ void QBUnlock::installLongPressWake() {
     rt::Class base = rt::getClass("UIViewController");
     for (const char* screen : kLongPressScreens)
       if (rt::Class cls = rt::getClass(screen))
-        s.viewDidAppear.swizzle(base, cls, "viewDidAppear:", "qb_unlock_viewDidAppear:", qbUnlockViewDidAppear);
+        s.viewDidAppear.swizzle(
+            base, cls, "viewDidAppear:", "qb_unlock_viewDidAppear:", qbUnlockViewDidAppear);
     // The first main list appeared before this install: it gets the press now.
     for (rt::Id vc : host::QBRuntime::collectViewControllers())
       if (isLongPressScreen(vc)) attachLongPressToVC(vc);

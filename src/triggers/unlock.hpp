@@ -22,6 +22,7 @@ struct QBUnlock {
 inline constexpr double kRevealDebounce_s = 0.8;
 inline constexpr double kRevealSettle_s = 2.0;
 inline constexpr double kLongPressDuration_s = 0.7;
-inline constexpr const char* kLongPressScreens[] = {"NewMainFrameViewController", "BaseMsgContentViewController"};
+inline constexpr const char* kLongPressScreens[] = {"NewMainFrameViewController",
+                                                    "BaseMsgContentViewController"};
 
 }  // namespace triggers

@@ -23,7 +23,8 @@ struct TextFieldSpec {
 rt::Id makeAlert(const std::string& title, const std::string& message);
 void addTextField(rt::Id alert, const TextFieldSpec& spec);
 // The handler runs once the alert has been dismissed, as UIKit does.
-void addAction(rt::Id alert, const std::string& title, ActionStyle style, std::function<void()> handler);
+void addAction(rt::Id alert, const std::string& title, ActionStyle style,
+               std::function<void()> handler);
 // The text of the alert's text field at `index` ("" when it has none or is nil).
 std::string textFieldText(rt::Id alert, long index);
 

@@ -11,7 +11,14 @@
 
 namespace ui {
 
-enum class GestureState : long { Possible = 0, Began = 1, Changed = 2, Ended = 3, Cancelled = 4, Failed = 5 };
+enum class GestureState : long {
+  Possible = 0,
+  Began = 1,
+  Changed = 2,
+  Ended = 3,
+  Cancelled = 4,
+  Failed = 5
+};
 
 // Adds a long-press recognizer to `view`; `action` receives the recognizer
 // on each state change. Returns the recognizer.
@@ -20,7 +27,8 @@ rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouche
 GestureState gestureState(rt::Id recognizer);
 // Adds a tap recognizer to `view`; `action` receives it once the tap has
 // been recognised (state Ended). Returns the recognizer.
-rt::Id addTap(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action);
+rt::Id addTap(rt::Id view, bool cancelsTouchesInView,
+              std::function<void(rt::Id recognizer)> action);
 // locationInView: the touch's position in `view`'s coordinates.
 rt::CGPoint locationInView(rt::Id recognizer, rt::Id view);
 

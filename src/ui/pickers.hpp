@@ -25,7 +25,7 @@ rt::Id makeTimePicker(long hour, long minute, const std::string& locale);
 void pickerTime(rt::Id picker, long& hour, long& minute);
 
 struct PickerLayout {
-  double top = 56;             // below the top of the alert's view
+  double top = 56;  // below the top of the alert's view
   double height = 160;
   double minAlertHeight = 320;  // the alert's view at least this high
 };
@@ -39,6 +39,7 @@ struct SearchSpec {
 };
 // Installs a search controller on the controller's navigation item; `update`
 // receives the search text on every change. Returns the search controller.
-rt::Id installSearch(rt::Id controller, const SearchSpec& spec, std::function<void(const std::string& text)> update);
+rt::Id installSearch(rt::Id controller, const SearchSpec& spec,
+                     std::function<void(const std::string& text)> update);
 
 }  // namespace ui

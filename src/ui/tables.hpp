@@ -86,6 +86,7 @@ struct HeaderLine {
   Font font;
   Color color;
 };
-rt::Id setStackedHeader(rt::Id table, double width, double margin, const std::vector<HeaderLine>& lines);
+rt::Id setStackedHeader(rt::Id table, double width, double margin,
+                        const std::vector<HeaderLine>& lines);
 
 }  // namespace ui

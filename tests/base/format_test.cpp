@@ -42,7 +42,8 @@ TEST(Format, MissingSurplusAndUnknown) {
   EXPECT_EQ(format("%d", std::string("text")), "0");
   EXPECT_EQ(format(""), "");
   EXPECT_EQ(format("%99999999999d|%d", 7), "%99999999999d|7") << "a width printf cannot take";
-  EXPECT_EQ(format("%d|%u", 1e300, -1.0), std::to_string(INT64_MAX) + "|" + std::to_string(UINT64_MAX));
+  EXPECT_EQ(format("%d|%u", 1e300, -1.0),
+            std::to_string(INT64_MAX) + "|" + std::to_string(UINT64_MAX));
 }
 
 }  // namespace

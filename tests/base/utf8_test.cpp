@@ -18,7 +18,9 @@ TEST(Utf8, DecodesAndRejectsMalformedSequences) {
   EXPECT_EQ(decodeAll("\xED\xA0\x80"), (std::u32string{0xFFFD, 0xFFFD, 0xFFFD})) << "surrogate";
   EXPECT_EQ(decodeAll("\xF4\x90\x80\x80"), (std::u32string(4, 0xFFFD))) << "above U+10FFFF";
   EXPECT_EQ(decodeAll("\xE5\xAF"), (std::u32string{0xFFFD, 0xFFFD})) << "truncated";
-  EXPECT_EQ(decodeAll("\xFF" "a"), (std::u32string{0xFFFD, U'a'}));
+  EXPECT_EQ(decodeAll("\xFF"
+                      "a"),
+            (std::u32string{0xFFFD, U'a'}));
   EXPECT_EQ(decodeAll("\xF8\x88\x80\x80"), (std::u32string(4, 0xFFFD))) << "F5-FF start nothing";
   EXPECT_EQ(decodeAll("\xF5\x80\x80\x80"), (std::u32string(4, 0xFFFD)));
   EXPECT_EQ(decodeAll("\x80\xBF"), (std::u32string(2, 0xFFFD))) << "stray continuation bytes";
@@ -34,7 +36,8 @@ TEST(Utf8, DecodesAndRejectsMalformedSequences) {
 TEST(Utf8, CaseMappingOfTheCoveredScripts) {
   EXPECT_EQ(base::lowercase("VERSION Version"), "version version");
   EXPECT_EQ(base::lowercase("ÀÉÎÕÜ Ÿ"), "àéîõü ÿ");
-  EXPECT_EQ(base::uppercase("àéîõü ÿ ß µ"), "ÀÉÎÕÜ Ÿ ß µ") << "ß and µ have no one-letter capital here";
+  EXPECT_EQ(base::uppercase("àéîõü ÿ ß µ"), "ÀÉÎÕÜ Ÿ ß µ")
+      << "ß and µ have no one-letter capital here";
   EXPECT_EQ(base::lowercase("ĀĂĄ ĹĻ Ž"), "āăą ĺļ ž");
   EXPECT_EQ(base::uppercase("ı ſ ĸ ŉ"), "I S ĸ ŉ");
   EXPECT_EQ(base::lowercase("İ"), "i");
@@ -55,7 +58,8 @@ TEST(Utf8, CaseMappingIsOneToOneApartFromTheOneWayLetters) {
     if (upper != cp && cp != 0x131 && cp != 0x17F && cp != 0x3C2) {
       EXPECT_EQ(base::toLower(upper), cp) << std::hex << unsigned(cp);
     }
-    EXPECT_FALSE(lower != cp && upper != cp) << "a letter is not both cases " << std::hex << unsigned(cp);
+    EXPECT_FALSE(lower != cp && upper != cp)
+        << "a letter is not both cases " << std::hex << unsigned(cp);
   }
 }
 

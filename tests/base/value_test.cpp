@@ -25,7 +25,8 @@ TEST(ValueNumbers, IntegerValueOfStrings) {
 }
 
 TEST(ValueNumbers, BoolValueOfStrings) {
-  for (const char* yes : {"YES", "yes", "Y", "true", "T", "t", "1", "007", "  -3", "+9", "9abc", " y"})
+  for (const char* yes :
+       {"YES", "yes", "Y", "true", "T", "t", "1", "007", "  -3", "+9", "9abc", " y"})
     EXPECT_TRUE(base::boolValueOfString(yes)) << yes;
   for (const char* no : {"NO", "no", "false", "0", "000", "", "   ", "0.5", "x1", "-", "-y", "N"})
     EXPECT_FALSE(base::boolValueOfString(no)) << no;
@@ -69,13 +70,15 @@ TEST(ValueDictionary, SetKeepsOrderAndReplacesInPlace) {
 }
 
 TEST(ValueDescribe, ReadableForms) {
-  Value v(base::Dictionary{{"s", Value("a\"b")}, {"a", Value(base::Array{Value(1), Value(true), Value()})}});
+  Value v(base::Dictionary{{"s", Value("a\"b")},
+                           {"a", Value(base::Array{Value(1), Value(true), Value()})}});
   EXPECT_EQ(base::describe(v), "{s = \"a\\\"b\"; a = [1, true, null]}");
   EXPECT_EQ(base::describe(Value(0.25)), "0.25");
   EXPECT_EQ(base::describe(Value(base::Data{1, 2})), "<2 bytes>");
   EXPECT_EQ(base::describe(Value(base::Date{817128000.5})), "date(817128000.5)");
-  EXPECT_EQ(base::describe(Value(base::Array{Value(base::Dictionary{}), Value(false), Value("\\")})),
-            "[{}, false, \"\\\\\"]");
+  EXPECT_EQ(
+      base::describe(Value(base::Array{Value(base::Dictionary{}), Value(false), Value("\\")})),
+      "[{}, false, \"\\\\\"]");
 }
 
 }  // namespace

@@ -62,14 +62,16 @@ TEST_F(ConfigFile, NoFileGivesEveryDefaultAndWritesNothing) {
   auto c = loaded();
   expectDefaults(*c);
   EXPECT_FALSE(std::filesystem::exists(path())) << "load never saves";
-  EXPECT_TRUE(std::filesystem::is_directory(device.documentsPath() + "/Quenby")) << "configURL makes the folder";
+  EXPECT_TRUE(std::filesystem::is_directory(device.documentsPath() + "/Quenby"))
+      << "configURL makes the folder";
 }
 
 TEST_F(ConfigFile, DamagedFilesFallBackToDefaultsWithoutTouchingThem) {
-  const std::string binary = sim::encodePlist(base::Value(base::Dictionary{{"password", base::Value("1111")}}),
-                                              sys::PlistFormat::Binary);
+  const std::string binary = sim::encodePlist(
+      base::Value(base::Dictionary{{"password", base::Value("1111")}}), sys::PlistFormat::Binary);
   std::string brokenOffsets = binary;
-  for (std::size_t i = brokenOffsets.size() - 26; i < brokenOffsets.size(); ++i) brokenOffsets[i] = '\xff';
+  for (std::size_t i = brokenOffsets.size() - 26; i < brokenOffsets.size(); ++i)
+    brokenOffsets[i] = '\xff';
   const std::string cases[] = {
       "",
       "garbage that is not a property list",
@@ -124,7 +126,8 @@ TEST_F(ConfigFile, LegacyKeysMigrate) {
   EXPECT_FALSE(c->shakeShowEnabled());
   c->save();
   base::Value d = onDisk();
-  for (const char* k : {"shakeToggle", "shakeHide", "shakeShow"}) EXPECT_EQ(*d.find(k), base::Value(false)) << k;
+  for (const char* k : {"shakeToggle", "shakeHide", "shakeShow"})
+    EXPECT_EQ(*d.find(k), base::Value(false)) << k;
 
   writeFile({{"shakeToggle", base::Value(false)}, {"shakeShow", base::Value(true)}});
   c = loaded();
@@ -156,7 +159,8 @@ TEST_F(ConfigFile, LegacyShowAndHideMinutesBecomeOneWindow) {
   writeFile({{"dailyShowMinute", base::Value(-50)}, {"dailyHideMinute", base::Value(99999)}});
   EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{0, 1439, 0}}));
   // Windows present but unusable are as good as none: the legacy keys decide.
-  for (base::Value unusable : {base::Value("08:00-22:00"), base::Value(base::Array{}), base::Value(base::Array{base::Value(3)})}) {
+  for (base::Value unusable : {base::Value("08:00-22:00"), base::Value(base::Array{}),
+                               base::Value(base::Array{base::Value(3)})}) {
     writeFile({{"dailyWindows", unusable}, {"dailyShowMinute", base::Value(600)}});
     EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{600, 1320, 0}})) << base::describe(unusable);
   }
@@ -173,17 +177,22 @@ base::Value window(base::Value start, base::Value end, base::Value mode = base::
 }
 
 TEST_F(ConfigFile, StoredWindowsAreSanitisedAndRepaired) {
-  writeFile({{"dailyWindows", base::Value(base::Array{window(0, 60), window(60, 120, 1), window(120, 180),
-                                                      window(180, 240)})}});
-  EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{0, 60, 0}, {60, 120, 1}, {120, 180, 0}})) << "first three";
+  writeFile({{"dailyWindows", base::Value(base::Array{window(0, 60), window(60, 120, 1),
+                                                      window(120, 180), window(180, 240)})}});
+  EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{0, 60, 0}, {60, 120, 1}, {120, 180, 0}}))
+      << "first three";
 
-  writeFile({{"dailyWindows", base::Value(base::Array{window(480, 780), window(600, 900, 1), window(900, 960, 1)})}});
-  EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{480, 780, 0}, {900, 960, 1}})) << "greedy: the overlapping one goes";
+  writeFile({{"dailyWindows", base::Value(base::Array{window(480, 780), window(600, 900, 1),
+                                                      window(900, 960, 1)})}});
+  EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{480, 780, 0}, {900, 960, 1}}))
+      << "greedy: the overlapping one goes";
 
-  writeFile({{"dailyWindows", base::Value(base::Array{base::Value("x"), window(base::Value("90"), 100, 7),
-                                                      window(5, base::Value(base::Array{})), window(10, 10)})}});
+  writeFile({{"dailyWindows",
+              base::Value(base::Array{base::Value("x"), window(base::Value("90"), 100, 7),
+                                      window(5, base::Value(base::Array{})), window(10, 10)})}});
   EXPECT_EQ(loaded()->dailyWindows(), (DailyWindows{{90, 100, 0}}))
-      << "non-dictionaries and unreadable ends skipped; mode 7 reads as show; the empty window repaired away";
+      << "non-dictionaries and unreadable ends skipped; mode 7 reads as show; the empty window "
+         "repaired away";
 
   writeFile({{"dailyWindows", base::Value(base::Array{window(10, 10)})}});
   EXPECT_EQ(loaded()->dailyWindows(), QBConfig::defaultDailyWindows()) << "nothing usable left";
@@ -194,9 +203,11 @@ TEST_F(ConfigFile, StoredWindowsAreSanitisedAndRepaired) {
 // A list written in another order reads in start order, and window indices
 // count in that order.
 TEST_F(ConfigFile, AStoredUnsortedListIsUsedInStartOrder) {
-  writeFile({{"dailyWindows", base::Value(base::Array{window(1200, 1260, 1), window(60, 120), window(600, 700)})}});
+  writeFile({{"dailyWindows",
+              base::Value(base::Array{window(1200, 1260, 1), window(60, 120), window(600, 700)})}});
   auto c = loaded();
-  EXPECT_EQ(c->normalizedDailyWindows(), (DailyWindows{{60, 120, 0}, {600, 700, 0}, {1200, 1260, 1}}));
+  EXPECT_EQ(c->normalizedDailyWindows(),
+            (DailyWindows{{60, 120, 0}, {600, 700, 0}, {1200, 1260, 1}}));
   ASSERT_TRUE(c->removeDailyWindowAtIndex(0, nullptr));
   EXPECT_EQ(c->normalizedDailyWindows(), (DailyWindows{{600, 700, 0}, {1200, 1260, 1}}));
 }
@@ -204,8 +215,9 @@ TEST_F(ConfigFile, AStoredUnsortedListIsUsedInStartOrder) {
 TEST_F(ConfigFile, SecretsKeepOnlyNonEmptyStrings) {
   base::Array big;
   for (int i = 0; i < 20000; ++i) big.push_back(base::Value("user" + std::to_string(i % 15000)));
-  writeFile({{"secrets", base::Value(base::Array{base::Value("alice"), base::Value(""), base::Value(42),
-                                                 base::Value("bob"), base::Value("alice")})}});
+  writeFile(
+      {{"secrets", base::Value(base::Array{base::Value("alice"), base::Value(""), base::Value(42),
+                                           base::Value("bob"), base::Value("alice")})}});
   auto c = loaded();
   EXPECT_EQ(c->secretSnapshot(), (std::unordered_set<std::string>{"alice", "bob"}));
   writeFile({{"secrets", base::Value(std::move(big))}}, sys::PlistFormat::Binary);
@@ -215,14 +227,16 @@ TEST_F(ConfigFile, SecretsKeepOnlyNonEmptyStrings) {
 }
 
 TEST_F(ConfigFile, EveryLoadStartsHidden) {
-  writeFile({{"unlocked", base::Value(true)}, {"secrets", base::Value(base::Array{base::Value("alice")})}});
+  writeFile({{"unlocked", base::Value(true)},
+             {"secrets", base::Value(base::Array{base::Value("alice")})}});
   auto c = loaded();
   EXPECT_FALSE(c->unlocked());
   EXPECT_TRUE(c->shouldHideSecrets());
 }
 
 TEST_F(ConfigFile, SaveWritesExactlyTheSeventeenKeysInOrder) {
-  writeFile({{"dailyShowMinute", base::Value(600)}, {"backgroundNotify", base::Value(true)},
+  writeFile({{"dailyShowMinute", base::Value(600)},
+             {"backgroundNotify", base::Value(true)},
              {"unknownKey", base::Value(1)}});
   auto c = loaded();
   c->addSecretUser("wxid_a");
@@ -230,11 +244,11 @@ TEST_F(ConfigFile, SaveWritesExactlyTheSeventeenKeysInOrder) {
   ASSERT_TRUE(d.isDictionary());
   std::vector<std::string> keys;
   for (const auto& [k, v] : *d.asDictionary()) keys.push_back(k);
-  EXPECT_EQ(keys, (std::vector<std::string>{"password", "secrets", "shakeToggle", "shakeHide", "shakeShow",
-                                            "showNeedsAuth", "longPressUnlock", "passwordFallback", "panelAuthMode",
-                                            "revealAuthMode", "authMode", "secretNotifyMode", "backgroundNotify",
-                                            "voipVoiceNotify", "voipVideoNotify", "visibilityControl",
-                                            "dailyWindows"}));
+  EXPECT_EQ(keys, (std::vector<std::string>{
+                      "password", "secrets", "shakeToggle", "shakeHide", "shakeShow",
+                      "showNeedsAuth", "longPressUnlock", "passwordFallback", "panelAuthMode",
+                      "revealAuthMode", "authMode", "secretNotifyMode", "backgroundNotify",
+                      "voipVoiceNotify", "voipVideoNotify", "visibilityControl", "dailyWindows"}));
   EXPECT_EQ(*d.find("backgroundNotify"), base::Value(false));
   EXPECT_EQ(*d.find("dailyWindows"), core::windowsValue({{600, 1320, 0}}));
   EXPECT_EQ(*d.find("secrets"), base::Value(base::Array{base::Value("wxid_a")}));

@@ -12,8 +12,12 @@ using core::DailyWindow;
 using core::DailyWindows;
 using core::QBConfig;
 
-base::Value w(long start, long end, long mode = 0) { return DailyWindow{start, end, mode}.toValue(); }
-base::Value list(std::initializer_list<base::Value> items) { return base::Value(base::Array(items)); }
+base::Value w(long start, long end, long mode = 0) {
+  return DailyWindow{start, end, mode}.toValue();
+}
+base::Value list(std::initializer_list<base::Value> items) {
+  return base::Value(base::Array(items));
+}
 
 std::string message(const base::Value& v) {
   std::string m = "(valid)";
@@ -31,7 +35,8 @@ TEST(DailyWindowRules, MembershipIsHalfOpenAndCrossesMidnight) {
   EXPECT_FALSE(QBConfig::isMinuteInWindow(21 * 60 + 59, 1320, 360));
   EXPECT_FALSE(QBConfig::isMinuteInWindow(100, 100, 100)) << "an empty window holds no minute";
   EXPECT_TRUE(QBConfig::isMinuteInWindow(-30, 0, 10)) << "arguments are clamped";
-  EXPECT_FALSE(QBConfig::isMinuteInWindow(5000, 1400, 1500)) << "both clamp to 1439, the excluded end";
+  EXPECT_FALSE(QBConfig::isMinuteInWindow(5000, 1400, 1500))
+      << "both clamp to 1439, the excluded end";
 }
 
 TEST(DailyWindowRules, OverlapIsSomeSharedMinute) {
@@ -46,7 +51,8 @@ TEST(DailyWindowRules, OverlapIsSomeSharedMinute) {
 TEST(DailyWindowRules, OverlapAgreesWithTheMinuteByMinuteRule) {
   auto everyMinute = [](long s1, long e1, long s2, long e2) {
     for (long m = 0; m < 1440; ++m)
-      if (QBConfig::isMinuteInWindow(m, s1, e1) && QBConfig::isMinuteInWindow(m, s2, e2)) return true;
+      if (QBConfig::isMinuteInWindow(m, s1, e1) && QBConfig::isMinuteInWindow(m, s2, e2))
+        return true;
     return false;
   };
   const long edges[] = {-7, 0, 1, 359, 360, 361, 1319, 1320, 1438, 1439, 1440, 9000};
@@ -90,28 +96,35 @@ TEST(DailyWindowRules, TextForms) {
 TEST(DailyWindowRules, ValidationMessagesInRuleOrder) {
   EXPECT_EQ(message(list({})), "至少保留一个时段");
   EXPECT_EQ(message(base::Value("nope")), "至少保留一个时段");
-  EXPECT_EQ(message(list({base::Value(1), w(0, 1), w(2, 3), w(4, 5)})), "最多添加 3 个时段") << "count before format";
+  EXPECT_EQ(message(list({base::Value(1), w(0, 1), w(2, 3), w(4, 5)})), "最多添加 3 个时段")
+      << "count before format";
   EXPECT_EQ(message(list({w(0, 60), base::Value("x")})), "时段格式无效");
   EXPECT_EQ(message(list({w(0, 0)})), "开始与结束不能相同");
   EXPECT_EQ(message(list({w(-5, 0)})), "开始与结束不能相同") << "-5 clamps to 0";
   EXPECT_EQ(message(list({w(0, 10, 2)})), "请选择显示或隐藏");
   EXPECT_EQ(message(list({w(0, 10, -1)})), "请选择显示或隐藏");
-  EXPECT_EQ(message(list({w(10, 10, 5)})), "开始与结束不能相同") << "ends are checked before the mode";
+  EXPECT_EQ(message(list({w(10, 10, 5)})), "开始与结束不能相同")
+      << "ends are checked before the mode";
   EXPECT_EQ(message(list({w(480, 781), w(780, 900, 1)})),
-            "时段不能重叠。若要午间隐藏，请拆成多段，例如：08:00–13:00 显示、13:00–15:00 隐藏、15:00–22:00 "
+            "时段不能重叠。若要午间隐藏，请拆成多段，例如：08:00–13:00 显示、13:00–15:00 "
+            "隐藏、15:00–22:00 "
             "显示（相邻端点可以相同）。");
   EXPECT_EQ(message(list({w(480, 780), w(780, 900, 1), w(900, 1320)})), "(valid)");
-  EXPECT_EQ(message(list({base::Value(base::Dictionary{})})), "开始与结束不能相同") << "missing keys read as 0";
+  EXPECT_EQ(message(list({base::Value(base::Dictionary{})})), "开始与结束不能相同")
+      << "missing keys read as 0";
   EXPECT_TRUE(QBConfig::validateDailyWindows(list({w(1320, 360, 1)}), nullptr));
 }
 
 TEST(DailyWindowRules, SanitisingKeepsTheFirstThreeUsable) {
   EXPECT_EQ(QBConfig::sanitizeWindowsArray(base::Value(1)), std::nullopt);
   EXPECT_EQ(QBConfig::sanitizeWindowsArray(list({})), std::nullopt);
-  EXPECT_EQ(QBConfig::sanitizeWindowsArray(list({base::Value(base::Dictionary{{"start", base::Value(1)}})})),
+  EXPECT_EQ(QBConfig::sanitizeWindowsArray(
+                list({base::Value(base::Dictionary{{"start", base::Value(1)}})})),
             std::nullopt);
-  EXPECT_EQ(QBConfig::sanitizeWindowsArray(list({w(5, 5), w(1, 2, 3), w(1, 2, 1), w(9, 8), w(0, 1)})),
-            (DailyWindows{{5, 5, 0}, {1, 2, 0}, {1, 2, 1}})) << "no overlap or empty check here";
+  EXPECT_EQ(
+      QBConfig::sanitizeWindowsArray(list({w(5, 5), w(1, 2, 3), w(1, 2, 1), w(9, 8), w(0, 1)})),
+      (DailyWindows{{5, 5, 0}, {1, 2, 0}, {1, 2, 1}}))
+      << "no overlap or empty check here";
 }
 
 class DailyWindowEditing : public qbtest::SimWorld {

@@ -71,7 +71,8 @@ TEST_F(SecretState, PasswordRules) {
   EXPECT_TRUE(c.unlocked());
   c.setUnlocked(false);
   c.setPassword("");
-  EXPECT_TRUE(c.tryUnlockSilentWithPassword("7351")) << "an empty stored password means the default";
+  EXPECT_TRUE(c.tryUnlockSilentWithPassword("7351"))
+      << "an empty stored password means the default";
   EXPECT_FALSE(c.tryUnlockSilentWithPassword(""));
   c.setUnlocked(false);
   c.setPassword("密码abc");
@@ -93,12 +94,14 @@ TEST_F(SecretState, NotificationsArriveOnePerCallAfterTheHopAndDelay) {
   process.advance(0.349);
   EXPECT_TRUE(postedAt.empty());
   process.advance(0.001);
-  EXPECT_EQ(postedAt, (std::vector<double>{10.35, 10.35, 10.35})) << "unlock, lock, sync; never coalesced";
+  EXPECT_EQ(postedAt, (std::vector<double>{10.35, 10.35, 10.35}))
+      << "unlock, lock, sync; never coalesced";
   EXPECT_FALSE(c.unlocked());
 }
 
 TEST_F(SecretState, AnObserverThatRaisesIsLogged) {
-  sys::addObserver(core::kSecretStateChanged, [](const sys::Notification&) { rt::raise("NSGenericException", "boom"); });
+  sys::addObserver(core::kSecretStateChanged,
+                   [](const sys::Notification&) { rt::raise("NSGenericException", "boom"); });
   c.requestVisibilitySync();
   process.advance(1);
   EXPECT_FALSE(process.crashed());

@@ -61,8 +61,10 @@ TEST_F(Startup, WithoutTheShakeClassStepCSkipsTheShakeAndGoesOn) {
   process.advance(2);
   EXPECT_FALSE(rt::respondsTo(rt::toId(rt::getClass("QBShakeHooks")), rt::sel("install")));
   EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 1);
-  EXPECT_EQ(logged(device, "[QB] long-press wake OK"), 1) << "what comes before the shake is installed";
-  for (const auto& line : device.log()) EXPECT_EQ(line.text.find("FATAL"), std::string::npos) << line.text;
+  EXPECT_EQ(logged(device, "[QB] long-press wake OK"), 1)
+      << "what comes before the shake is installed";
+  for (const auto& line : device.log())
+    EXPECT_EQ(line.text.find("FATAL"), std::string::npos) << line.text;
 }
 
 TEST(StartupProcesses, EachProcessStartsFromScratch) {

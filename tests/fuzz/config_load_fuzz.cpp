@@ -22,7 +22,8 @@ void check(bool ok, const char* what) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::optional<base::Value> root = sim::decodePlist(std::string_view(reinterpret_cast<const char*>(data), size));
+  std::optional<base::Value> root =
+      sim::decodePlist(std::string_view(reinterpret_cast<const char*>(data), size));
   core::QBConfig c;
   c.applySettings(root ? *root : base::Value());
   check(static_cast<unsigned long>(c.panelAuthMode()) <= 1, "panelAuthMode");
@@ -31,7 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check(static_cast<unsigned long>(c.visibilityControlMode()) <= 1, "visibilityControl");
   check(c.backgroundNotifyEnabled() == (c.secretNotifyMode() != 0), "backgroundNotify");
   check(!c.unlocked(), "unlocked");
-  check(core::QBConfig::validateDailyWindows(core::windowsValue(c.dailyWindows()), nullptr), "dailyWindows");
+  check(core::QBConfig::validateDailyWindows(core::windowsValue(c.dailyWindows()), nullptr),
+        "dailyWindows");
   for (const std::string& s : c.secretSnapshot()) check(!s.empty(), "secrets");
   base::Value saved = c.settingsDictionary();
   check(saved.asDictionary() && saved.asDictionary()->size() == 17, "17 keys");

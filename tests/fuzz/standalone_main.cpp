@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 void run(const std::string& input) {
-  if (const char* dump = std::getenv("FUZZ_LAST_INPUT")) std::ofstream(dump, std::ios::binary) << input;
+  if (const char* dump = std::getenv("FUZZ_LAST_INPUT"))
+    std::ofstream(dump, std::ios::binary) << input;
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
 }
 
@@ -65,13 +66,17 @@ int main(int argc, char** argv) {
   std::vector<std::string> corpus;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    if (a.rfind("-runs=", 0) == 0) runs = std::atol(a.c_str() + 6);
-    else if (a.rfind("-seed=", 0) == 0) seed = std::strtoull(a.c_str() + 6, nullptr, 10);
-    else if (a[0] == '-') continue;  // other libFuzzer flags mean nothing here
+    if (a.rfind("-runs=", 0) == 0)
+      runs = std::atol(a.c_str() + 6);
+    else if (a.rfind("-seed=", 0) == 0)
+      seed = std::strtoull(a.c_str() + 6, nullptr, 10);
+    else if (a[0] == '-')
+      continue;  // other libFuzzer flags mean nothing here
     else {
       std::vector<std::filesystem::path> files;
       if (std::filesystem::is_directory(a)) {
-        for (const auto& entry : std::filesystem::directory_iterator(a)) files.push_back(entry.path());
+        for (const auto& entry : std::filesystem::directory_iterator(a))
+          files.push_back(entry.path());
       } else {
         files.push_back(a);
       }
@@ -89,7 +94,7 @@ int main(int argc, char** argv) {
     std::string base = corpus.empty() ? std::string() : corpus[rng() % corpus.size()];
     run(mutate(base, rng, corpus));
   }
-  std::printf("fuzz: %zu corpus inputs and %ld mutations ran clean (seed %llu)\n", corpus.size(), runs,
-              static_cast<unsigned long long>(seed));
+  std::printf("fuzz: %zu corpus inputs and %ld mutations ran clean (seed %llu)\n", corpus.size(),
+              runs, static_cast<unsigned long long>(seed));
   return 0;
 }

@@ -23,7 +23,8 @@ using hiding::QBExtraHooks;
 using rt::Id;
 using rt::SEL;
 
-const char* const kFill = "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:";
+const char* const kFill =
+    "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:";
 
 // What the stand-in host answers, and what it was asked.
 struct Answers {
@@ -62,8 +63,9 @@ class ExtraHooks : public qbtest::HostWorld {
   void SetUp() override {
     g = &answers;
     for (const char* cls :
-         {"SessionSelectController", "SessionSelectView", "RecentForwardScrollView", "ContactsDataLogic",
-          "ContactTagSearchFromContactLogic", "FTSContactDataProvider", "WCFacade"})
+         {"SessionSelectController", "SessionSelectView", "RecentForwardScrollView",
+          "ContactsDataLogic", "ContactTagSearchFromContactLogic", "FTSContactDataProvider",
+          "WCFacade"})
       host.build.lackingClasses.insert(cls);
     start();
   }
@@ -80,11 +82,13 @@ class ExtraHooks : public qbtest::HostWorld {
       add(b);
       b.build();
     };
-    define("SessionSelectController", [](sim::ClassBuilder& b) { b.method("onShouldFilterContact:", shouldFilter); });
+    define("SessionSelectController",
+           [](sim::ClassBuilder& b) { b.method("onShouldFilterContact:", shouldFilter); });
     define("SessionSelectView", [](sim::ClassBuilder& b) {
       b.method("onFilterContactCandidate:", candidate).method("recentForwardContacts", array);
     });
-    define("RecentForwardScrollView", [](sim::ClassBuilder& b) { b.method("contactsForRecentForwardMenu", array); });
+    define("RecentForwardScrollView",
+           [](sim::ClassBuilder& b) { b.method("contactsForRecentForwardMenu", array); });
     define("ContactsDataLogic", [](sim::ClassBuilder& b) {
       b.method("getContactsArrayWith:", arrayWith)
           .method("getAllNormalContact", array)
@@ -95,7 +99,8 @@ class ExtraHooks : public qbtest::HostWorld {
       b.ivar("m_dicSearchResult", "@").ivar("_dicSearchResult", "@").ivar("m_dicSection", "@");
       b.method("fillSectionResultForDicSearchResult", fillSearch);
     });
-    define("FTSContactDataProvider", [](sim::ClassBuilder& b) { b.method("getDicContacts", dict); });
+    define("FTSContactDataProvider",
+           [](sim::ClassBuilder& b) { b.method("getDicContacts", dict); });
     define("WCFacade", [](sim::ClassBuilder& b) {
       b.method("countOfTimelineDataItem", itemCount).method("getTimelineDataItemOfIndex:", itemAt);
     });
@@ -111,13 +116,15 @@ class ExtraHooks : public qbtest::HostWorld {
   static Id s(const char* text) { return rt::str(text); }
   static std::vector<std::string> texts(Id list) {
     std::vector<std::string> out;
-    for (Id e : rt::elements(list)) out.push_back(rt::isString(e) ? *rt::asString(e) : rt::description(e));
+    for (Id e : rt::elements(list))
+      out.push_back(rt::isString(e) ? *rt::asString(e) : rt::description(e));
     return out;
   }
   // A timeline item: a contact record carrying the author's username.
   Id item(const std::string& author) {
     Id c = rt::send<Id>(rt::getClass("CContact"), "new");
-    rt::setIvarObject(c, rt::getInstanceVariable(rt::getClass("CContact"), "m_nsUsrName"), rt::str(author));
+    rt::setIvarObject(c, rt::getInstanceVariable(rt::getClass("CContact"), "m_nsUsrName"),
+                      rt::str(author));
     return c;
   }
 };
@@ -141,7 +148,8 @@ TEST_F(ExtraHooks, WhileNotHidingEveryReplacementAnswersWithTheHostsOwnObject) {
     EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 0L), answers.items[0]);
     EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 1L), answers.items[1]);
     Id results = rt::mutableDictionary();
-    rt::send<void>(make("ContactsDataLogic"), kFill, 0u, rt::mutableArray(), rt::mutableDictionary(), results);
+    rt::send<void>(make("ContactsDataLogic"), kFill, 0u, rt::mutableArray(),
+                   rt::mutableDictionary(), results);
     EXPECT_EQ(texts(rt::objectForKey(results, "K")), (std::vector<std::string>{"S", "a"}));
     answers.shouldFilter = false, answers.candidate = true;
     EXPECT_FALSE(rt::send<bool>(make("SessionSelectController"), "onShouldFilterContact:", s("S")));
@@ -163,13 +171,15 @@ TEST_F(ExtraHooks, ArrayResultsLoseTheirSecretsInOrderAndPassTheirArgumentOn) {
                           {"ContactsDataLogic", "getAllNormalContact"},
                           {"ContactsDataLogic", "getFavourContactArray"}}) {
     Id got = rt::send<Id>(make(cls), sel);
-    EXPECT_EQ(rt::elements(got), (std::vector<Id>{s("a"), s("b"), s(""), noName, rt::null()})) << sel;
+    EXPECT_EQ(rt::elements(got), (std::vector<Id>{s("a"), s("b"), s(""), noName, rt::null()}))
+        << sel;
   }
   EXPECT_EQ(texts(rt::send<Id>(make("ContactsDataLogic"), "getContactsArrayWith:", 7u)),
             (std::vector<std::string>{"a", "b", "", rt::description(noName), "<null>"}));
   EXPECT_EQ(answers.lastType, 7u);
   answers.array = s("S");
-  EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array) << "not an array: unchanged";
+  EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array)
+      << "not an array: unchanged";
   answers.array = nullptr;
   EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), nullptr);
 }
@@ -182,7 +192,8 @@ TEST_F(ExtraHooks, BothPickerQuestionsKeepASecretOutWithoutAskingTheHost) {
   EXPECT_FALSE(rt::send<bool>(view, "onFilterContactCandidate:", s("S")));
   EXPECT_EQ(answers.vetoCalls, 0);
   answers.shouldFilter = true, answers.candidate = false;
-  EXPECT_TRUE(rt::send<bool>(controller, "onShouldFilterContact:", s("a"))) << "the host's own answer";
+  EXPECT_TRUE(rt::send<bool>(controller, "onShouldFilterContact:", s("a")))
+      << "the host's own answer";
   EXPECT_FALSE(rt::send<bool>(view, "onFilterContactCandidate:", s("a")));
   answers.shouldFilter = false, answers.candidate = true;
   EXPECT_FALSE(rt::send<bool>(controller, "onShouldFilterContact:", static_cast<Id>(nullptr)));
@@ -194,19 +205,26 @@ TEST_F(ExtraHooks, SectionDictionariesAreFilteredInPlaceRecursivelyAndOnlyWhenMu
   installAll();
   hideS();
   Id inner = rt::mutableDictionary({{s("X"), rt::array({s("S")})}});
-  Id results = rt::mutableDictionary({{s("A"), rt::array({s("a"), s("S")})}, {s("B"), inner}, {s("C"), s("S")}});
+  Id results = rt::mutableDictionary(
+      {{s("A"), rt::array({s("a"), s("S")})}, {s("B"), inner}, {s("C"), s("S")}});
   Id frozenInner = rt::dictionary({{s("X"), rt::array({s("S")})}});
-  Id titles = rt::mutableDictionary({{s("T"), rt::mutableArray({s("S"), s("b")})}, {s("F"), frozenInner}});
+  Id titles =
+      rt::mutableDictionary({{s("T"), rt::mutableArray({s("S"), s("b")})}, {s("F"), frozenInner}});
   Id keys = rt::mutableArray({s("S")});
   rt::send<void>(make("ContactsDataLogic"), kFill, 3u, keys, titles, results);
   EXPECT_EQ(texts(rt::objectForKey(results, "A")), (std::vector<std::string>{"a"}));
-  EXPECT_EQ(rt::objectForKey(results, "B"), inner) << "the nested dictionary is filtered where it is";
+  EXPECT_EQ(rt::objectForKey(results, "B"), inner)
+      << "the nested dictionary is filtered where it is";
   EXPECT_TRUE(texts(rt::objectForKey(inner, "X")).empty());
-  EXPECT_EQ(texts(rt::objectForKey(results, "C")), std::vector<std::string>{}) << "a plain value is no array";
-  EXPECT_EQ(rt::asString(rt::objectForKey(results, "C")), "S") << "a secret stored directly is kept";
-  EXPECT_EQ(texts(rt::objectForKey(results, "K")), (std::vector<std::string>{"a"})) << "what the host filled";
+  EXPECT_EQ(texts(rt::objectForKey(results, "C")), std::vector<std::string>{})
+      << "a plain value is no array";
+  EXPECT_EQ(rt::asString(rt::objectForKey(results, "C")), "S")
+      << "a secret stored directly is kept";
+  EXPECT_EQ(texts(rt::objectForKey(results, "K")), (std::vector<std::string>{"a"}))
+      << "what the host filled";
   EXPECT_EQ(texts(rt::objectForKey(titles, "T")), (std::vector<std::string>{"b"}));
-  EXPECT_EQ(texts(rt::objectForKey(frozenInner, "X")), (std::vector<std::string>{"S"})) << "immutable: left alone";
+  EXPECT_EQ(texts(rt::objectForKey(frozenInner, "X")), (std::vector<std::string>{"S"}))
+      << "immutable: left alone";
   EXPECT_EQ(texts(keys), (std::vector<std::string>{"S"})) << "the section keys are not touched";
   Id frozen = rt::dictionary({{s("A"), rt::array({s("S")})}});
   QBExtraHooks::filterDictionaryInPlace(frozen);
@@ -217,7 +235,8 @@ Id raisingSearchDictionary(Id, SEL) { rt::raise("NSGenericException", "no such d
 
 TEST_F(ExtraHooks, SearchLogicDictionariesUnderEveryKeyAreFilteredAndARaisingKeyIsSkipped) {
   installAll();
-  sim::ClassBuilder("ContactTagSearchFromContactLogic").method("dicSearchResult", raisingSearchDictionary);
+  sim::ClassBuilder("ContactTagSearchFromContactLogic")
+      .method("dicSearchResult", raisingSearchDictionary);
   hideS();
   Id logic = make("ContactTagSearchFromContactLogic");
   std::vector<Id> dicts;
@@ -227,7 +246,8 @@ TEST_F(ExtraHooks, SearchLogicDictionariesUnderEveryKeyAreFilteredAndARaisingKey
     dicts.push_back(d);
   }
   rt::send<void>(logic, "fillSectionResultForDicSearchResult");
-  for (Id d : dicts) EXPECT_EQ(texts(rt::objectForKey(d, "contact")), (std::vector<std::string>{"a"}));
+  for (Id d : dicts)
+    EXPECT_EQ(texts(rt::objectForKey(d, "contact")), (std::vector<std::string>{"a"}));
 }
 
 TEST_F(ExtraHooks, DataProviderDictionariesAreFilteredOrRebuilt) {
@@ -239,7 +259,8 @@ TEST_F(ExtraHooks, DataProviderDictionariesAreFilteredOrRebuilt) {
   EXPECT_EQ(got, answers.dict) << "a mutable result is filtered in place";
   EXPECT_EQ(texts(rt::objectForKey(got, "K1")), (std::vector<std::string>{"b"}));
   EXPECT_NE(rt::objectForKey(got, "K2"), nullptr) << "in place, only arrays are filtered";
-  Id frozen = rt::dictionary({{s("K1"), rt::array({s("S"), s("b")})}, {s("K2"), s("S")}, {s("K3"), s("c")}});
+  Id frozen = rt::dictionary(
+      {{s("K1"), rt::array({s("S"), s("b")})}, {s("K2"), s("S")}, {s("K3"), s("c")}});
   answers.dict = frozen;
   got = rt::send<Id>(provider, "getDicContacts");
   ASSERT_NE(got, frozen);
@@ -248,7 +269,8 @@ TEST_F(ExtraHooks, DataProviderDictionariesAreFilteredOrRebuilt) {
   EXPECT_EQ(texts(rt::objectForKey(got, "K1")), (std::vector<std::string>{"b"}));
   EXPECT_EQ(rt::objectForKey(got, "K2"), nullptr);
   EXPECT_EQ(rt::asString(rt::objectForKey(got, "K3")), "c");
-  EXPECT_EQ(texts(rt::objectForKey(frozen, "K1")), (std::vector<std::string>{"S", "b"})) << "the host's is untouched";
+  EXPECT_EQ(texts(rt::objectForKey(frozen, "K1")), (std::vector<std::string>{"S", "b"}))
+      << "the host's is untouched";
   answers.dict = rt::array({s("S")});
   EXPECT_EQ(rt::send<Id>(provider, "getDicContacts"), answers.dict) << "neither: unchanged";
 }
@@ -273,11 +295,13 @@ TEST_F(ExtraHooks, MomentsSkipSecretItemsWhenCountingAndIndexing) {
 TEST_F(ExtraHooks, OnlyTheFirst500MomentsAreConsideredWhileHiding) {
   installAll();
   hideS();
-  for (int i = 0; i < 600; ++i) answers.items.push_back(item(i == 10 || i == 550 ? "S" : "u" + std::to_string(i)));
+  for (int i = 0; i < 600; ++i)
+    answers.items.push_back(item(i == 10 || i == 550 ? "S" : "u" + std::to_string(i)));
   Id facade = make("WCFacade");
   EXPECT_EQ(rt::send<unsigned long>(facade, "countOfTimelineDataItem"), 499u);
   EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 498L), answers.items[499]);
-  EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 499L), nullptr) << "item 500 is past the cap";
+  EXPECT_EQ(rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 499L), nullptr)
+      << "item 500 is past the cap";
   answers.itemCalls = 0;
   rt::send<Id>(facade, "getTimelineDataItemOfIndex:", 100000L);
   EXPECT_EQ(answers.itemCalls, 500) << "the walk stops at the cap";
@@ -288,21 +312,22 @@ TEST_F(ExtraHooks, OnlyTheFirst500MomentsAreConsideredWhileHiding) {
 
 TEST_F(ExtraHooks, InstalledOnceWithItsLogLines) {
   installAll();
-  std::vector<std::string> expected = {"[QB][stable] replace onShouldFilterContact: types=B@:@",
-                                       "[QB][stable] replace onFilterContactCandidate: types=B@:@",
-                                       "[QB][stable] replace recentForwardContacts types=@@:",
-                                       "[QB][stable] replace contactsForRecentForwardMenu types=@@:",
-                                       "[QB][stable] replace getContactsArrayWith: types=@@:I",
-                                       "[QB][stable] replace getAllNormalContact types=@@:",
-                                       "[QB][stable] replace getFavourContactArray types=@@:",
-                                       std::string("[QB][stable] replace ") + kFill + " types=v@:I@@@",
-                                       "[QB] hooked ContactsDataLogic fillSectionResult",
-                                       "[QB][stable] replace fillSectionResultForDicSearchResult types=v@:",
-                                       "[QB][stable] replace getDicContacts types=@@:",
-                                       "[QB] hooked FTSContactDataProvider getDicContacts",
-                                       "[QB][stable] replace countOfTimelineDataItem types=Q@:",
-                                       "[QB][stable] replace getTimelineDataItemOfIndex: types=@@:q",
-                                       "[QB] extra hooks: contacts/moments/forward OK"};
+  std::vector<std::string> expected = {
+      "[QB][stable] replace onShouldFilterContact: types=B@:@",
+      "[QB][stable] replace onFilterContactCandidate: types=B@:@",
+      "[QB][stable] replace recentForwardContacts types=@@:",
+      "[QB][stable] replace contactsForRecentForwardMenu types=@@:",
+      "[QB][stable] replace getContactsArrayWith: types=@@:I",
+      "[QB][stable] replace getAllNormalContact types=@@:",
+      "[QB][stable] replace getFavourContactArray types=@@:",
+      std::string("[QB][stable] replace ") + kFill + " types=v@:I@@@",
+      "[QB] hooked ContactsDataLogic fillSectionResult",
+      "[QB][stable] replace fillSectionResultForDicSearchResult types=v@:",
+      "[QB][stable] replace getDicContacts types=@@:",
+      "[QB] hooked FTSContactDataProvider getDicContacts",
+      "[QB][stable] replace countOfTimelineDataItem types=Q@:",
+      "[QB][stable] replace getTimelineDataItemOfIndex: types=@@:q",
+      "[QB] extra hooks: contacts/moments/forward OK"};
   EXPECT_EQ(logLines(), expected);
   QBExtraHooks::install();
   EXPECT_EQ(logLines().size(), expected.size()) << "a second install does nothing";
@@ -313,21 +338,26 @@ TEST_F(ExtraHooks, AMissingClassSkipsItsRowsAndTheRestAreInstalled) {
   QBExtraHooks::install();
   EXPECT_EQ(countLog("countOfTimelineDataItem"), 0) << "not even a missing-method line";
   EXPECT_EQ(countLog("[QB][stable] replace "), 12 - 2);
-  EXPECT_EQ(countLog("[QB] extra hooks: contacts/moments/forward OK"), 1) << "logged without WCFacade too";
+  EXPECT_EQ(countLog("[QB] extra hooks: contacts/moments/forward OK"), 1)
+      << "logged without WCFacade too";
   hideS();
   answers.array = rt::array({s("S"), s("a")});
-  EXPECT_EQ(texts(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact")), (std::vector<std::string>{"a"}));
+  EXPECT_EQ(texts(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact")),
+            (std::vector<std::string>{"a"}));
 }
 
 Id getDicContactsMissing(Id, SEL) { return nullptr; }
 
 TEST_F(ExtraHooks, AMissingSelectorSkipsOneRowWithTheToolkitsLine) {
   defineStandIns("FTSContactDataProvider");
-  sim::ClassBuilder("FTSContactDataProvider").method("somethingElse", getDicContactsMissing).build();
+  sim::ClassBuilder("FTSContactDataProvider")
+      .method("somethingElse", getDicContactsMissing)
+      .build();
   QBExtraHooks::install();
   EXPECT_EQ(countLog("[QB][stable] replace missing FTSContactDataProvider getDicContacts"), 1);
   EXPECT_EQ(countLog("[QB] hooked FTSContactDataProvider getDicContacts"), 0);
-  EXPECT_EQ(countLog("[QB][stable] replace countOfTimelineDataItem"), 1) << "later rows still installed";
+  EXPECT_EQ(countLog("[QB][stable] replace countOfTimelineDataItem"), 1)
+      << "later rows still installed";
 }
 
 // --- Host pieces that fail around the originals: the screen gets the host's
@@ -336,36 +366,47 @@ TEST_F(ExtraHooks, AMissingSelectorSkipsOneRowWithTheToolkitsLine) {
 TEST_F(ExtraHooks, ADictionaryThatCannotListOrReadItsKeysIsLeftAsItIs) {
   installAll();
   hideS();
-  rt::Class noKeys =
-      sim::ClassBuilder("NoKeysDictionary", "NSMutableDictionary").method("allKeys", raisingGetter).build();
-  rt::Class noLookup =
-      sim::ClassBuilder("NoLookupDictionary", "NSMutableDictionary").method("objectForKey:", raisingWithKey).build();
+  rt::Class noKeys = sim::ClassBuilder("NoKeysDictionary", "NSMutableDictionary")
+                         .method("allKeys", raisingGetter)
+                         .build();
+  rt::Class noLookup = sim::ClassBuilder("NoLookupDictionary", "NSMutableDictionary")
+                           .method("objectForKey:", raisingWithKey)
+                           .build();
   Id results = rt::send<Id>(noKeys, "dictionary");
   Id titles = rt::send<Id>(noLookup, "dictionary");
   rt::send<void>(titles, "setObject:forKey:", rt::array({s("S")}), s("T"));
-  ASSERT_NO_THROW(rt::send<void>(make("ContactsDataLogic"), kFill, 0u, rt::mutableArray(), titles, results));
+  ASSERT_NO_THROW(
+      rt::send<void>(make("ContactsDataLogic"), kFill, 0u, rt::mutableArray(), titles, results));
   EXPECT_EQ(answers.filledResults, results) << "the host filled it";
   EXPECT_EQ(sim::native<sim::DictionaryData>(results)->entries.size(), 1u);
-  EXPECT_EQ(texts(sim::native<sim::DictionaryData>(results)->entries[0].second), (std::vector<std::string>{"S", "a"}));
-  EXPECT_EQ(texts(sim::native<sim::DictionaryData>(titles)->entries[0].second), (std::vector<std::string>{"S"}));
+  EXPECT_EQ(texts(sim::native<sim::DictionaryData>(results)->entries[0].second),
+            (std::vector<std::string>{"S", "a"}));
+  EXPECT_EQ(texts(sim::native<sim::DictionaryData>(titles)->entries[0].second),
+            (std::vector<std::string>{"S"}));
 
-  rt::Class frozenNoLookup =
-      sim::ClassBuilder("FrozenNoLookupDictionary", "NSDictionary").method("objectForKey:", raisingWithKey).build();
-  answers.dict =
-      rt::send<Id>(frozenNoLookup, "dictionaryWithDictionary:", rt::dictionary({{s("K"), rt::array({s("S")})}}));
+  rt::Class frozenNoLookup = sim::ClassBuilder("FrozenNoLookupDictionary", "NSDictionary")
+                                 .method("objectForKey:", raisingWithKey)
+                                 .build();
+  answers.dict = rt::send<Id>(
+      frozenNoLookup, "dictionaryWithDictionary:", rt::dictionary({{s("K"), rt::array({s("S")})}}));
   Id got = nullptr;
   ASSERT_NO_THROW(got = rt::send<Id>(make("FTSContactDataProvider"), "getDicContacts"));
   EXPECT_EQ(got, answers.dict) << "the rebuild failed: the host's own dictionary";
-  EXPECT_EQ(texts(sim::native<sim::DictionaryData>(got)->entries[0].second), (std::vector<std::string>{"S"}));
+  EXPECT_EQ(texts(sim::native<sim::DictionaryData>(got)->entries[0].second),
+            (std::vector<std::string>{"S"}));
 }
 
 TEST_F(ExtraHooks, AFailingUsernameProbeShowsTheEntry) {
   installAll();
   hideS();
-  sim::ClassBuilder("ProbeFails").method("m_nsUsrName", raisingGetter).method("username", raisingGetter).build();
+  sim::ClassBuilder("ProbeFails")
+      .method("m_nsUsrName", raisingGetter)
+      .method("username", raisingGetter)
+      .build();
   Id broken = make("ProbeFails");
   answers.array = rt::array({broken, s("S")});
-  EXPECT_EQ(rt::elements(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact")), std::vector<Id>{broken});
+  EXPECT_EQ(rt::elements(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact")),
+            std::vector<Id>{broken});
   answers.items = {broken, item("a")};
   EXPECT_EQ(rt::send<unsigned long>(make("WCFacade"), "countOfTimelineDataItem"), 2u);
 }
@@ -396,11 +437,13 @@ TEST_F(ExtraHooks, TheContactSwitchIsInertAndSaysWhy) {
   hiding::QBContactHooks::install();
   hiding::QBContactHooks::installWithFlag(true);
   EXPECT_EQ(logLines(),
-            (std::vector<std::string>{"[QB][stable] contact hooks DISABLED",
-                                      "[QB][stable] contact hooks flag on but not implemented in stable build"}));
+            (std::vector<std::string>{
+                "[QB][stable] contact hooks DISABLED",
+                "[QB][stable] contact hooks flag on but not implemented in stable build"}));
   hideS();
   answers.array = rt::array({s("S")});
-  EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array) << "nothing was installed";
+  EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array)
+      << "nothing was installed";
 }
 
 }  // namespace

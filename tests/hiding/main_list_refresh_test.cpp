@@ -29,10 +29,13 @@ class MainListRefresh : public qbtest::HostWorld {
   std::vector<double> reloadTimes() const {
     std::vector<double> out;
     for (const auto& l : device.log())
-      if (l.text.find(kMainReload) != std::string::npos && (out.empty() || out.back() != l.elapsed)) out.push_back(l.elapsed);
+      if (l.text.find(kMainReload) != std::string::npos && (out.empty() || out.back() != l.elapsed))
+        out.push_back(l.elapsed);
     return out;
   }
-  sim::ViewState& table() { return *sim::viewState(rt::valueForKey(host.mainFrame(), "m_tableView")); }
+  sim::ViewState& table() {
+    return *sim::viewState(rt::valueForKey(host.mainFrame(), "m_tableView"));
+  }
 };
 
 TEST_F(MainListRefresh, StartUpWithHiddenSecretsReloadsAtOnceAndAfterTheHostSettles) {
@@ -90,11 +93,14 @@ TEST_F(MainListRefresh, TheStartUpReappliesWaitForBothSuppressFlags) {
     process.reset();
     launchWithLibrary();
     wait(0.3);
-    if (flag == 0) QBConfig::shared().setSuppressAutoLock(true);
-    else QBConfig::shared().setSuppressSessionApply(true);
+    if (flag == 0)
+      QBConfig::shared().setSuppressAutoLock(true);
+    else
+      QBConfig::shared().setSuppressSessionApply(true);
     std::size_t before = device.log().size();
     wait(2);
-    EXPECT_EQ(countLog(kMainReload, before), 0) << (flag == 0 ? "suppressAutoLock" : "suppressSessionApply");
+    EXPECT_EQ(countLog(kMainReload, before), 0)
+        << (flag == 0 ? "suppressAutoLock" : "suppressSessionApply");
   }
 }
 
@@ -104,7 +110,9 @@ TEST_F(MainListRefresh, AppearingReappliesAfterAMomentAndIsThrottled) {
   launchWithLibrary();
   QBConfig::shared().addSecretUser("S");
   wait(5);
-  auto appear = [&] { process->runGuarded([&] { rt::send<void>(host.mainFrame(), "viewDidAppear:", true); }); };
+  auto appear = [&] {
+    process->runGuarded([&] { rt::send<void>(host.mainFrame(), "viewDidAppear:", true); });
+  };
   std::size_t before = device.log().size();
   appear();
   wait(0.19);
@@ -152,7 +160,8 @@ TEST_F(MainListRefresh, SoftReloadThrottleAndForce) {
   wait(5);
   std::size_t before = device.log().size();
   QBSessionHooks::softReloadMainFrame();
-  EXPECT_EQ(countLog("force=0", before), 4) << "the main list is reached four times through its containers";
+  EXPECT_EQ(countLog("force=0", before), 4)
+      << "the main list is reached four times through its containers";
   wait(0.5);
   before = device.log().size();
   QBSessionHooks::softReloadMainFrame();
@@ -204,7 +213,8 @@ TEST_F(MainListRefresh, RevealInTwoPhasesAndAQuickHideIsNotUndone) {
   c.setUnlocked(true);
   QBSessionHooks::revealSecretsNow();
   EXPECT_EQ(countLog("[QB] rebuildMainSessions", before), 1);
-  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "b"})) << "the table reloads only after 0.25 s";
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "b"}))
+      << "the table reloads only after 0.25 s";
   wait(0.25);
   EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
   double revealedAt = device.elapsed() - 0.25;
@@ -240,7 +250,8 @@ TEST_F(MainListRefresh, ForceApplyThrottleAndSuppression) {
   c.setUnlocked(true);
   c.requestVisibilitySync();
   wait(1);
-  EXPECT_EQ(device.log().size(), before) << "while an authentication is up, a state change only refreshes";
+  EXPECT_EQ(device.log().size(), before)
+      << "while an authentication is up, a state change only refreshes";
   EXPECT_FALSE(QBSessionHooks::filterActive());
 }
 

@@ -33,14 +33,19 @@ class SessionFilter : public qbtest::HostWorld {
   }
   Id logic() { return rt::send<Id>(rt::getClass("MainFrameLogicController"), "new"); }
   Id frame() { return host.mainFrame(); }
-  long count(Id obj, const char* sel, long section = 0) { return rt::send<long>(obj, sel, section); }
-  Id row(Id obj, const char* sel, long r, long section = 0) { return rt::send<Id>(obj, sel, rt::indexPath(r, section)); }
+  long count(Id obj, const char* sel, long section = 0) {
+    return rt::send<long>(obj, sel, section);
+  }
+  Id row(Id obj, const char* sel, long r, long section = 0) {
+    return rt::send<Id>(obj, sel, rt::indexPath(r, section));
+  }
 };
 
 TEST_F(SessionFilter, NothingHiddenMeansTheHostsOwnAnswers) {
   launchWithLibrary();
   Id l = logic();
-  Id mgrSessionS = rt::elements(rt::send<Id>(QBSessionHooks::mainSessionMgr(), "normalSessions"))[1];
+  Id mgrSessionS =
+      rt::elements(rt::send<Id>(QBSessionHooks::mainSessionMgr(), "normalSessions"))[1];
   EXPECT_EQ(count(l, "getSessionCountForSection:"), 3);
   EXPECT_EQ(row(l, "getSessionInfoAtIndexPath:", 1), mgrSessionS) << "the same object";
   QBConfig::shared().addSecretUser("S");
@@ -49,7 +54,8 @@ TEST_F(SessionFilter, NothingHiddenMeansTheHostsOwnAnswers) {
   EXPECT_FALSE(QBSessionHooks::filterActive());
   EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
   EXPECT_EQ(row(frame(), "logicGetSessionAtIndexPath:", 1), mgrSessionS);
-  EXPECT_EQ(rt::send<long>(frame(), "tableView:numberOfRowsInSection:", static_cast<Id>(nullptr), 0L), 3);
+  EXPECT_EQ(
+      rt::send<long>(frame(), "tableView:numberOfRowsInSection:", static_cast<Id>(nullptr), 0L), 3);
   EXPECT_TRUE(rt::send<bool>(rt::getClass("MainSessionMgr"), "canShowInMainFrame:", rt::str("S")));
 }
 
@@ -64,7 +70,8 @@ TEST_F(SessionFilter, SecretRowsAreSkippedAndRowsRemapped) {
   EXPECT_EQ(nameOf(row(l, "getCellDataAtIndexPath:", 1)), "b");
   EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 2);
   EXPECT_EQ(nameOf(row(frame(), "logicGetCellDataAtIndexPath:", 1)), "b");
-  EXPECT_EQ(rt::send<long>(frame(), "tableView:numberOfRowsInSection:", static_cast<Id>(nullptr), 0L), 2);
+  EXPECT_EQ(
+      rt::send<long>(frame(), "tableView:numberOfRowsInSection:", static_cast<Id>(nullptr), 0L), 2);
   EXPECT_EQ(rt::send<Id>(l, "getSessionInfoAtIndexPath:", rt::str("not a path")), nullptr)
       << "a non-index-path goes to the host unchanged";
 }
@@ -77,8 +84,10 @@ TEST_F(SessionFilter, MappingOfEmptyAndNegativeCounts) {
   EXPECT_EQ(QBSessionHooks::mapRow(0, -4, none), -1);
   EXPECT_EQ(QBSessionHooks::filteredCount(-4, none), 0);
   std::vector<Id> s = {rt::str("S"), rt::str("S")};
-  EXPECT_EQ(QBSessionHooks::mapRow(0, 2, [&](long i) { return s[std::size_t(i)]; }), -1) << "all secret";
-  EXPECT_EQ(count(logic(), "getSessionCountForSection:", 1), 0) << "the host has nothing in section 1";
+  EXPECT_EQ(QBSessionHooks::mapRow(0, 2, [&](long i) { return s[std::size_t(i)]; }), -1)
+      << "all secret";
+  EXPECT_EQ(count(logic(), "getSessionCountForSection:", 1), 0)
+      << "the host has nothing in section 1";
 }
 
 TEST_F(SessionFilter, TheCountIsCachedForAFewTenthsOfASecond) {
@@ -98,7 +107,8 @@ TEST_F(SessionFilter, TheCountIsCachedForAFewTenthsOfASecond) {
   process->runGuarded([&] { host.sessionsChanged(); });
   QBSessionHooks::refreshFilterCache();
   EXPECT_EQ(count(l, "getSessionCountForSection:"), 4) << "a refresh drops the cache";
-  EXPECT_EQ(count(l, "getSessionCountForSection:", 1), 0) << "another section replaces the one entry";
+  EXPECT_EQ(count(l, "getSessionCountForSection:", 1), 0)
+      << "another section replaces the one entry";
   host.model.sessions.insert(host.model.sessions.begin(), "e");
   addFriend("e");
   process->runGuarded([&] { host.sessionsChanged(); });
@@ -146,8 +156,9 @@ Id emptySessions(Id, rt::SEL) { return rt::array({}); }
 
 TEST_F(SessionListingFallBacks, FromTheIndexGetterWhenTheKeysHoldNothing) {
   launchWithLibrary();
-  rt::setImplementation(rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
-                        reinterpret_cast<rt::IMP>(emptySessions));
+  rt::setImplementation(
+      rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
+      reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
   EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
 }
@@ -159,8 +170,9 @@ long gVisible = 0, gAsked = 0;
 long visibleCount(Id, rt::SEL) { return gVisible; }
 Id sessionAt(Id, rt::SEL, long i) {
   ++gAsked;
-  return std::size_t(i) < gIndexed.size() && !gIndexed[std::size_t(i)].empty() ? rt::str(gIndexed[std::size_t(i)])
-                                                                                : nullptr;
+  return std::size_t(i) < gIndexed.size() && !gIndexed[std::size_t(i)].empty()
+             ? rt::str(gIndexed[std::size_t(i)])
+             : nullptr;
 }
 
 class SessionListingLimits : public SessionFilter {
@@ -173,8 +185,10 @@ class SessionListingLimits : public SessionFilter {
   }
   void useIndexGetter() {
     rt::Class mgr = rt::getClass("MainSessionMgr");
-    rt::setImplementation(rt::getInstanceMethod(mgr, rt::sel("normalSessions")), reinterpret_cast<rt::IMP>(emptySessions));
-    rt::setImplementation(rt::getInstanceMethod(mgr, rt::sel("getNormalSessionAtIndex:")), reinterpret_cast<rt::IMP>(sessionAt));
+    rt::setImplementation(rt::getInstanceMethod(mgr, rt::sel("normalSessions")),
+                          reinterpret_cast<rt::IMP>(emptySessions));
+    rt::setImplementation(rt::getInstanceMethod(mgr, rt::sel("getNormalSessionAtIndex:")),
+                          reinterpret_cast<rt::IMP>(sessionAt));
     if (rt::Method m = rt::getInstanceMethod(mgr, rt::sel("visibleNormalSessionCount")))
       rt::setImplementation(m, reinterpret_cast<rt::IMP>(visibleCount));
   }
@@ -244,8 +258,9 @@ TEST_F(SessionListingFallBacks, NoManagersAtAll) {
 TEST_F(SessionListingFallBacks, ARaisingManagerNamesTheException) {
   host.build.raisingMethods.insert({"MainSessionMgr", "getNormalSessionAtIndex:"});
   launchWithLibrary();
-  rt::setImplementation(rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
-                        reinterpret_cast<rt::IMP>(emptySessions));
+  rt::setImplementation(
+      rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
+      reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_TRUE(QBSessionHooks::listSessionUsernames().empty());
   EXPECT_EQ(QBSessionHooks::lastListPath(), "NSGenericException");
 }
@@ -265,8 +280,12 @@ TEST_F(SessionFilter, MissingHookGroupsAreSkippedAndTheRestStillFilters) {
   host.build.lackingClasses.insert("MainFrameLogicController");
   host.build.lackingMethods.insert({"NewMainFrameViewController", "logicGetSessionAtIndexPath:"});
   launchWithLibrary();
-  EXPECT_EQ(countLog("[QB][stable] replace missing NewMainFrameViewController logicGetSessionAtIndexPath:"), 1);
-  EXPECT_EQ(countLog("[QB][stable] replace getSessionInfoAtIndexPath:"), 0) << "the missing class's group is skipped";
+  EXPECT_EQ(
+      countLog(
+          "[QB][stable] replace missing NewMainFrameViewController logicGetSessionAtIndexPath:"),
+      1);
+  EXPECT_EQ(countLog("[QB][stable] replace getSessionInfoAtIndexPath:"), 0)
+      << "the missing class's group is skipped";
   hideS();
   // Rows fall back to the cell-data getter for the walk; the count needs the
   // session getter and so stays the host's.

@@ -58,13 +58,16 @@ class Surfaces : public qbtest::HostWorld {
       for (const auto& s : n) out += " " + s;
       return out;
     };
-    return "contacts:" + join(hostapp::contactsShown(host)) + " starred:" + join(hostapp::contactsStarred(host)) +
+    return "contacts:" + join(hostapp::contactsShown(host)) +
+           " starred:" + join(hostapp::contactsStarred(host)) +
            " search:" + join(hostapp::searchShown()) + " moments:" + join(hostapp::momentsShown()) +
-           " forward:" + join(hostapp::forwardRowShown()) + " candidates:" + join(hostapp::forwardCandidatesShown());
+           " forward:" + join(hostapp::forwardRowShown()) +
+           " candidates:" + join(hostapp::forwardCandidatesShown());
   }
   bool secretAnywhere() {
-    for (const Names& n : {hostapp::contactsShown(host), hostapp::contactsStarred(host), hostapp::searchShown(),
-                           hostapp::momentsShown(), hostapp::forwardRowShown(), hostapp::forwardCandidatesShown()})
+    for (const Names& n :
+         {hostapp::contactsShown(host), hostapp::contactsStarred(host), hostapp::searchShown(),
+          hostapp::momentsShown(), hostapp::forwardRowShown(), hostapp::forwardCandidatesShown()})
       if (has(n, "S")) return true;
     return false;
   }
@@ -83,11 +86,13 @@ TEST_F(Surfaces, AHiddenSecretIsOnNoScreenAndComesBackOnReveal) {
   EXPECT_EQ(hostapp::forwardCandidatesShown(), (Names{"alice", "bob", "team@chatroom"}));
 
   QBConfig::shared().setUnlocked(true);
-  EXPECT_EQ(hostapp::contactsShown(host), (Names{"alice", "bob"})) << "a shown screen keeps what it loaded";
+  EXPECT_EQ(hostapp::contactsShown(host), (Names{"alice", "bob"}))
+      << "a shown screen keeps what it loaded";
   QBSessionHooks::refreshFilterCache();
   QBSessionHooks::revealSecretsNow();
   wait(1);
-  EXPECT_EQ(hostapp::contactsShown(host), (Names{"alice", "bob", "S"})) << "the reveal reloads the contacts list";
+  EXPECT_EQ(hostapp::contactsShown(host), (Names{"alice", "bob", "S"}))
+      << "the reveal reloads the contacts list";
   openAll();
   EXPECT_EQ(hostapp::contactsStarred(host), (Names{"alice", "S"}));
   EXPECT_EQ(hostapp::contactsFooterCount(host), 3);
@@ -103,7 +108,8 @@ TEST_F(Surfaces, ContactsAreSectionedByFirstLatinLetterWithHashLast) {
   addFriend("item2", "item2");
   launchWithLibrary();
   process->runGuarded([&] { host.selectTab(1); });
-  EXPECT_EQ(hostapp::contactsShown(host), (Names{"alice", "bob", "item2", "item10", "S", "zed", "x1"}));
+  EXPECT_EQ(hostapp::contactsShown(host),
+            (Names{"alice", "bob", "item2", "item10", "S", "zed", "x1"}));
 }
 
 // Each of the twelve hooked selectors missing from the host build.
@@ -119,7 +125,8 @@ constexpr Missing kMissing[] = {
     {"ContactsDataLogic", "getContactsArrayWith:"},
     {"ContactsDataLogic", "getAllNormalContact"},
     {"ContactsDataLogic", "getFavourContactArray"},
-    {"ContactsDataLogic", "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:"},
+    {"ContactsDataLogic",
+     "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:"},
     {"ContactTagSearchFromContactLogic", "fillSectionResultForDicSearchResult"},
     {"FTSContactDataProvider", "getDicContacts"},
     {"WCFacade", "countOfTimelineDataItem"},
@@ -137,7 +144,8 @@ TEST_P(SurfacesWithoutOneMethod, EveryScreenStillDrawsAndTheSecretStaysOut) {
   EXPECT_EQ(countLog(std::string("[QB][stable] replace missing ") + m.cls + " " + m.sel), 1);
   for (const Missing& other : kMissing)
     if (other.sel != m.sel) {
-      EXPECT_EQ(countLog(std::string("[QB][stable] replace ") + other.sel + " types="), 1) << other.sel;
+      EXPECT_EQ(countLog(std::string("[QB][stable] replace ") + other.sel + " types="), 1)
+          << other.sel;
     }
   EXPECT_FALSE(secretAnywhere()) << everything();
   EXPECT_EQ(hostapp::contactsShown(host), (Names{"alice", "bob"}));

@@ -39,7 +39,8 @@ class ContactDirectory : public qbtest::HostWorld {
 
 TEST_F(ContactDirectory, SelectableUsernames) {
   start();
-  for (const char* no : {"", "12345@chatroom", "gh_abcdef", "filehelper", "weixin", "conversation_folder"})
+  for (const char* no :
+       {"", "12345@chatroom", "gh_abcdef", "filehelper", "weixin", "conversation_folder"})
     EXPECT_FALSE(QBContactInfo::isSelectableFriendUsername(std::string_view(no))) << no;
   EXPECT_TRUE(QBContactInfo::isSelectableFriendUsername(std::string_view("alice_01")));
   EXPECT_FALSE(QBContactInfo::isSelectableFriendUsername(rt::number(1)));
@@ -52,7 +53,9 @@ TEST_F(ContactDirectory, DisplayNamePrecedence) {
   addFriend("nothing");
   addFriend("rna", "N", "R", "A");
   start();
-  auto display = [](const char* u) { return QBContactInfo::displayNameFromContact(QBContactInfo::contactForUsername(u), u); };
+  auto display = [](const char* u) {
+    return QBContactInfo::displayNameFromContact(QBContactInfo::contactForUsername(u), u);
+  };
   EXPECT_EQ(display("rna"), "R");
   EXPECT_EQ(display("only_alias"), "A");
   EXPECT_EQ(display("nothing"), "nothing");
@@ -85,8 +88,9 @@ Id databaseRecord(Id, rt::SEL, Id) {
 TEST_F(ContactDirectory, ARecordWithANameIsNotReadAgain) {
   addFriend("nameless");
   start();
-  rt::setImplementation(rt::getInstanceMethod(rt::getClass("CContactMgr"), rt::sel("getContactByNameFromDB:")),
-                        reinterpret_cast<rt::IMP>(databaseRecord));
+  rt::setImplementation(
+      rt::getInstanceMethod(rt::getClass("CContactMgr"), rt::sel("getContactByNameFromDB:")),
+      reinterpret_cast<rt::IMP>(databaseRecord));
   gDatabaseReads = 0;
   QBContactInfo bob = QBContactInfo::infoForUsername("bob");
   EXPECT_EQ(gDatabaseReads, 0) << "a nickname is enough";
@@ -112,11 +116,18 @@ TEST_F(ContactDirectory, AvatarsAndThePlaceholder) {
   EXPECT_TRUE(p.opaque);
   ASSERT_EQ(p.drawing.size(), 2u);
   EXPECT_EQ(p.drawing[0], "fill 0,0 80x80 radius 0 rgba(0.75,0.78,0.82,1)");
-  EXPECT_EQ(p.drawing[1].rfind("text \"Z\" at ", 0), 0u) << p.drawing[1] << " (display name zed_alias)";
+  EXPECT_EQ(p.drawing[1].rfind("text \"Z\" at ", 0), 0u)
+      << p.drawing[1] << " (display name zed_alias)";
   EXPECT_NE(p.drawing[1].find("system 36 medium rgba(1,1,1,1)"), std::string::npos);
-  EXPECT_EQ(sim::imageState(QBContactInfo::placeholderAvatar(""))->drawing[1].rfind("text \"?\"", 0), 0u);
-  EXPECT_EQ(sim::imageState(QBContactInfo::avatarForUsername("", nullptr))->drawing[1].rfind("text \"?\"", 0), 0u);
-  EXPECT_EQ(sim::imageState(QBContactInfo::placeholderAvatar("ñandu"))->drawing[1].rfind("text \"Ñ\"", 0), 0u);
+  EXPECT_EQ(
+      sim::imageState(QBContactInfo::placeholderAvatar(""))->drawing[1].rfind("text \"?\"", 0), 0u);
+  EXPECT_EQ(sim::imageState(QBContactInfo::avatarForUsername("", nullptr))
+                ->drawing[1]
+                .rfind("text \"?\"", 0),
+            0u);
+  EXPECT_EQ(
+      sim::imageState(QBContactInfo::placeholderAvatar("ñandu"))->drawing[1].rfind("text \"Ñ\"", 0),
+      0u);
 }
 
 TEST_F(ContactDirectory, SelfAndTheFriendList) {
@@ -124,8 +135,10 @@ TEST_F(ContactDirectory, SelfAndTheFriendList) {
   EXPECT_EQ(QBContactInfo::selfUsername(), "wxid_me");
   std::vector<QBContactInfo::ListItem> items = QBContactInfo::listNormalContactItems();
   // Sorted by display name in the zh locale: Han by pinyin first, then Latin, digits by value.
-  EXPECT_EQ(usernames(items), (std::vector<std::string>{"张三", "alice", "bob", "item2", "item10", "wxid_zed"}));
-  auto alice = std::find_if(items.begin(), items.end(), [](const auto& i) { return i.username == "alice"; });
+  EXPECT_EQ(usernames(items),
+            (std::vector<std::string>{"张三", "alice", "bob", "item2", "item10", "wxid_zed"}));
+  auto alice =
+      std::find_if(items.begin(), items.end(), [](const auto& i) { return i.username == "alice"; });
   EXPECT_EQ(*alice, (QBContactInfo::ListItem{"alice", "Ally", "Alice N", "Ally"}));
 }
 
@@ -171,21 +184,30 @@ const Piece kPieces[] = {
     {"MMContext", "serviceCenter"},
 };
 
-const std::vector<std::string> kDocumentedLines = {
-    "[QB] contactForUsername ex: ", "[QB] headMgr ex: ",          "[QB] contactInfo ex: ",
-    "[QB] CContactMgr list ex: ",   "[QB] ContactsDataLogic list ex: ", "[QB][stable] serviceNamed ",
-    "[QB][stable] serviceCenter ex: ", "[QB][stable] mmContext ex: "};
+const std::vector<std::string> kDocumentedLines = {"[QB] contactForUsername ex: ",
+                                                   "[QB] headMgr ex: ",
+                                                   "[QB] contactInfo ex: ",
+                                                   "[QB] CContactMgr list ex: ",
+                                                   "[QB] ContactsDataLogic list ex: ",
+                                                   "[QB][stable] serviceNamed ",
+                                                   "[QB][stable] serviceCenter ex: ",
+                                                   "[QB][stable] mmContext ex: "};
 
-class ContactDirectoryFaults : public ContactDirectory, public ::testing::WithParamInterface<std::tuple<Piece, bool>> {};
+class ContactDirectoryFaults : public ContactDirectory,
+                               public ::testing::WithParamInterface<std::tuple<Piece, bool>> {};
 
 TEST_P(ContactDirectoryFaults, OperationsFallBackAndNeverThrow) {
   auto [piece, raises] = GetParam();
   host.model.findFriend("alice")->headImage = true;
   host.model.findFriend("bob")->oldHeadImage = true;
-  if (raises && piece.sel) host.build.raisingMethods.insert({piece.cls, piece.sel});
-  else if (piece.sel) host.build.lackingMethods.insert({piece.cls, piece.sel});
-  else if (!raises) host.build.lackingClasses.insert(piece.cls);
-  else GTEST_SKIP() << "a whole class cannot raise";
+  if (raises && piece.sel)
+    host.build.raisingMethods.insert({piece.cls, piece.sel});
+  else if (piece.sel)
+    host.build.lackingMethods.insert({piece.cls, piece.sel});
+  else if (!raises)
+    host.build.lackingClasses.insert(piece.cls);
+  else
+    GTEST_SKIP() << "a whole class cannot raise";
   start();
   QBContactInfo alice, stranger;
   std::vector<QBContactInfo::ListItem> items;
@@ -204,7 +226,8 @@ TEST_P(ContactDirectoryFaults, OperationsFallBackAndNeverThrow) {
   EXPECT_EQ(stranger.displayName, "stranger");
   EXPECT_NE(stranger.avatar, nullptr);
   for (const auto& i : items) {
-    EXPECT_TRUE(QBContactInfo::isSelectableFriendUsername(std::string_view(i.username))) << i.username;
+    EXPECT_TRUE(QBContactInfo::isSelectableFriendUsername(std::string_view(i.username)))
+        << i.username;
     // Self is excluded when it is known; a raising self lookup ends the search
     // with nothing (deliberately), and then self cannot be told apart.
     if (!me.empty()) {
@@ -222,14 +245,16 @@ TEST_P(ContactDirectoryFaults, OperationsFallBackAndNeverThrow) {
 
 std::string pieceName(const ::testing::TestParamInfo<std::tuple<Piece, bool>>& info) {
   auto [piece, raises] = info.param;
-  std::string s = std::string(piece.cls) + "_" + (piece.sel ? piece.sel : "class") + (raises ? "_raises" : "_missing");
+  std::string s = std::string(piece.cls) + "_" + (piece.sel ? piece.sel : "class") +
+                  (raises ? "_raises" : "_missing");
   for (char& c : s)
     if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
   return s;
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryPiece, ContactDirectoryFaults,
-                         ::testing::Combine(::testing::ValuesIn(kPieces), ::testing::Bool()), pieceName);
+                         ::testing::Combine(::testing::ValuesIn(kPieces), ::testing::Bool()),
+                         pieceName);
 
 TEST_F(ContactDirectory, SpecificFallBacks) {
   host.build.raisingMethods.insert({"CContactMgr", "getContactList:contactType:needLoadExt:"});
@@ -237,7 +262,9 @@ TEST_F(ContactDirectory, SpecificFallBacks) {
   std::vector<std::string> names = usernames(QBContactInfo::listNormalContactItems());
   EXPECT_EQ(names.size(), 6u) << "the data logic's lists stand in";
   std::vector<std::string> log = logLines();
-  EXPECT_TRUE(std::any_of(log.begin(), log.end(), [](const std::string& l) { return l.rfind("[QB] CContactMgr list ex: ", 0) == 0; }));
+  EXPECT_TRUE(std::any_of(log.begin(), log.end(), [](const std::string& l) {
+    return l.rfind("[QB] CContactMgr list ex: ", 0) == 0;
+  }));
 }
 
 TEST_F(ContactDirectory, ALookupThatRaisesKeepsWhatItHad) {

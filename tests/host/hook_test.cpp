@@ -41,22 +41,25 @@ Body body = Body::AskPlus1;
 host::Hook<long(long)> hook;
 
 long replacement(Id self, SEL cmd, long x) {
-  return hook.run("[QB] test ex: %@", [&](host::Hook<long(long)>::Original& original) -> long {
-    switch (body) {
-      case Body::AskPlus1:
-        return original(x) + 1;
-      case Body::AskThenFail:
-        original(x);
-        rt::raise("Mine", "after asking");
-      case Body::FailBeforeAsking:
-        rt::raise("Mine", "before asking");
-      case Body::AskTwice:
-        return original(x) + original(x + 100);
-      case Body::ProbeOtherArg:
-        return original(x + 1);
-    }
-    return 0;
-  }, self, cmd, x);
+  return hook.run(
+      "[QB] test ex: %@",
+      [&](host::Hook<long(long)>::Original& original) -> long {
+        switch (body) {
+          case Body::AskPlus1:
+            return original(x) + 1;
+          case Body::AskThenFail:
+            original(x);
+            rt::raise("Mine", "after asking");
+          case Body::FailBeforeAsking:
+            rt::raise("Mine", "before asking");
+          case Body::AskTwice:
+            return original(x) + original(x + 100);
+          case Body::ProbeOtherArg:
+            return original(x + 1);
+        }
+        return 0;
+      },
+      self, cmd, x);
 }
 
 class HookPolicy : public qbtest::SimWorld {
@@ -64,7 +67,10 @@ class HookPolicy : public qbtest::SimWorld {
   void SetUp() override {
     hostCalls = 0, hostRaises = false, lastHostArg = -1, body = Body::AskPlus1;
     hook = {};
-    cls = sim::ClassBuilder("HostThing").method("twice:", hostDouble).classMethod("thrice:", hostClassTriple).build();
+    cls = sim::ClassBuilder("HostThing")
+              .method("twice:", hostDouble)
+              .classMethod("thrice:", hostClassTriple)
+              .build();
     obj = rt::send<Id>(cls, "new");
   }
   long ask(long x) { return rt::send<long>(obj, "twice:", x); }
@@ -132,8 +138,9 @@ TEST_F(HookPolicy, WithoutAnOriginalTheFallbackAnswers) {
 }
 
 long classReplacement(Id self, SEL cmd, long x) {
-  return hook.run(nullptr, [&](host::Hook<long(long)>::Original& original) { return original(x) * 10; }, self, cmd,
-                  x);
+  return hook.run(
+      nullptr, [&](host::Hook<long(long)>::Original& original) { return original(x) * 10; }, self,
+      cmd, x);
 }
 
 TEST_F(HookPolicy, ClassMethodSetDirectly) {
@@ -144,7 +151,8 @@ TEST_F(HookPolicy, ClassMethodSetDirectly) {
 }
 
 TEST_F(HookPolicy, ClassMethodAddedToTheMetaclassAndExchanged) {
-  ASSERT_TRUE(hook.exchangeClassMethod(cls, "thrice:", "qb_thrice:", classReplacement, "q24@0:8q16"));
+  ASSERT_TRUE(
+      hook.exchangeClassMethod(cls, "thrice:", "qb_thrice:", classReplacement, "q24@0:8q16"));
   EXPECT_EQ(rt::send<long>(cls, "thrice:", 2L), 60);
   EXPECT_EQ(rt::send<long>(cls, "qb_thrice:", 2L), 6) << "the qb_ name reaches the host's code";
   EXPECT_EQ(hostCalls, 2);
@@ -155,11 +163,14 @@ int actions = 0;
 bool actFails = false;
 
 void qbAppear(Id self, SEL cmd, bool animated) {
-  appear.run(nullptr, [&](host::Hook<void(bool)>::Original& original) {
-    original(animated);
-    if (actFails) rt::raise("Mine", "act failed");
-    ++actions;
-  }, self, cmd, animated);
+  appear.run(
+      nullptr,
+      [&](host::Hook<void(bool)>::Original& original) {
+        original(animated);
+        if (actFails) rt::raise("Mine", "act failed");
+        ++actions;
+      },
+      self, cmd, animated);
 }
 
 TEST_F(HookPolicy, SwizzledOnOneClassAsksTheHostFirstAndNeverTwice) {
@@ -182,8 +193,12 @@ TEST_F(HookPolicy, SwizzledOnOneClassAsksTheHostFirstAndNeverTwice) {
 TEST(Guarded, LogsAndAnswersTheFallbackOnlyOnFailure) {
   sim::Device device;
   sim::Process process{device};
-  EXPECT_EQ(host::guarded("[QB] step ex: %@", [] { return 3; }, 0), 3);
-  EXPECT_EQ(host::guarded("[QB] step ex: %@", []() -> int { rt::raise("X", "boom"); }, 9), 9);
+  EXPECT_EQ(host::guarded(
+                "[QB] step ex: %@", [] { return 3; }, 0),
+            3);
+  EXPECT_EQ(host::guarded(
+                "[QB] step ex: %@", []() -> int { rt::raise("X", "boom"); }, 9),
+            9);
   ASSERT_FALSE(device.log().empty());
   EXPECT_EQ(device.log().back().text, "[QB] step ex: boom");
 }

@@ -33,8 +33,9 @@ std::vector<std::string> systemKeys() {
   for (const char* k : host::kServiceCenterKeys) keys.push_back(k);
   for (const auto* list : {&host::kRemarkKeys, &host::kNicknameKeys, &host::kAliasKeys})
     for (std::string_view k : *list) keys.emplace_back(k);
-  for (const char* k : {"m_contactsDataLogic", "m_dataLogic", "_contactsDataLogic", "m_tableView", "tableView",
-                        "_tableView", "normalSessions", "topSessions", "allTopSessions"})
+  for (const char* k :
+       {"m_contactsDataLogic", "m_dataLogic", "_contactsDataLogic", "m_tableView", "tableView",
+        "_tableView", "normalSessions", "topSessions", "allTopSessions"})
     keys.push_back(k);
   return keys;
 }
@@ -67,7 +68,9 @@ bool sameAnswer(Id a, Id b) {
 
 Id text(Id, SEL) { return rt::str("accessor"); }
 long number(Id, SEL) { return 7; }
-Id undefinedAnswer(Id, SEL, Id key) { return rt::str("undefined:" + rt::asString(key).value_or("")); }
+Id undefinedAnswer(Id, SEL, Id key) {
+  return rt::str("undefined:" + rt::asString(key).value_or(""));
+}
 Id customValue(Id, SEL, Id key) { return rt::str("custom:" + rt::asString(key).value_or("")); }
 bool no(Id, SEL) { return false; }
 long countOf(Id, SEL) { return 2; }
@@ -103,8 +106,8 @@ TEST_F(KvcProbe, EveryHostAndFoundationClassAnswersAsKeyValueCoding) {
   // Foundation's value classes have no empty instance worth the name: they
   // are checked below with real values.
   auto isValueClass = [](Id obj) {
-    for (const char* v : {"NSString", "NSNumber", "NSArray", "NSDictionary", "NSSet", "NSIndexPath", "NSData", "NSDate",
-                          "NSNull"})
+    for (const char* v : {"NSString", "NSNumber", "NSArray", "NSDictionary", "NSSet", "NSIndexPath",
+                          "NSData", "NSDate", "NSNull"})
       if (rt::isKindOf(obj, v)) return true;
     return false;
   };
@@ -118,7 +121,8 @@ TEST_F(KvcProbe, EveryHostAndFoundationClassAnswersAsKeyValueCoding) {
   // Live objects carry values, not just the shapes of their classes.
   check(host::QBRuntime::mmContext(), keys);
   check(host::QBRuntime::serviceNamed("MainSessionMgr"), keys);
-  for (Id s : rt::elements(rt::send<Id>(host::QBRuntime::serviceNamed("MainSessionMgr"), "normalSessions")))
+  for (Id s : rt::elements(
+           rt::send<Id>(host::QBRuntime::serviceNamed("MainSessionMgr"), "normalSessions")))
     check(s, keys);
   check(rt::dictionary({{rt::str("m_nsUsrName"), rt::str("x")}}), keys);
   check(rt::mutableDictionary({{rt::str("contact"), rt::str("y")}}), keys);
@@ -140,18 +144,43 @@ TEST_F(KvcProbe, GeneratedShapesAgreeAndNoUnknownKeyRaises) {
     sim::ClassBuilder b("Generated" + std::to_string(n));
     const std::string& stem = stems[rng() % stems.size()];
     switch (rng() % 12) {
-      case 0: b.method("get" + cap(stem), text); break;
-      case 1: b.method(stem, text); break;
-      case 2: b.method("is" + cap(stem), number); break;
-      case 3: b.method("_" + stem, text); break;
-      case 4: b.ivar("_" + stem, "@"); break;
-      case 5: b.ivar("_is" + cap(stem), "q"); break;
-      case 6: b.ivar(stem, "@"); break;
-      case 7: b.ivar("is" + cap(stem), "B"); break;
-      case 8: b.ivar(stem, "@").classMethod("accessInstanceVariablesDirectly", no); break;
-      case 9: b.method("valueForUndefinedKey:", undefinedAnswer); break;
-      case 10: b.method("valueForKey:", customValue); break;
-      case 11: b.method("countOf" + cap(stem), countOf).method("objectIn" + cap(stem) + "AtIndex:", objectAt); break;
+      case 0:
+        b.method("get" + cap(stem), text);
+        break;
+      case 1:
+        b.method(stem, text);
+        break;
+      case 2:
+        b.method("is" + cap(stem), number);
+        break;
+      case 3:
+        b.method("_" + stem, text);
+        break;
+      case 4:
+        b.ivar("_" + stem, "@");
+        break;
+      case 5:
+        b.ivar("_is" + cap(stem), "q");
+        break;
+      case 6:
+        b.ivar(stem, "@");
+        break;
+      case 7:
+        b.ivar("is" + cap(stem), "B");
+        break;
+      case 8:
+        b.ivar(stem, "@").classMethod("accessInstanceVariablesDirectly", no);
+        break;
+      case 9:
+        b.method("valueForUndefinedKey:", undefinedAnswer);
+        break;
+      case 10:
+        b.method("valueForKey:", customValue);
+        break;
+      case 11:
+        b.method("countOf" + cap(stem), countOf)
+            .method("objectIn" + cap(stem) + "AtIndex:", objectAt);
+        break;
     }
     if (rng() % 4 == 0) b.method("m_nsUserName", raises);
     Id obj = rt::send<Id>(b.build(), "new");

@@ -38,7 +38,8 @@ TEST_F(Toolkit, SwizzlingAnInheritedMethodChangesOnlyTheHookedClass) {
   rt::Method before = rt::getInstanceMethod(base, rt::sel("greeting"));
   QBRuntime::swizzleInstance(sub, rt::sel("greeting"), rt::sel("qb_greeting"));
   EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sub, "new"), "greeting")), "qb+host");
-  EXPECT_EQ(rt::methodImplementation(before), reinterpret_cast<rt::IMP>(hostGreeting)) << "the superclass is untouched";
+  EXPECT_EQ(rt::methodImplementation(before), reinterpret_cast<rt::IMP>(hostGreeting))
+      << "the superclass is untouched";
   EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sibling, "new"), "greeting")), "host")
       << "a sibling neither changes nor recurses";
   EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(base, "new"), "greeting")), "host");
@@ -47,17 +48,21 @@ TEST_F(Toolkit, SwizzlingAnInheritedMethodChangesOnlyTheHookedClass) {
       << "the swizzled method was added to the class itself";
   EXPECT_STREQ(rt::typeEncoding(rt::getInstanceMethod(sub, rt::sel("qb_greeting"))), "@@:");
   QBRuntime::swizzleInstance(sub, rt::sel("greeting"), rt::sel("qb_greeting"));
-  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sub, "new"), "greeting")), "host") << "exchanged back";
+  EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(sub, "new"), "greeting")), "host")
+      << "exchanged back";
 }
 
 TEST_F(Toolkit, ReplacingAnInheritedMethodOverridesItOnTheClassItself) {
   rt::Class base = sim::ClassBuilder("CounterBase").method("count:", hostCount).build();
   rt::Class sub = sim::ClassBuilder("CounterSub", "CounterBase").build();
   rt::IMP store = nullptr;
-  EXPECT_TRUE(QBRuntime::replace(sub, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount), &store));
-  EXPECT_EQ(store, reinterpret_cast<rt::IMP>(hostCount)) << "the inherited implementation is stored";
+  EXPECT_TRUE(QBRuntime::replace(sub, rt::sel("count:"),
+                                 reinterpret_cast<rt::IMP>(replacementCount), &store));
+  EXPECT_EQ(store, reinterpret_cast<rt::IMP>(hostCount))
+      << "the inherited implementation is stored";
   EXPECT_EQ(rt::send<long>(rt::send<Id>(sub, "new"), "count:", 2L), 2);
-  EXPECT_EQ(rt::send<long>(rt::send<Id>(base, "new"), "count:", 2L), 12) << "the superclass keeps its method";
+  EXPECT_EQ(rt::send<long>(rt::send<Id>(base, "new"), "count:", 2L), 12)
+      << "the superclass keeps its method";
   EXPECT_STREQ(rt::typeEncoding(rt::getInstanceMethod(sub, rt::sel("count:"))), "q@:q");
 }
 
@@ -66,14 +71,16 @@ TEST_F(Toolkit, SwizzleSkipsWhatIsMissingAndLogsIt) {
   QBRuntime::swizzleInstance(c, rt::sel("viewDidAppear:"), rt::sel("qb_x:"));
   QBRuntime::swizzleInstance(nullptr, rt::sel("a"), rt::sel("b"));
   QBRuntime::swizzleInstance(c, rt::sel("greeting"), nullptr);
-  EXPECT_EQ(logLines(), (std::vector<std::string>{"[QB][stable] swizzle skip Lonely viewDidAppear: / qb_x:"}));
+  EXPECT_EQ(logLines(),
+            (std::vector<std::string>{"[QB][stable] swizzle skip Lonely viewDidAppear: / qb_x:"}));
   EXPECT_EQ(rt::asString(rt::send<Id>(rt::send<Id>(c, "new"), "greeting")), "host");
 }
 
 TEST_F(Toolkit, ReplaceStoresTheOldImplementationFirst) {
   rt::Class c = sim::ClassBuilder("Counter").method("count:", hostCount).build();
   rt::IMP store = nullptr;
-  EXPECT_TRUE(QBRuntime::replace(c, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount), &store));
+  EXPECT_TRUE(QBRuntime::replace(c, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount),
+                                 &store));
   EXPECT_EQ(store, reinterpret_cast<rt::IMP>(hostCount));
   Id obj = rt::send<Id>(c, "new");
   EXPECT_EQ(rt::send<long>(obj, "count:", 2L), 2);
@@ -81,11 +88,13 @@ TEST_F(Toolkit, ReplaceStoresTheOldImplementationFirst) {
   EXPECT_EQ(logLines().back(), "[QB][stable] replace count: types=q@:q");
 
   rt::IMP untouched = reinterpret_cast<rt::IMP>(hostGreeting);
-  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("missing:"), reinterpret_cast<rt::IMP>(replacementCount), &untouched));
+  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("missing:"),
+                                  reinterpret_cast<rt::IMP>(replacementCount), &untouched));
   EXPECT_EQ(untouched, reinterpret_cast<rt::IMP>(hostGreeting)) << "the slot is left alone";
   EXPECT_EQ(logLines().back(), "[QB][stable] replace missing Counter missing:");
   EXPECT_FALSE(QBRuntime::replace(c, rt::sel("count:"), nullptr, &store));
-  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount), nullptr));
+  EXPECT_FALSE(QBRuntime::replace(c, rt::sel("count:"), reinterpret_cast<rt::IMP>(replacementCount),
+                                  nullptr));
 }
 
 TEST_F(Toolkit, FirstArgumentTypeCharacter) {
@@ -114,14 +123,17 @@ TEST_F(Toolkit, UsernameProbingOrder) {
   EXPECT_EQ(QBRuntime::usernameFrom(rt::null()), "");
   EXPECT_EQ(QBRuntime::usernameFrom(rt::str("")), "");
   EXPECT_EQ(QBRuntime::usernameFrom(rt::str("alice")), "alice");
-  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"m_nsUsrName", rt::str("")}, {"m_nsUserName", rt::str("bob")}})),
+  EXPECT_EQ(QBRuntime::usernameFrom(
+                messageLike({{"m_nsUsrName", rt::str("")}, {"m_nsUserName", rt::str("bob")}})),
             "bob");
   EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"m_nsChatRoomName", rt::str("team@chatroom")},
                                                  {"m_nsToUsr", rt::str("wxid_me")},
                                                  {"m_nsFromUsr", rt::str("alice")}})),
             "alice")
       << "sender before receiver before room";
-  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"username", rt::number(5)}, {"m_contact", messageLike({{"m_nsUsrName", rt::str("carol")}})}})),
+  EXPECT_EQ(QBRuntime::usernameFrom(
+                messageLike({{"username", rt::number(5)},
+                             {"m_contact", messageLike({{"m_nsUsrName", rt::str("carol")}})}})),
             "carol")
       << "non-strings are skipped, nested contacts read";
   // A host object whose keys raise (NSObject has none of them) gives nothing.
@@ -134,21 +146,25 @@ TEST_F(Toolkit, UsernameProbingOrder) {
 // Every key in the list, each holding its own name: taking them away from the
 // front one at a time must reveal them in exactly this order.
 TEST_F(Toolkit, UsernameKeysAreTriedInTheirFullOrder) {
-  const std::vector<const char*> direct = {"m_nsUsrName", "m_nsUserName",  "username",    "userName",
-                                           "usrName",     "sessionUsername", "m_username", "m_nsFromUsr",
-                                           "m_nsToUsr",   "m_nsRealChatUsr", "m_nsChatRoomName"};
+  const std::vector<const char*> direct = {"m_nsUsrName",     "m_nsUserName",    "username",
+                                           "userName",        "usrName",         "sessionUsername",
+                                           "m_username",      "m_nsFromUsr",     "m_nsToUsr",
+                                           "m_nsRealChatUsr", "m_nsChatRoomName"};
   for (std::size_t first = 0; first < direct.size(); ++first) {
     std::vector<std::pair<const char*, Id>> keys;
-    for (std::size_t i = direct.size(); i-- > first;) keys.emplace_back(direct[i], rt::str(direct[i]));
+    for (std::size_t i = direct.size(); i-- > first;)
+      keys.emplace_back(direct[i], rt::str(direct[i]));
     keys.emplace_back("m_contact", messageLike({{"m_nsUsrName", rt::str("nested")}}));
     EXPECT_EQ(QBRuntime::usernameFrom(messageLike(keys)), direct[first]);
   }
-  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"contact", messageLike({{"m_nsUsrName", rt::str("second")}})},
-                                                 {"m_contact", messageLike({{"m_nsUsrName", rt::str("first")}})}})),
+  EXPECT_EQ(QBRuntime::usernameFrom(
+                messageLike({{"contact", messageLike({{"m_nsUsrName", rt::str("second")}})},
+                             {"m_contact", messageLike({{"m_nsUsrName", rt::str("first")}})}})),
             "first")
       << "m_contact before contact";
-  EXPECT_EQ(QBRuntime::usernameFrom(messageLike({{"contact", messageLike({{"m_nsUsrName", rt::str("second")}})},
-                                                 {"m_contact", messageLike({{"m_nsUsrName", rt::str("")}})}})),
+  EXPECT_EQ(QBRuntime::usernameFrom(
+                messageLike({{"contact", messageLike({{"m_nsUsrName", rt::str("second")}})},
+                             {"m_contact", messageLike({{"m_nsUsrName", rt::str("")}})}})),
             "second");
 }
 
@@ -168,9 +184,11 @@ TEST_F(Toolkit, ContextAndServicesWithTheirFallBacks) {
 class ToolkitFallBacks : public qbtest::HostWorld {};
 
 TEST_F(ToolkitFallBacks, ContextFromTheManagerWhenTheClassMethodsAreMissing) {
-  for (const char* s : {"activeUserContext", "currentContext", "rootContext"}) host.build.lackingMethods.insert({"MMContext", "+" + std::string(s)});
+  for (const char* s : {"activeUserContext", "currentContext", "rootContext"})
+    host.build.lackingMethods.insert({"MMContext", "+" + std::string(s)});
   start();
-  EXPECT_EQ(rt::className(QBRuntime::mmContext()), "MMContext") << "through MMContextManager sharedInstance";
+  EXPECT_EQ(rt::className(QBRuntime::mmContext()), "MMContext")
+      << "through MMContextManager sharedInstance";
 }
 
 TEST_F(ToolkitFallBacks, TheDefaultCenterWhenThereIsNoContext) {
@@ -195,8 +213,9 @@ TEST_F(ToolkitFallBacks, RaisingHostMethodsAreLoggedAndGiveNothing) {
 
 TEST_F(ToolkitFallBacks, KeyWindowAndTheViewControllerTreeBreadthFirst) {
   start();
-  Id nav = rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"), "initWithRootViewController:",
-                        rt::send<Id>(rt::getClass("UIViewController"), "new"));
+  Id nav = rt::send<Id>(
+      rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
+      "initWithRootViewController:", rt::send<Id>(rt::getClass("UIViewController"), "new"));
   Id presented = rt::send<Id>(rt::getClass("UIViewController"), "new");
   Id keyWindow = QBRuntime::keyWindow();
   ASSERT_NE(keyWindow, nullptr);

@@ -6,4 +6,6 @@ void notImplementedAnywhere(int);
 
 extern "C" int* __errno_location();
 
-__attribute__((constructor)) static void badEntry() { ui::notImplementedAnywhere(*__errno_location()); }
+__attribute__((constructor)) static void badEntry() {
+  ui::notImplementedAnywhere(*__errno_location());
+}

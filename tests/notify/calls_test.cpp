@@ -68,7 +68,8 @@ TEST_F(Calls, UnansweredCallLeavesAMissedCallMessage) {
 }
 
 // Each host build ends the call its own way.
-class EndSelectors : public qbtest::NotifyWorld, public ::testing::WithParamInterface<std::pair<const char*, const char*>> {};
+class EndSelectors : public qbtest::NotifyWorld,
+                     public ::testing::WithParamInterface<std::pair<const char*, const char*>> {};
 
 TEST_P(EndSelectors, EndsThroughWhatTheHostHas) {
   auto [variant, line] = GetParam();
@@ -86,11 +87,12 @@ TEST_P(EndSelectors, EndsThroughWhatTheHostHas) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Variants, EndSelectors,
-                         ::testing::Values(std::pair{"", "[QB] CallKit requestEndCallTrans"},
-                                           std::pair{"callkit-end-reportended", "[QB] CallKit reportCallEnded"},
-                                           std::pair{"callkit-end-atdate", "[QB] CallKit reportCallEndedAtDate"},
-                                           std::pair{"callkit-end-none", ""}));
+INSTANTIATE_TEST_SUITE_P(
+    Variants, EndSelectors,
+    ::testing::Values(std::pair{"", "[QB] CallKit requestEndCallTrans"},
+                      std::pair{"callkit-end-reportended", "[QB] CallKit reportCallEnded"},
+                      std::pair{"callkit-end-atdate", "[QB] CallKit reportCallEndedAtDate"},
+                      std::pair{"callkit-end-none", ""}));
 
 TEST_F(Calls, PushKitFindsTheManagerThroughTheServiceRegistry) {
   host.build.lackingMethods.insert({"VoipCXMgr", "+sharedInstance"});

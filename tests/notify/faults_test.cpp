@@ -16,18 +16,23 @@ const std::pair<const char*, const char*> kHooked[] = {
     {"MainFrameLogicController", "playNewMsgNotify:NotifyFlag:"},
     {"MMNewSessionMgr", "p_notifyNewMsg:withNotifyFlag:"},
     {"MMLocalNotificationUtil",
-     "+showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:threadIdentifier:"
+     "+showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
+     "threadIdentifier:"
      "fromUserName:fromNotFrient:showHeadImage:"},
-    {"MMLocalNotificationMgr", "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:"},
-    {"MMLocalNotificationMgr", "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:"},
+    {"MMLocalNotificationMgr",
+     "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:"},
+    {"MMLocalNotificationMgr",
+     "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:"},
     {"MMLocalNotificationMgr", "OnShowPush:isAlwaysShow:"},
     {"MonoServiceMsgMgr", "showLocalNotificationWithMsg:repeatVibration:silently:"},
     {"VoipCXMgr", "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:"},
-    {"VoIPPushKitNotifyService", "reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:"},
+    {"VoIPPushKitNotifyService",
+     "reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:"},
 };
 
 class MissingSelector : public qbtest::NotifyWorld,
-                        public ::testing::WithParamInterface<std::pair<const char*, const char*>> {};
+                        public ::testing::WithParamInterface<std::pair<const char*, const char*>> {
+};
 
 TEST_P(MissingSelector, TheRestStillGates) {
   host.build.lackingMethods.insert({GetParam().first, GetParam().second});

@@ -102,17 +102,20 @@ class SystemRequest : public qbtest::NotifyWorld {
     rt::Id content = rt::send<rt::Id>(rt::getClass("UNMutableNotificationContent"), "new");
     rt::send<void>(content, "setTitle:", rt::str("Someone"));
     rt::send<void>(content, "setBody:", rt::str(body));
-    rt::send<void>(content, "setSound:", rt::send<rt::Id>(rt::getClass("UNNotificationSound"), "defaultSound"));
+    rt::send<void>(content, "setSound:",
+                   rt::send<rt::Id>(rt::getClass("UNNotificationSound"), "defaultSound"));
     rt::send<void>(content, "setUserInfo:", userInfo);
     rt::send<void>(content, "setThreadIdentifier:", rt::str(thread));
-    return rt::send<rt::Id>(rt::getClass("UNNotificationRequest"), "requestWithIdentifier:content:trigger:",
-                            rt::str("r1"), content, rt::Id{nullptr});
+    return rt::send<rt::Id>(rt::getClass("UNNotificationRequest"),
+                            "requestWithIdentifier:content:trigger:", rt::str("r1"), content,
+                            rt::Id{nullptr});
   }
   // Adds through the center; returns whether the completion ran.
   bool add(rt::Id req) {
     bool completed = false;
     device.notices().begin("x", "message", "", 0);
-    rt::Id center = rt::send<rt::Id>(rt::getClass("UNUserNotificationCenter"), "currentNotificationCenter");
+    rt::Id center =
+        rt::send<rt::Id>(rt::getClass("UNUserNotificationCenter"), "currentNotificationCenter");
     rt::send<void>(center, "addNotificationRequest:withCompletionHandler:", req,
                    sim::makeCompletionBlock([&](rt::Id) { completed = true; }));
     return completed;
@@ -147,7 +150,8 @@ TEST_F(SystemRequest, ModeZeroCompletesWithoutAdding) {
 TEST_F(SystemRequest, SecretOnlyInANestedDictionaryStillCounts) {
   launch();
   setMode(0);
-  rt::Id nested = info({{rt::str("aps"), info({{rt::str("meta"), info({{rt::str("peer"), rt::str("bob")}})}})}});
+  rt::Id nested = info(
+      {{rt::str("aps"), info({{rt::str("meta"), info({{rt::str("peer"), rt::str("bob")}})}})}});
   add(request(nested, ""));
   EXPECT_EQ(last().banner, "");
   add(request(info({{rt::str("aps"), info({{rt::str("peer"), rt::str("alice")}})}}), ""));
@@ -194,7 +198,8 @@ TEST_F(Gating, BannerItemIsJudgedByTheMessageItWraps) {
     rt::Id m = rt::dictionary({{rt::str("m_nsFromUsr"), rt::str(from)}});
     rt::Id item = rt::dictionary({{rt::str("msgWrap"), m}});
     device.notices().begin(from, "message", "", 0);
-    rt::send<void>(hostapp::hostService("QuickReplyMsgViewController"), "showQuickReplyItem:dismissTimeout:", item, 3.0);
+    rt::send<void>(hostapp::hostService("QuickReplyMsgViewController"),
+                   "showQuickReplyItem:dismissTimeout:", item, 3.0);
     return device.notices().latest(from)->banner;
   };
   EXPECT_EQ(show("bob"), "");

@@ -41,18 +41,20 @@ class DirectHooks : public qbtest::NotifyWorld {
 TEST_F(DirectHooks, VibrateOnlyPushIsHandedOnSilent) {
   launch();
   setMode(1);
-  recordBehind("MMLocalNotificationMgr", "qb_showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:",
-               recordPush);
+  recordBehind(
+      "MMLocalNotificationMgr",
+      "qb_showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", recordPush);
   device.notices().begin("bob", "message", "", 0);
   Id mgr = hostapp::hostService("MMLocalNotificationMgr");
-  rt::send<void>(mgr, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", fromBob(),
-                 rt::str("id"), Id{nullptr}, false, false);
+  rt::send<void>(mgr, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:",
+                 fromBob(), rt::str("id"), Id{nullptr}, false, false);
   EXPECT_EQ(gPush.calls, 1);
   EXPECT_TRUE(gPush.silent);
   EXPECT_EQ(device.notices().latest("bob")->vibrations, 1);
   // From a VoIP push only the light block counts: both switches off drops it.
   rt::send<void>(mgr, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:",
-                 rt::dictionary({{rt::str("fromUserName"), rt::str("bob")}}), rt::str("id"), Id{nullptr}, true, false);
+                 rt::dictionary({{rt::str("fromUserName"), rt::str("bob")}}), rt::str("id"),
+                 Id{nullptr}, true, false);
   EXPECT_EQ(gPush.calls, 1);
 }
 
@@ -60,15 +62,16 @@ TEST_F(DirectHooks, ThreeArgumentPushVibratesThenCallsTheHost) {
   host.build.variants.insert("push-3arg");
   launch();
   setMode(1);
-  recordBehind("MMLocalNotificationMgr", "qb_showPushWithMessageWrap:fireDate:isFromVoipPush:", recordPushShort);
+  recordBehind("MMLocalNotificationMgr",
+               "qb_showPushWithMessageWrap:fireDate:isFromVoipPush:", recordPushShort);
   device.notices().begin("bob", "message", "", 0);
-  rt::send<void>(hostapp::hostService("MMLocalNotificationMgr"), "showPushWithMessageWrap:fireDate:isFromVoipPush:",
-                 fromBob(), Id{nullptr}, false);
+  rt::send<void>(hostapp::hostService("MMLocalNotificationMgr"),
+                 "showPushWithMessageWrap:fireDate:isFromVoipPush:", fromBob(), Id{nullptr}, false);
   EXPECT_EQ(gPush.calls, 1);
   EXPECT_EQ(device.notices().latest("bob")->vibrations, 1);
   setMode(0);
-  rt::send<void>(hostapp::hostService("MMLocalNotificationMgr"), "showPushWithMessageWrap:fireDate:isFromVoipPush:",
-                 fromBob(), Id{nullptr}, false);
+  rt::send<void>(hostapp::hostService("MMLocalNotificationMgr"),
+                 "showPushWithMessageWrap:fireDate:isFromVoipPush:", fromBob(), Id{nullptr}, false);
   EXPECT_EQ(gPush.calls, 1);
 }
 
@@ -86,12 +89,14 @@ TEST_F(DirectHooks, LocalNotificationGatesByItsOwnArguments) {
   setMode(0);
   rt::Class util = rt::getClass("MMLocalNotificationUtil");
   const char* sel =
-      "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:threadIdentifier:"
+      "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
+      "threadIdentifier:"
       "fromUserName:fromNotFrient:showHeadImage:";
   auto show = [&](const char* from, const char* body) {
     device.notices().begin(from, "message", body, 0);
-    rt::send<void>(util, sel, rt::str("id"), rt::str("c"), rt::str("T"), rt::str(body), rt::str("default"), 1L,
-                   rt::dictionary({}), Id{nullptr}, Id{nullptr}, rt::str(from), false, true);
+    rt::send<void>(util, sel, rt::str("id"), rt::str("c"), rt::str("T"), rt::str(body),
+                   rt::str("default"), 1L, rt::dictionary({}), Id{nullptr}, Id{nullptr},
+                   rt::str(from), false, true);
     return *device.notices().latest(from);
   };
   // Only the sender argument names the secret; the request the host builds
@@ -118,13 +123,15 @@ TEST_F(DirectHooks, LocalNotificationSecretOnlyInUserInfo) {
   gLocalShown = 0;
   rt::Class util = rt::getClass("MMLocalNotificationUtil");
   std::string sel =
-      "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:threadIdentifier:"
+      "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
+      "threadIdentifier:"
       "fromUserName:fromNotFrient:showHeadImage:";
-  rt::setImplementation(rt::getClassMethod(util, rt::sel("qb_" + sel)), reinterpret_cast<rt::IMP>(recordLocal));
+  rt::setImplementation(rt::getClassMethod(util, rt::sel("qb_" + sel)),
+                        reinterpret_cast<rt::IMP>(recordLocal));
   auto show = [&](const char* user) {
-    rt::send<void>(util, sel, rt::str("id"), rt::str("c"), rt::str("T"), rt::str("hi"), rt::str("default"), 1L,
-                   rt::dictionary({{rt::str("username"), rt::str(user)}}), Id{nullptr}, Id{nullptr}, Id{nullptr},
-                   false, true);
+    rt::send<void>(util, sel, rt::str("id"), rt::str("c"), rt::str("T"), rt::str("hi"),
+                   rt::str("default"), 1L, rt::dictionary({{rt::str("username"), rt::str(user)}}),
+                   Id{nullptr}, Id{nullptr}, Id{nullptr}, false, true);
   };
   show("bob");
   EXPECT_EQ(gLocalShown, 0);
@@ -152,10 +159,12 @@ TEST_F(DirectHooks, CallBannerFollowsTheVoiceSwitchForAnyMessage) {
 
 TEST_F(DirectHooks, CallWordsMarkALeftoverWithoutTheCallType) {
   launch();
-  Id cancelled = rt::dictionary({{rt::str("m_nsFromUsr"), rt::str("bob")}, {rt::str("m_nsContent"), rt::str("对方已取消")}});
+  Id cancelled = rt::dictionary(
+      {{rt::str("m_nsFromUsr"), rt::str("bob")}, {rt::str("m_nsContent"), rt::str("对方已取消")}});
   EXPECT_TRUE(notify::callLeftover(cancelled));
-  EXPECT_FALSE(notify::callLeftover(rt::dictionary({{rt::str("m_nsFromUsr"), rt::str("bob")},
-                                                    {rt::str("m_nsContent"), rt::str("晚饭吃什么")}})));
+  EXPECT_FALSE(
+      notify::callLeftover(rt::dictionary({{rt::str("m_nsFromUsr"), rt::str("bob")},
+                                           {rt::str("m_nsContent"), rt::str("晚饭吃什么")}})));
   setSwitches(true, true);
   EXPECT_FALSE(notify::callLeftover(cancelled));
 }
@@ -167,9 +176,11 @@ TEST_F(DirectHooks, QuickReplyTestLooksAtTheContactToo) {
   Id alice = rt::dictionary({{rt::str("m_nsUsrName"), rt::str("alice")}});
   EXPECT_FALSE(rt::send<bool>(mgr, "canShowPushForContact:msgWrap:", bob, Id{nullptr}));
   EXPECT_TRUE(rt::send<bool>(mgr, "canShowPushForContact:msgWrap:", alice, Id{nullptr}));
-  EXPECT_FALSE(rt::send<bool>(mgr, "canShowPushAtViewController:sessionUserName:", Id{nullptr}, rt::str("bob")));
+  EXPECT_FALSE(rt::send<bool>(mgr, "canShowPushAtViewController:sessionUserName:", Id{nullptr},
+                              rt::str("bob")));
   setMode(1);
-  EXPECT_TRUE(rt::send<bool>(mgr, "canShowPushAtViewController:sessionUserName:", Id{nullptr}, rt::str("bob")));
+  EXPECT_TRUE(rt::send<bool>(mgr, "canShowPushAtViewController:sessionUserName:", Id{nullptr},
+                             rt::str("bob")));
 }
 
 // The type argument: 1 and 2 are video, 0 is voice, a string never counts.
@@ -178,8 +189,9 @@ TEST_F(DirectHooks, CallKitTypeArgument) {
   setSwitches(true, false);
   Id cx = rt::send<Id>(rt::getClass("VoipCXMgr"), "sharedInstance");
   auto report = [&](Id type) {
-    rt::send<void>(cx, "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:", rt::str("bob"),
-                   type, Id{nullptr}, false, Id{nullptr}, Id{nullptr});
+    rt::send<void>(cx,
+                   "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:",
+                   rt::str("bob"), type, Id{nullptr}, false, Id{nullptr}, Id{nullptr});
   };
   report(rt::number(2));
   report(rt::number(1));

@@ -38,14 +38,18 @@ class InviteGuard : public qbtest::NotifyWorld {
         .method("loadBreadthView", loadView)
         .build();
     rt::Class inviteHost = rt::getClass("VoipInviteHost");
-    ASSERT_TRUE(notify::installInviteHook(InviteHook::ProcessInviteMsg, inviteHost, "processInviteMsg:"));
-    ASSERT_TRUE(notify::installInviteHook(InviteHook::HandleInviteMonoMsg, inviteHost, "handleInviteMonoMsg:"));
-    ASSERT_TRUE(notify::installInviteHook(InviteHook::LoadBreadthView, rt::getClass("VoIPInvitationBreadthView"),
-                                          "loadBreadthView"));
-    EXPECT_FALSE(notify::installInviteHook(InviteHook::VcUpdate, inviteHost, "vc_updateWithInvitationInfo:"));
+    ASSERT_TRUE(
+        notify::installInviteHook(InviteHook::ProcessInviteMsg, inviteHost, "processInviteMsg:"));
+    ASSERT_TRUE(notify::installInviteHook(InviteHook::HandleInviteMonoMsg, inviteHost,
+                                          "handleInviteMonoMsg:"));
+    ASSERT_TRUE(notify::installInviteHook(
+        InviteHook::LoadBreadthView, rt::getClass("VoIPInvitationBreadthView"), "loadBreadthView"));
+    EXPECT_FALSE(notify::installInviteHook(InviteHook::VcUpdate, inviteHost,
+                                           "vc_updateWithInvitationInfo:"));
   }
   static Id invite(const char* from, bool video) {
-    return rt::dictionary({{rt::str("fromUserName"), rt::str(from)}, {rt::str("isVideo"), rt::boolNumber(video)}});
+    return rt::dictionary(
+        {{rt::str("fromUserName"), rt::str(from)}, {rt::str("isVideo"), rt::boolNumber(video)}});
   }
 };
 
@@ -61,7 +65,8 @@ TEST_F(InviteGuard, BlockedInviteIsDroppedOthersReachTheHost) {
   rt::send<void>(mgr, "processInviteMsg:", invite("alice", true));
   // The user's own call is never blocked.
   rt::send<void>(mgr, "processInviteMsg:",
-                 rt::dictionary({{rt::str("fromUserName"), rt::str("wxid_me")}, {rt::str("isVideo"), rt::boolNumber(true)}}));
+                 rt::dictionary({{rt::str("fromUserName"), rt::str("wxid_me")},
+                                 {rt::str("isVideo"), rt::boolNumber(true)}}));
   EXPECT_EQ(gProcessed, 3);
 }
 
@@ -91,8 +96,9 @@ TEST_F(InviteGuard, InvitationViewsAreHiddenInEveryWindow) {
   launch();
   defineInviteHost();
   Id view = rt::send<Id>(rt::getClass("VoIPInvitationBreadthView"), "new");
-  rt::setIvarObject(view, rt::getInstanceVariable(rt::getClass("VoIPInvitationBreadthView"), "fromUserName"),
-                    rt::str("bob"));
+  rt::setIvarObject(
+      view, rt::getInstanceVariable(rt::getClass("VoIPInvitationBreadthView"), "fromUserName"),
+      rt::str("bob"));
   Id container = rt::send<Id>(rt::getClass("UIView"), "new");
   rt::send<void>(container, "addSubview:", view);
   Id window = sim::addWindow(nullptr, false);

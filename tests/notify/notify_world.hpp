@@ -35,7 +35,9 @@ class NotifyWorld : public HostWorld {
     process->runDue();
     return recorded(device.notices().latestCall(from));
   }
-  sim::Announcement latestCall(const std::string& from) { return recorded(device.notices().latestCall(from)); }
+  sim::Announcement latestCall(const std::string& from) {
+    return recorded(device.notices().latestCall(from));
+  }
   // A crashed app records nothing more; say so rather than read a record that is not there.
   sim::Announcement recorded(std::optional<sim::Announcement> a) {
     EXPECT_FALSE(process->crashed()) << process->crashReason();

@@ -24,29 +24,42 @@ class Probes : public qbtest::NotifyWorld {
 TEST_F(Probes, MessageSenderOrder) {
   launch();
   // A group chat under a later key beats a person under an earlier one.
-  EXPECT_EQ(notify::messageSender(dict({{"m_nsFromUsr", str("alice")}, {"fromUser", str("team@chatroom")}})),
+  EXPECT_EQ(notify::messageSender(
+                dict({{"m_nsFromUsr", str("alice")}, {"fromUser", str("team@chatroom")}})),
             "team@chatroom");
   // The user's own outgoing message belongs to the receiver.
-  EXPECT_EQ(notify::messageSender(dict({{"m_nsFromUsr", str("wxid_me")}, {"m_nsToUsr", str("bob")}})), "bob");
-  EXPECT_EQ(notify::messageSender(dict({{"m_nsFromUsr", str("alice")}, {"m_nsToUsr", str("wxid_me")}})), "alice");
+  EXPECT_EQ(
+      notify::messageSender(dict({{"m_nsFromUsr", str("wxid_me")}, {"m_nsToUsr", str("bob")}})),
+      "bob");
+  EXPECT_EQ(
+      notify::messageSender(dict({{"m_nsFromUsr", str("alice")}, {"m_nsToUsr", str("wxid_me")}})),
+      "alice");
   // From before to; toUserName when m_nsToUsr is absent.
   EXPECT_EQ(notify::messageSender(dict({{"toUserName", str("alice")}})), "alice");
-  EXPECT_EQ(notify::messageSender(dict({{"callerUserName", str("bob")}, {"userName", str("wxid_me")}})), "bob");
+  EXPECT_EQ(
+      notify::messageSender(dict({{"callerUserName", str("bob")}, {"userName", str("wxid_me")}})),
+      "bob");
   // Nested message objects.
-  EXPECT_EQ(notify::messageSender(dict({{"msgWrap", dict({{"fromUserName", str("bob")}})}})), "bob");
+  EXPECT_EQ(notify::messageSender(dict({{"msgWrap", dict({{"fromUserName", str("bob")}})}})),
+            "bob");
   EXPECT_EQ(notify::messageSender(dict({{"other", str("x")}})), "");
   // The second opinion: the toolkit's own order finds the secret.
-  EXPECT_EQ(notify::messageSender(dict({{"m_nsUsrName", str("bob")}, {"fromUserName", str("alice")}})), "bob");
+  EXPECT_EQ(
+      notify::messageSender(dict({{"m_nsUsrName", str("bob")}, {"fromUserName", str("alice")}})),
+      "bob");
 }
 
 TEST_F(Probes, CallerListsHaveTheirOwnOrder) {
   launch();
-  Id d = dict({{"m_nsFromUsr", str("a1")}, {"callerUserName", str("a2")}, {"realCallerUserName", str("a3")}});
+  Id d = dict({{"m_nsFromUsr", str("a1")},
+               {"callerUserName", str("a2")},
+               {"realCallerUserName", str("a3")}});
   EXPECT_EQ(notify::callCaller(d), "a3");
   EXPECT_EQ(notify::voipPushCaller(d), "a1");
   EXPECT_EQ(notify::inviteCaller(d), "a2");
   EXPECT_EQ(notify::inviteCaller(dict({{"_info", dict({{"inviteUserName", str("bob")}})}})), "bob");
-  EXPECT_EQ(notify::inviteCaller(dict({{"callerContact", dict({{"userName", str("bob")}})}})), "bob");
+  EXPECT_EQ(notify::inviteCaller(dict({{"callerContact", dict({{"userName", str("bob")}})}})),
+            "bob");
 }
 
 TEST_F(Probes, VideoDetectionAndOutgoingCalls) {
@@ -86,7 +99,8 @@ TEST_F(Probes, PredicatesFollowModeStateAndSwitches) {
   EXPECT_TRUE(notify::voipPushLightBlock(dict({{"fromUserName", str("bob")}})));
   setSwitches(true, true);
   EXPECT_FALSE(notify::voipPushLightBlock(dict({{"fromUserName", str("bob")}})));
-  EXPECT_FALSE(notify::callLeftover(dict({{"m_nsFromUsr", str("alice")}, {"m_uiMessageType", rt::number(50)}})));
+  EXPECT_FALSE(notify::callLeftover(
+      dict({{"m_nsFromUsr", str("alice")}, {"m_uiMessageType", rt::number(50)}})));
 }
 
 TEST_F(Probes, CallDetection) {

@@ -24,20 +24,23 @@ TEST_F(NotifyThreads, HooksFromSeveralThreadsWhileSettingsChange) {
   Id push = hostapp::hostService("MMLocalNotificationMgr");
   Id center = rt::send<Id>(rt::getClass("UNUserNotificationCenter"), "currentNotificationCenter");
   auto messageFrom = [](const char* u) {
-    return rt::dictionary({{rt::str("m_nsFromUsr"), rt::str(u)}, {rt::str("m_nsToUsr"), rt::str("wxid_me")}});
+    return rt::dictionary(
+        {{rt::str("m_nsFromUsr"), rt::str(u)}, {rt::str("m_nsToUsr"), rt::str("wxid_me")}});
   };
   auto requestFrom = [](const char* u) {
     Id content = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
     rt::send<void>(content, "setBody:", rt::str("hi"));
-    rt::send<void>(content, "setUserInfo:", rt::dictionary({{rt::str("fromUserName"), rt::str(u)}}));
-    return rt::send<Id>(rt::getClass("UNNotificationRequest"), "requestWithIdentifier:content:trigger:", rt::str(u),
-                        content, Id{nullptr});
+    rt::send<void>(content,
+                   "setUserInfo:", rt::dictionary({{rt::str("fromUserName"), rt::str(u)}}));
+    return rt::send<Id>(rt::getClass("UNNotificationRequest"),
+                        "requestWithIdentifier:content:trigger:", rt::str(u), content, Id{nullptr});
   };
   Id alice = messageFrom("alice"), bob = messageFrom("bob");
   Id aliceRequest = requestFrom("alice"), bobRequest = requestFrom("bob");
   std::atomic<int> completions{0};
   Id completion = sim::makeCompletionBlock([&](Id) { ++completions; });
-  const char* infoSel = "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
+  const char* infoSel =
+      "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
   // Once on the main thread, so lazily made host objects exist before the threads read them.
   rt::send<bool>(quickReply, "canShowPushForContact:msgWrap:", Id{nullptr}, bob);
   rt::send<Id>(push, infoSel, bob, 7L, false);
@@ -49,11 +52,12 @@ TEST_F(NotifyThreads, HooksFromSeveralThreadsWhileSettingsChange) {
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&] {
       for (int i = 0; i < kRounds; ++i) {
-        if (!rt::send<bool>(quickReply, "canShowPushForContact:msgWrap:", Id{nullptr}, alice)) ++aliceRefused;
+        if (!rt::send<bool>(quickReply, "canShowPushForContact:msgWrap:", Id{nullptr}, alice))
+          ++aliceRefused;
         rt::send<bool>(quickReply, "canShowPushForContact:msgWrap:", Id{nullptr}, bob);
         rt::send<Id>(push, infoSel, bob, 7L, true);
-        rt::send<void>(center, "addNotificationRequest:withCompletionHandler:", i % 2 ? aliceRequest : bobRequest,
-                       completion);
+        rt::send<void>(center, "addNotificationRequest:withCompletionHandler:",
+                       i % 2 ? aliceRequest : bobRequest, completion);
       }
     });
   }

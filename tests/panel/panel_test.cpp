@@ -140,7 +140,9 @@ TEST_F(Panel, OpeningRevealsAndHoldsBothFlagsUntilDone) {
   EXPECT_TRUE(config().unlocked());
   EXPECT_TRUE(config().suppressAutoLock());
   EXPECT_TRUE(config().suppressSessionApply());
-  EXPECT_EQ(sim::findExtra<sim::ScreenState>(rt::send<rt::Id>(p, "navigationController"))->modalPresentationStyle, 1);
+  EXPECT_EQ(sim::findExtra<sim::ScreenState>(rt::send<rt::Id>(p, "navigationController"))
+                ->modalPresentationStyle,
+            1);
   process->runGuarded([&] { sim::pressLeftBarButton(p); });
   wait(1);
   EXPECT_FALSE(config().unlocked());

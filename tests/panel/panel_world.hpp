@@ -52,7 +52,9 @@ class PanelWorld : public HostWorld {
     process->runGuarded([&] { ok = sim::swipeDelete(sim::tableOf(panel), s, r); });
     return ok;
   }
-  void setTime(long hour, long minute) { sim::setPickerTime(sim::alertTimePicker(top()), hour, minute); }
+  void setTime(long hour, long minute) {
+    sim::setPickerTime(sim::alertTimePicker(top()), hour, minute);
+  }
   // A cold start of the app: what the settings file holds is what it shows.
   void coldStart() {
     process.reset();

@@ -13,7 +13,8 @@ using panel::QBContactPickController;
 using qbtest::PanelWorld;
 
 TEST(PickFilter, MatchesAnyFieldIgnoringCaseAndBlanks) {
-  std::vector<PickItem> items = {{"wxid_tom", "Boss", "Tom", "xabcx"}, {"zed_007", "Zed", "", ""}, {"amy", "Amy", "", ""}};
+  std::vector<PickItem> items = {
+      {"wxid_tom", "Boss", "Tom", "xabcx"}, {"zed_007", "Zed", "", ""}, {"amy", "Amy", "", ""}};
   EXPECT_EQ(QBContactPickController::filter(items, "   \n").size(), 3u);
   auto abc = QBContactPickController::filter(items, " ABC ");
   ASSERT_EQ(abc.size(), 1u);

@@ -54,7 +54,8 @@ TEST(Encoding, SignaturesOfCppFunctionTypes) {
   EXPECT_EQ((rt::signature<void>()), "v@:");
   EXPECT_EQ((rt::signature<bool, rt::Id, long>()), "B@:@q");
   EXPECT_EQ((rt::signature<rt::Id, unsigned, unsigned long, rt::SEL, rt::Class>()), "@@:IQ:#");
-  EXPECT_EQ((rt::signature<void, rt::CGRect, double, const char*>()), "v@:{CGRect={CGPoint=dd}{CGSize=dd}}d*");
+  EXPECT_EQ((rt::signature<void, rt::CGRect, double, const char*>()),
+            "v@:{CGRect={CGPoint=dd}{CGSize=dd}}d*");
   EXPECT_EQ((rt::signature<void, rt::IMP*, int*>()), "v@:^^?^i");
   EXPECT_EQ(rt::normalizedEncoding("v24@0:8Q16"), (rt::signature<void, unsigned long>()));
 }

@@ -35,7 +35,8 @@ TEST_F(Foundation, NumberReadingsFollowFoundationForNumbersAndStrings) {
   EXPECT_FALSE(rt::boolValue(rt::null())) << "NSNull does not answer boolValue";
   EXPECT_FALSE(rt::answersIntegerValue(rt::array({})));
   rt::Class c = sim::ClassBuilder("Countish").method("integerValue", hostInteger).build();
-  EXPECT_EQ(rt::integerValue(rt::send<Id>(c, "new")), 3) << "any object answering integerValue counts";
+  EXPECT_EQ(rt::integerValue(rt::send<Id>(c, "new")), 3)
+      << "any object answering integerValue counts";
 }
 
 TEST_F(Foundation, StringsCompareByTextAndCountUtf16) {
@@ -48,14 +49,16 @@ TEST_F(Foundation, StringsCompareByTextAndCountUtf16) {
   EXPECT_FALSE(rt::isEqual(rt::str("1"), rt::number(1)));
   EXPECT_TRUE(rt::send<bool>(rt::str("12345@chatroom"), "containsString:", rt::str("@chatroom")));
   EXPECT_TRUE(rt::send<bool>(rt::str("gh_abc"), "hasPrefix:", rt::str("gh_")));
-  EXPECT_EQ(rt::lowercase("VERSION Ünïcode ΣΑΣ"), "version ünïcode σας") << "full Unicode mapping, final sigma";
+  EXPECT_EQ(rt::lowercase("VERSION Ünïcode ΣΑΣ"), "version ünïcode σας")
+      << "full Unicode mapping, final sigma";
   EXPECT_EQ(rt::nonEmptyString(rt::str("")), std::nullopt);
   EXPECT_EQ(rt::asString(rt::number(1)), std::nullopt);
 }
 
 TEST_F(Foundation, TheBaseCaseMappingAgreesWithIcuWhereItClaimsCoverage) {
-  const std::pair<char32_t, char32_t> ranges[] = {{0x41, 0x7A}, {0xC0, 0xFE}, {0x100, 0x17F}, {0x386, 0x3CE},
-                                                  {0x400, 0x45F}, {0x460, 0x481}, {0x48A, 0x4BF}};
+  const std::pair<char32_t, char32_t> ranges[] = {{0x41, 0x7A},   {0xC0, 0xFE},   {0x100, 0x17F},
+                                                  {0x386, 0x3CE}, {0x400, 0x45F}, {0x460, 0x481},
+                                                  {0x48A, 0x4BF}};
   int compared = 0;
   for (auto [from, to] : ranges) {
     for (char32_t cp = from; cp <= to; ++cp) {
@@ -80,8 +83,9 @@ TEST_F(Foundation, LocalizedStandardCompareIsNumericAwareAndUsesTheChineseLocale
   EXPECT_EQ(rt::localizedStandardCompare("same", "same"), 0);
   EXPECT_NE(rt::localizedStandardCompare("a", "A"), 0) << "a total order";
   std::vector<std::string> names = {"张三", "阿明", "Bob", "李四", "alice"};
-  std::sort(names.begin(), names.end(),
-            [](const std::string& x, const std::string& y) { return rt::localizedStandardCompare(x, y) < 0; });
+  std::sort(names.begin(), names.end(), [](const std::string& x, const std::string& y) {
+    return rt::localizedStandardCompare(x, y) < 0;
+  });
   // The zh collation orders Han by pinyin, a(阿) < l(李) < z(张), ahead of Latin
   // (code-point order would put 张 first).
   EXPECT_EQ(names, (std::vector<std::string>{"阿明", "李四", "张三", "alice", "Bob"}));

@@ -38,17 +38,22 @@ TEST_F(Kvc, AccessorMethodsAreTriedInFoundationsOrder) {
                       .method("_name", underscoreName)
                       .ivar("_name", "@")
                       .build();
-  rt::Class noGet = sim::ClassBuilder("NoGet").method("name", plainName).method("_name", underscoreName).build();
-  rt::Class onlyIs = sim::ClassBuilder("OnlyIs").method("isName", isName).method("_name", underscoreName).build();
-  rt::Class onlyUnderscore = sim::ClassBuilder("OnlyUnderscore").method("_name", underscoreName).ivar("name", "@").build();
+  rt::Class noGet =
+      sim::ClassBuilder("NoGet").method("name", plainName).method("_name", underscoreName).build();
+  rt::Class onlyIs =
+      sim::ClassBuilder("OnlyIs").method("isName", isName).method("_name", underscoreName).build();
+  rt::Class onlyUnderscore =
+      sim::ClassBuilder("OnlyUnderscore").method("_name", underscoreName).ivar("name", "@").build();
   EXPECT_EQ(rt::asString(rt::valueForKey(rt::send<Id>(all, "new"), "name")), "from get");
   EXPECT_EQ(rt::asString(rt::valueForKey(rt::send<Id>(noGet, "new"), "name")), "from name");
   EXPECT_EQ(rt::asString(rt::valueForKey(rt::send<Id>(onlyIs, "new"), "name")), "from isName");
-  EXPECT_EQ(rt::asString(rt::valueForKey(rt::send<Id>(onlyUnderscore, "new"), "name")), "from _name");
+  EXPECT_EQ(rt::asString(rt::valueForKey(rt::send<Id>(onlyUnderscore, "new"), "name")),
+            "from _name");
 }
 
 TEST_F(Kvc, MethodsWithArgumentsAreNotAccessors) {
-  rt::Class c = sim::ClassBuilder("WithArg").method("name:", withArgument).ivar("name", "@").build();
+  rt::Class c =
+      sim::ClassBuilder("WithArg").method("name:", withArgument).ivar("name", "@").build();
   Id obj = rt::send<Id>(c, "new");
   EXPECT_EQ(rt::valueForKey(obj, "name"), nullptr) << "falls through to the (empty) ivar";
 }
@@ -81,7 +86,11 @@ TEST_F(Kvc, InstanceVariablesInFoundationsOrder) {
 }
 
 TEST_F(Kvc, ScalarsFromMethodsAreBoxed) {
-  rt::Class c = sim::ClassBuilder("Scalars").method("enabled", enabled).method("count", countOf).method("ratio", ratio).build();
+  rt::Class c = sim::ClassBuilder("Scalars")
+                    .method("enabled", enabled)
+                    .method("count", countOf)
+                    .method("ratio", ratio)
+                    .build();
   Id obj = rt::send<Id>(c, "new");
   Id e = rt::valueForKey(obj, "enabled");
   EXPECT_TRUE(rt::isNumber(e));
@@ -97,7 +106,8 @@ TEST_F(Kvc, UnknownKeysRaiseNSUnknownKeyException) {
     FAIL() << "must raise";
   } catch (const rt::Exception& e) {
     EXPECT_EQ(e.name, "NSUnknownKeyException");
-    EXPECT_NE(e.reason.find("not key value coding-compliant for the key m_nsUsrName"), std::string::npos);
+    EXPECT_NE(e.reason.find("not key value coding-compliant for the key m_nsUsrName"),
+              std::string::npos);
   }
   EXPECT_EQ(rt::probeKey(obj, "m_nsUsrName"), nullptr) << "the probing form swallows it";
   EXPECT_THROW(rt::setValueForKey(obj, rt::str("x"), "nope"), rt::Exception);
@@ -121,13 +131,18 @@ TEST_F(Kvc, DictionariesAnswerByKeyAndArraysMapTheirElements) {
 }
 
 TEST_F(Kvc, SettersAreUsedBeforeInstanceVariables) {
-  rt::Class c = sim::ClassBuilder("Settable").method("setTitle:", setTitle).method("setLevel:", setLevel).ivar("_title", "@").build();
+  rt::Class c = sim::ClassBuilder("Settable")
+                    .method("setTitle:", setTitle)
+                    .method("setLevel:", setLevel)
+                    .ivar("_title", "@")
+                    .build();
   Id obj = rt::send<Id>(c, "new");
   rt::setValueForKey(obj, rt::str("t"), "title");
   EXPECT_EQ(rt::asString(rt::getAssociatedObject(obj, &kTitleKey)), "t");
   EXPECT_EQ(rt::ivarObject(obj, rt::getInstanceVariable(c, "_title")), nullptr);
   rt::setValueForKey(obj, rt::str("  12abc"), "level");
-  EXPECT_EQ(rt::integerValue(rt::getAssociatedObject(obj, &kLevelKey)), 12) << "unboxed with integerValue";
+  EXPECT_EQ(rt::integerValue(rt::getAssociatedObject(obj, &kLevelKey)), 12)
+      << "unboxed with integerValue";
 }
 
 }  // namespace

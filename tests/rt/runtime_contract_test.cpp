@@ -59,7 +59,8 @@ TEST_F(RuntimeContract, ExchangeWithNullChangesNothing) {
 TEST_F(RuntimeContract, ExchangingAnInheritedMethodChangesTheSuperclass) {
   rt::Method inheritedOne = rt::getInstanceMethod(derived, rt::sel("one"));
   rt::Method three = rt::getInstanceMethod(derived, rt::sel("three"));
-  ASSERT_EQ(inheritedOne, rt::getInstanceMethod(base, rt::sel("one"))) << "the superclass's own record";
+  ASSERT_EQ(inheritedOne, rt::getInstanceMethod(base, rt::sel("one")))
+      << "the superclass's own record";
   rt::exchangeImplementations(inheritedOne, three);
   EXPECT_EQ(ask(b, "one"), 3);
   EXPECT_EQ(ask(d, "one"), 3);
@@ -85,7 +86,8 @@ TEST_F(RuntimeContract, SetImplementationReturnsTheOldOne) {
   rt::IMP old = rt::setImplementation(one, reinterpret_cast<rt::IMP>(answerTen));
   EXPECT_EQ(old, reinterpret_cast<rt::IMP>(answerOne));
   EXPECT_EQ(ask(d, "one"), 10);
-  EXPECT_EQ(rt::call<long>(old, b, rt::sel("one")), 1) << "a stored original still reaches the old behaviour";
+  EXPECT_EQ(rt::call<long>(old, b, rt::sel("one")), 1)
+      << "a stored original still reaches the old behaviour";
   EXPECT_EQ(rt::setImplementation(one, nullptr), nullptr);
   EXPECT_EQ(rt::setImplementation(nullptr, reinterpret_cast<rt::IMP>(answerOne)), nullptr);
   EXPECT_EQ(ask(b, "one"), 10);
@@ -94,13 +96,15 @@ TEST_F(RuntimeContract, SetImplementationReturnsTheOldOne) {
 TEST_F(RuntimeContract, LookupAndRespondsFollowSuperclassesAndMetaclasses) {
   EXPECT_TRUE(rt::respondsTo(d, rt::sel("one")));
   EXPECT_FALSE(rt::respondsTo(b, rt::sel("three")));
-  EXPECT_TRUE(rt::respondsTo(rt::toId(derived), rt::sel("new"))) << "class methods are the metaclass's";
+  EXPECT_TRUE(rt::respondsTo(rt::toId(derived), rt::sel("new")))
+      << "class methods are the metaclass's";
   EXPECT_FALSE(rt::respondsTo(rt::toId(derived), rt::sel("three")));
   EXPECT_TRUE(rt::respondsTo(rt::toId(derived), rt::sel("description")))
       << "the root metaclass inherits the root class's instance methods";
   EXPECT_FALSE(rt::respondsTo(nullptr, rt::sel("one")));
   EXPECT_FALSE(rt::respondsTo(d, nullptr));
-  EXPECT_EQ(rt::getClassMethod(derived, rt::sel("new")), rt::getClassMethod(rt::getClass("NSObject"), rt::sel("new")));
+  EXPECT_EQ(rt::getClassMethod(derived, rt::sel("new")),
+            rt::getClassMethod(rt::getClass("NSObject"), rt::sel("new")));
   EXPECT_EQ(rt::getInstanceMethod(nullptr, rt::sel("one")), nullptr);
   EXPECT_TRUE(rt::isKindOf(d, base));
   EXPECT_FALSE(rt::isKindOf(b, derived));
@@ -198,7 +202,8 @@ TEST(RuntimeProcesses, EveryProcessStartsWithAnUnhookedRuntime) {
   {
     sim::Process first(device);
     rt::Class c = sim::ClassBuilder("Host").method("one", answerOne).build();
-    rt::setImplementation(rt::getInstanceMethod(c, rt::sel("one")), reinterpret_cast<rt::IMP>(answerTen));
+    rt::setImplementation(rt::getInstanceMethod(c, rt::sel("one")),
+                          reinterpret_cast<rt::IMP>(answerTen));
     EXPECT_EQ(rt::send<long>(rt::send<Id>(c, "new"), "one"), 10);
   }
   sim::Process second(device);

@@ -30,7 +30,8 @@ class AtomicFile : public ::testing::Test {
   std::string path(const char* name) const { return (dir_ / name).string(); }
   std::vector<std::string> entries() const {
     std::vector<std::string> names;
-    for (const auto& e : fs::directory_iterator(dir_)) names.push_back(e.path().filename().string());
+    for (const auto& e : fs::directory_iterator(dir_))
+      names.push_back(e.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
   }
@@ -51,11 +52,13 @@ TEST_F(AtomicFile, WritesReplaceTheWholeFile) {
 
 TEST_F(AtomicFile, ACrashBeforeTheRenameKeepsTheOldFile) {
   ASSERT_TRUE(sim::writeFileAtomically(path("c.plist"), "old"));
-  EXPECT_FALSE(sim::writeFileAtomically(path("c.plist"), "new", sim::WriteFault::CrashBeforeRename));
+  EXPECT_FALSE(
+      sim::writeFileAtomically(path("c.plist"), "new", sim::WriteFault::CrashBeforeRename));
   EXPECT_EQ(sim::readWholeFile(path("c.plist")), "old");
   std::vector<std::string> names = entries();
   ASSERT_EQ(names.size(), 2u);
-  EXPECT_EQ(sim::readWholeFile(path(names[1].c_str())), "new") << "the dead process's complete temporary file";
+  EXPECT_EQ(sim::readWholeFile(path(names[1].c_str())), "new")
+      << "the dead process's complete temporary file";
   ASSERT_TRUE(sim::writeFileAtomically(path("c.plist"), "newer"));
   EXPECT_EQ(sim::readWholeFile(path("c.plist")), "newer");
 }
@@ -63,7 +66,8 @@ TEST_F(AtomicFile, ACrashBeforeTheRenameKeepsTheOldFile) {
 TEST_F(AtomicFile, FailuresAreReportedAndLeaveNothing) {
   EXPECT_FALSE(sim::writeFileAtomically(path("missing/x.plist"), "x"));
   fs::create_directory(dir_ / "folder");
-  EXPECT_FALSE(sim::writeFileAtomically(path("folder"), "x")) << "a folder cannot be replaced by a file";
+  EXPECT_FALSE(sim::writeFileAtomically(path("folder"), "x"))
+      << "a folder cannot be replaced by a file";
   EXPECT_EQ(entries(), std::vector<std::string>{"folder"});
   EXPECT_EQ(sim::readWholeFile(path("absent")), std::nullopt);
   EXPECT_EQ(sim::readWholeFile(path("folder")), std::nullopt);
@@ -71,19 +75,22 @@ TEST_F(AtomicFile, FailuresAreReportedAndLeaveNothing) {
 
 TEST_F(AtomicFile, APropertyListOnDiskReadsBack) {
   const base::Value v(base::Dictionary{{"secrets", base::Value(base::Array{base::Value("密友")})}});
-  ASSERT_TRUE(sim::writeFileAtomically(path("config.plist"), sim::encodePlist(v, sys::PlistFormat::Binary)));
+  ASSERT_TRUE(sim::writeFileAtomically(path("config.plist"),
+                                       sim::encodePlist(v, sys::PlistFormat::Binary)));
   std::optional<std::string> bytes = sim::readWholeFile(path("config.plist"));
   ASSERT_TRUE(bytes);
   EXPECT_EQ(sim::decodePlist(*bytes), v);
   ASSERT_TRUE(sim::writeFileAtomically(path("config.plist"), ""));
-  EXPECT_EQ(sim::decodePlist(*sim::readWholeFile(path("config.plist"))), std::nullopt) << "an empty file";
+  EXPECT_EQ(sim::decodePlist(*sim::readWholeFile(path("config.plist"))), std::nullopt)
+      << "an empty file";
 }
 
 TEST_F(AtomicFile, ConcurrentWritersNeverMixTheirBytes) {
   std::vector<std::thread> writers;
   for (char c : {'a', 'b', 'c', 'd'})
     writers.emplace_back([this, c] {
-      for (int i = 0; i < 25; ++i) EXPECT_TRUE(sim::writeFileAtomically(path("w"), std::string(4096, c)));
+      for (int i = 0; i < 25; ++i)
+        EXPECT_TRUE(sim::writeFileAtomically(path("w"), std::string(4096, c)));
     });
   for (std::thread& t : writers) t.join();
   std::optional<std::string> last = sim::readWholeFile(path("w"));

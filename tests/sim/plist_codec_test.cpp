@@ -19,7 +19,9 @@ using sys::PlistFormat;
 
 constexpr PlistFormat kForms[] = {PlistFormat::Xml, PlistFormat::Binary};
 
-std::optional<Value> roundTrip(const Value& v, PlistFormat f) { return sim::decodePlist(sim::encodePlist(v, f)); }
+std::optional<Value> roundTrip(const Value& v, PlistFormat f) {
+  return sim::decodePlist(sim::encodePlist(v, f));
+}
 
 std::string bigEndian(std::uint64_t v, unsigned width) {
   std::string out;
@@ -39,12 +41,13 @@ std::string binaryList(const std::vector<std::string>& objects, unsigned refSize
   std::uint64_t table = out.size();
   unsigned offsetSize = table < 0x100 ? 1 : table < 0x10000 ? 2 : 4;
   for (std::uint64_t o : offsets) out += bigEndian(o, offsetSize);
-  return out + std::string(6, '\0') + char(offsetSize) + char(refSize) + bigEndian(objects.size(), 8) +
-         bigEndian(0, 8) + bigEndian(table, 8);
+  return out + std::string(6, '\0') + char(offsetSize) + char(refSize) +
+         bigEndian(objects.size(), 8) + bigEndian(0, 8) + bigEndian(table, 8);
 }
 
 std::string arrayObject(const std::vector<std::uint64_t>& refs, unsigned refSize = 1) {
-  std::string out = refs.size() < 15 ? std::string(1, char(0xA0 | refs.size())) : "\xAF\x11" + bigEndian(refs.size(), 2);
+  std::string out = refs.size() < 15 ? std::string(1, char(0xA0 | refs.size()))
+                                     : "\xAF\x11" + bigEndian(refs.size(), 2);
   for (std::uint64_t r : refs) out += bigEndian(r, refSize);
   return out;
 }
@@ -59,7 +62,8 @@ std::string deepBinary(std::size_t depth) {
 }
 
 std::string xmlList(const std::string& body) {
-  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n" + body + "\n</plist>\n";
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n" + body +
+         "\n</plist>\n";
 }
 
 std::string deepXml(std::size_t depth) {
@@ -98,7 +102,8 @@ TEST(PlistRoundTrip, EveryTypeInBothForms) {
       {"data", Value(base::Data{0, 0xFF, '<', 0})},
       {"no data", Value(base::Data{})},
       {"date", Value(base::Date{817128000})},
-      {"nested", Value(base::Array{Value(base::Array{}), Value(base::Dictionary{{"z", Value(1)}, {"a", Value(2)}}),
+      {"nested", Value(base::Array{Value(base::Array{}),
+                                   Value(base::Dictionary{{"z", Value(1)}, {"a", Value(2)}}),
                                    Value(base::Array{Value(base::Array{Value("deep")})})})},
       {"after", Value(true)},
   });
@@ -108,13 +113,17 @@ TEST(PlistRoundTrip, EveryTypeInBothForms) {
 TEST(PlistRoundTrip, RootsNullsAndLargeLists) {
   base::Array many;
   for (int i = 0; i < 10000; ++i) many.emplace_back("secret " + std::to_string(i));
-  const Value withNulls(base::Dictionary{{"a", Value()}, {"b", Value(base::Array{Value(), Value(1), Value()})}});
+  const Value withNulls(
+      base::Dictionary{{"a", Value()}, {"b", Value(base::Array{Value(), Value(1), Value()})}});
   for (PlistFormat f : kForms) {
     EXPECT_EQ(roundTrip(Value(many), f), Value(many));
     EXPECT_EQ(roundTrip(Value("a string root"), f), Value("a string root"));
-    EXPECT_EQ(roundTrip(Value(), f), Value(base::Dictionary{})) << "a null root writes an empty dictionary";
-    EXPECT_EQ(roundTrip(withNulls, f), Value(base::Dictionary{{"b", Value(base::Array{Value(1)})}}));
-    EXPECT_EQ(roundTrip(Value("bad \xFF text"), f), Value("bad \xEF\xBF\xBD text")) << "written readable";
+    EXPECT_EQ(roundTrip(Value(), f), Value(base::Dictionary{}))
+        << "a null root writes an empty dictionary";
+    EXPECT_EQ(roundTrip(withNulls, f),
+              Value(base::Dictionary{{"b", Value(base::Array{Value(1)})}}));
+    EXPECT_EQ(roundTrip(Value("bad \xFF text"), f), Value("bad \xEF\xBF\xBD text"))
+        << "written readable";
   }
 }
 
@@ -142,7 +151,8 @@ TEST(PlistReading, XmlTextAsAnotherWriterWouldLeaveIt) {
   ASSERT_TRUE(v->isDictionary());
   std::vector<std::string> keys;
   for (const auto& [k, e] : *v->asDictionary()) keys.push_back(k);
-  EXPECT_EQ(keys, (std::vector<std::string>{"password", "mode", "huge", "on", "ratio", "blob", "when", "list"}));
+  EXPECT_EQ(keys, (std::vector<std::string>{"password", "mode", "huge", "on", "ratio", "blob",
+                                            "when", "list"}));
   EXPECT_EQ(*v->find("password"), Value("a & b 密<raw>"));
   EXPECT_EQ(*v->find("mode"), Value(-3));
   EXPECT_EQ(*v->find("huge"), Value(std::numeric_limits<long long>::max())) << "saturates";
@@ -171,7 +181,8 @@ TEST(PlistReading, BinaryUtf16SurrogatePairs) {
 }
 
 TEST(PlistDamage, TruncatedListsReadAsNothingOrWhole) {
-  const Value v(base::Dictionary{{"password", Value("1234")}, {"windows", Value(base::Array{Value(1), Value(2.5)})}});
+  const Value v(base::Dictionary{{"password", Value("1234")},
+                                 {"windows", Value(base::Array{Value(1), Value(2.5)})}});
   for (PlistFormat f : kForms) {
     const std::string bytes = sim::encodePlist(v, f);
     for (std::size_t n = 0; n <= bytes.size(); ++n) {
@@ -184,24 +195,28 @@ TEST(PlistDamage, TruncatedListsReadAsNothingOrWhole) {
       }
     }
   }
-  for (const char* text : {"", " ", "bplist00", "<plist><dict><key>a</key><string>b</dict></plist>",
-                           "<plist><array><true/>", "<plist><dict><key>unclosed", "not a property list"})
+  for (const char* text :
+       {"", " ", "bplist00", "<plist><dict><key>a</key><string>b</dict></plist>",
+        "<plist><array><true/>", "<plist><dict><key>unclosed", "not a property list"})
     EXPECT_EQ(sim::decodePlist(text), std::nullopt) << text;
 }
 
 TEST(PlistDamage, BrokenBinaryTrailers) {
-  const std::string good = sim::encodePlist(Value(base::Array{Value("a"), Value(7)}), PlistFormat::Binary);
+  const std::string good =
+      sim::encodePlist(Value(base::Array{Value("a"), Value(7)}), PlistFormat::Binary);
   ASSERT_TRUE(sim::decodePlist(good));
   const std::size_t t = good.size() - 32;
-  auto with = [&](std::size_t at, const std::string& bytes) { return std::string(good).replace(at, bytes.size(), bytes); };
+  auto with = [&](std::size_t at, const std::string& bytes) {
+    return std::string(good).replace(at, bytes.size(), bytes);
+  };
   for (const std::string& broken : {
-           with(t + 6, std::string(1, '\0')),               // offsets 0 bytes wide
-           with(t + 7, std::string(1, '\x09')),             // references 9 bytes wide
-           with(t + 8, bigEndian(1ull << 40, 8)),           // more objects than the file holds
-           with(t + 16, bigEndian(3, 8)),                   // root past the last object
-           with(t + 24, bigEndian(good.size() * 2, 8)),     // offset table past the end
-           with(t + 24, bigEndian(2, 8)),                   // offset table inside the header
-           with(t + 24, bigEndian(~0ull - 3, 8)),           // offset table wrapping around
+           with(t + 6, std::string(1, '\0')),            // offsets 0 bytes wide
+           with(t + 7, std::string(1, '\x09')),          // references 9 bytes wide
+           with(t + 8, bigEndian(1ull << 40, 8)),        // more objects than the file holds
+           with(t + 16, bigEndian(3, 8)),                // root past the last object
+           with(t + 24, bigEndian(good.size() * 2, 8)),  // offset table past the end
+           with(t + 24, bigEndian(2, 8)),                // offset table inside the header
+           with(t + 24, bigEndian(~0ull - 3, 8)),        // offset table wrapping around
        })
     EXPECT_EQ(sim::decodePlist(broken), std::nullopt);
 }
@@ -209,8 +224,10 @@ TEST(PlistDamage, BrokenBinaryTrailers) {
 TEST(PlistDamage, RandomBytesAndMutationsNeverCrash) {
   std::mt19937 rng(20261123);
   const Value v(base::Dictionary{{"secrets", Value(base::Array{Value("alice"), Value("密友")})},
-                                 {"mode", Value(1)}, {"at", Value(base::Date{3600})}});
-  std::vector<std::string> seeds = {sim::encodePlist(v, PlistFormat::Binary), sim::encodePlist(v, PlistFormat::Xml)};
+                                 {"mode", Value(1)},
+                                 {"at", Value(base::Date{3600})}});
+  std::vector<std::string> seeds = {sim::encodePlist(v, PlistFormat::Binary),
+                                    sim::encodePlist(v, PlistFormat::Xml)};
   int decoded = 0;
   for (int round = 0; round < 3000; ++round) {
     std::string bytes;
@@ -252,7 +269,8 @@ TEST(PlistHostile, SharedAndCyclicReferences) {
   doubling.push_back("\x09");
   EXPECT_EQ(sim::decodePlist(binaryList(doubling)), std::nullopt);
 
-  EXPECT_EQ(sim::decodePlist(binaryList({arrayObject({0})})), std::nullopt) << "an array inside itself";
+  EXPECT_EQ(sim::decodePlist(binaryList({arrayObject({0})})), std::nullopt)
+      << "an array inside itself";
   EXPECT_EQ(sim::decodePlist(binaryList({arrayObject({1}), arrayObject({0})})), std::nullopt);
   EXPECT_EQ(sim::decodePlist(binaryList({"\xD1\x01\x02", arrayObject({}), "\x09"})), std::nullopt)
       << "a dictionary key that is not a string";

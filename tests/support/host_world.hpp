@@ -40,7 +40,8 @@ class HostWorld : public ::testing::Test {
   void TearDown() override {
     if (process) {
       EXPECT_FALSE(process->crashed()) << process->crashReason();
-      for (const auto& v : process->runtime().violations()) ADD_FAILURE() << "runtime type mismatch: " << v;
+      for (const auto& v : process->runtime().violations())
+        ADD_FAILURE() << "runtime type mismatch: " << v;
     }
   }
   std::vector<std::string> logLines() const {
@@ -48,7 +49,8 @@ class HostWorld : public ::testing::Test {
     for (const auto& l : device.log()) out.push_back(l.text);
     return out;
   }
-  void addFriend(std::string username, std::string nick = "", std::string remark = "", std::string alias = "") {
+  void addFriend(std::string username, std::string nick = "", std::string remark = "",
+                 std::string alias = "") {
     hostapp::Friend f;
     f.username = std::move(username);
     f.nickname = std::move(nick);

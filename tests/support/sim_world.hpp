@@ -19,7 +19,8 @@ class SimWorld : public ::testing::Test {
   // under test; this makes any of them fail the test that caused it.
   void TearDown() override {
     if (!expectViolations_) {
-      for (const auto& v : process.runtime().violations()) ADD_FAILURE() << "runtime type mismatch: " << v;
+      for (const auto& v : process.runtime().violations())
+        ADD_FAILURE() << "runtime type mismatch: " << v;
     }
   }
   void allowViolations() { expectViolations_ = true; }

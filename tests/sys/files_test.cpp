@@ -61,8 +61,8 @@ TEST_F(ContainerFiles, ADamagedFileReadsAsNothing) {
 }
 
 TEST(PlistCodec, TextThatIsNotUtf8IsNotAPropertyList) {
-  std::string xml = sim::encodePlist(base::Value(base::Dictionary{{"password", base::Value("alice")}}),
-                                     sys::PlistFormat::Xml);
+  std::string xml = sim::encodePlist(
+      base::Value(base::Dictionary{{"password", base::Value("alice")}}), sys::PlistFormat::Xml);
   ASSERT_TRUE(sim::decodePlist(xml));
   std::string broken = xml;
   broken[broken.find("alice")] = '\xff';
@@ -71,10 +71,11 @@ TEST(PlistCodec, TextThatIsNotUtf8IsNotAPropertyList) {
 
 TEST(PlistCodec, AStringWithANulInsideDoesNotCrashTheReader) {
   // A binary list whose string holds "a\0b" (as a damaged or hostile file can).
-  const unsigned char bytes[] = {
-      'b', 'p', 'l', 'i', 's', 't', '0', '0', 0xd1, 0x01, 0x02, 0x58, 'p', 'a', 's', 's', 'w', 'o', 'r', 'd',
-      0x53, 'a', 0x00, 'b', 0x08, 0x0b, 0x14, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0,
-      0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x18};
+  const unsigned char bytes[] = {'b',  'p',  'l',  'i', 's', 't', '0', '0', 0xd1, 0x01, 0x02, 0x58,
+                                 'p',  'a',  's',  's', 'w', 'o', 'r', 'd', 0x53, 'a',  0x00, 'b',
+                                 0x08, 0x0b, 0x14, 0,   0,   0,   0,   0,   0,    1,    1,    0,
+                                 0,    0,    0,    0,   0,   0,   3,   0,   0,    0,    0,    0,
+                                 0,    0,    0,    0,   0,   0,   0,   0,   0,    0,    0x18};
   auto v = sim::decodePlist(std::string_view(reinterpret_cast<const char*>(bytes), sizeof bytes));
   ASSERT_TRUE(v);
   ASSERT_TRUE(v->find("password"));
@@ -83,10 +84,12 @@ TEST(PlistCodec, AStringWithANulInsideDoesNotCrashTheReader) {
 
 TEST(PlistCodec, DamagedBinaryListsAreRefusedNotFollowed) {
   std::string good = sim::encodePlist(
-      base::Value(base::Dictionary{{"secrets", base::Value(base::Array{base::Value("a"), base::Value("密友")})}}),
+      base::Value(base::Dictionary{
+          {"secrets", base::Value(base::Array{base::Value("a"), base::Value("密友")})}}),
       sys::PlistFormat::Binary);
   ASSERT_TRUE(sim::decodePlist(good));
-  for (std::size_t cut = 0; cut < good.size(); ++cut) EXPECT_EQ(sim::decodePlist(good.substr(0, cut)), std::nullopt) << cut;
+  for (std::size_t cut = 0; cut < good.size(); ++cut)
+    EXPECT_EQ(sim::decodePlist(good.substr(0, cut)), std::nullopt) << cut;
   std::string selfReference = good;
   // Point the array's first element at the top object: a cycle.
   std::size_t arrayAt = selfReference.find('\xA2');
@@ -104,13 +107,15 @@ TEST(PlistCodec, EveryTypeRoundTripsInBothForms) {
       {"s", base::Value("密友 ✓")},
       {"d", base::Value(base::Data{0, 1, 255})},
       {"t", base::Value(base::Date{817128000})},
-      {"a", base::Value(base::Array{base::Value(1), base::Value(base::Array{}), base::Value(base::Dictionary{})})},
+      {"a", base::Value(base::Array{base::Value(1), base::Value(base::Array{}),
+                                    base::Value(base::Dictionary{})})},
   });
   for (sys::PlistFormat f : {sys::PlistFormat::Xml, sys::PlistFormat::Binary})
     EXPECT_EQ(sim::decodePlist(sim::encodePlist(v, f)), v);
   base::Value withNull(base::Array{base::Value(1), base::Value(), base::Value(2)});
   EXPECT_EQ(sim::decodePlist(sim::encodePlist(withNull, sys::PlistFormat::Binary)),
-            base::Value(base::Array{base::Value(1), base::Value(2)})) << "property lists have no null";
+            base::Value(base::Array{base::Value(1), base::Value(2)}))
+      << "property lists have no null";
 }
 
 }  // namespace

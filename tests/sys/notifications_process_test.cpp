@@ -53,9 +53,10 @@ TEST(ProcessLifecycle, LaunchPostsThePlatformSequenceAroundTheLibraryAndHost) {
   };
   hooks.hostDidFinishLaunching = [&] { seen.push_back("host-first-screen"); };
   process.launch(hooks);
-  EXPECT_EQ(seen, (std::vector<std::string>{"library", "host-first-screen", sys::kDidFinishLaunching,
-                                             sys::kSceneWillConnect, sys::kSceneWillEnterForeground, "main-queue",
-                                             sys::kSceneDidActivate, sys::kDidBecomeActive}));
+  EXPECT_EQ(seen, (std::vector<std::string>{"library", "host-first-screen",
+                                            sys::kDidFinishLaunching, sys::kSceneWillConnect,
+                                            sys::kSceneWillEnterForeground, "main-queue",
+                                            sys::kSceneDidActivate, sys::kDidBecomeActive}));
   EXPECT_EQ(process.appState(), sim::AppState::Active);
   EXPECT_DOUBLE_EQ(device.elapsed(), 0) << "launch takes no virtual time";
 }

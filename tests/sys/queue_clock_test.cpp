@@ -14,7 +14,9 @@ class VirtualTime : public qbtest::SimWorld {
  protected:
   std::vector<std::string> order;
   auto note(std::string s) {
-    return [this, s] { order.push_back(s + "@" + std::to_string(sys::mediaTime() - sim::Device::kBootUptime)); };
+    return [this, s] {
+      order.push_back(s + "@" + std::to_string(sys::mediaTime() - sim::Device::kBootUptime));
+    };
   }
 };
 
@@ -27,8 +29,9 @@ TEST_F(VirtualTime, BlocksRunByDueTimeThenSubmissionOrder) {
   sys::after(-1, note("negative"));
   EXPECT_TRUE(order.empty()) << "nothing runs until the queue is driven";
   process.advance(1.0);
-  EXPECT_EQ(order, (std::vector<std::string>{"first@0.000000", "second@0.000000", "negative@0.000000",
-                                              "early@0.200000", "late@0.500000", "late2@0.500000"}));
+  EXPECT_EQ(order,
+            (std::vector<std::string>{"first@0.000000", "second@0.000000", "negative@0.000000",
+                                      "early@0.200000", "late@0.500000", "late2@0.500000"}));
   EXPECT_DOUBLE_EQ(device.elapsed(), 1.0);
 }
 

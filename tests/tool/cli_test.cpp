@@ -16,8 +16,9 @@ namespace {
 class Cli : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir = std::filesystem::temp_directory_path() / ("quenby-cli-" + std::to_string(::getpid()) + "-" +
-                                                     ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    dir = std::filesystem::temp_directory_path() /
+          ("quenby-cli-" + std::to_string(::getpid()) + "-" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name());
     std::filesystem::create_directories(dir);
   }
   void TearDown() override { std::filesystem::remove_all(dir); }
@@ -55,7 +56,9 @@ TEST_F(Cli, APassingScriptExitsZeroWithTheSummary) {
 TEST_F(Cli, AFailingExpectationExitsOneNamingFileAndLine) {
   std::string f = script("fail.qbs", "launch\n\nexpect log \"[QB] nothing like this\"\nquit\n");
   EXPECT_EQ(run({f}), 1);
-  EXPECT_NE(out.str().find(f + ":3: expect log \"[QB] nothing like this\": got "), std::string::npos) << out.str();
+  EXPECT_NE(out.str().find(f + ":3: expect log \"[QB] nothing like this\": got "),
+            std::string::npos)
+      << out.str();
   EXPECT_NE(out.str().find("0 passed, 1 failed"), std::string::npos);
 }
 
@@ -79,7 +82,8 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"friend alice nickname=A\n", ":1: bad option 'nickname=A'"},
       {"room team\n", ":1: room: a group chat's username ends in @chatroom"},
       {"launch\nhost lacks CContactMgr\n", ":2: host lacks: the app is already running"},
-      {"host breaks CContactMgr x\n", ":1: usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR"},
+      {"host breaks CContactMgr x\n",
+       ":1: usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR"},
       {"setting shakeHide maybe\n", ":1: setting shakeHide: expected true or false, got 'maybe'"},
       {"setting secretNotifyMode 3\n", ":1: setting secretNotifyMode: expected 0 to 2, got '3'"},
       {"setting nosuch 1\n", ":1: setting: unknown key 'nosuch'"},
@@ -131,8 +135,8 @@ TEST_F(Cli, ExpectFileReadsTheSettingsFileInTheContainer) {
                             "expect file tags [x y]\n");
   EXPECT_EQ(run({good}, options), 0) << out.str();
   for (const char* line : {"expect file shakeHide true\n", "expect file secretNotifyMode 2\n",
-                           "expect file secrets [alice]\n", "expect file tags [y x]\n", "expect file password 1234\n",
-                           "expect file missingKey 1\n"}) {
+                           "expect file secrets [alice]\n", "expect file tags [y x]\n",
+                           "expect file password 1234\n", "expect file missingKey 1\n"}) {
     std::string f = script("bad.qbs", line);
     EXPECT_EQ(run({f}, options), 1) << line << out.str();
   }
@@ -146,7 +150,8 @@ TEST_F(Cli, TheReplReportsErrorsAndGoesOn) {
   std::ostringstream o;
   EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 2);
   EXPECT_NE(o.str().find("repl:2: unknown command 'nope'"), std::string::npos) << o.str();
-  EXPECT_NE(o.str().find("repl:4: expect log \"no such line zz\": got"), std::string::npos) << o.str();
+  EXPECT_NE(o.str().find("repl:4: expect log \"no such line zz\": got"), std::string::npos)
+      << o.str();
 }
 
 TEST_F(Cli, TheDemoRunsToTheEnd) {

@@ -21,8 +21,10 @@ int runLines(const std::string& text, std::string& out) {
 TEST(NotifyCommands, ScriptErrors) {
   std::string out;
   EXPECT_EQ(runLines("host variant no-such-build\n", out), 2);
-  EXPECT_NE(out.find("s.qbs:1: host variant: unknown variant 'no-such-build'"), std::string::npos) << out;
-  EXPECT_EQ(runLines("launch\nhost variant push-3arg\n", out), 2) << "variants are chosen before launch";
+  EXPECT_NE(out.find("s.qbs:1: host variant: unknown variant 'no-such-build'"), std::string::npos)
+      << out;
+  EXPECT_EQ(runLines("launch\nhost variant push-3arg\n", out), 2)
+      << "variants are chosen before launch";
   EXPECT_EQ(runLines("call voice bob\n", out), 2) << "no app to call";
   EXPECT_EQ(runLines("launch\ncall audio bob\n", out), 2);
   EXPECT_EQ(runLines("launch\ncall voice\n", out), 2);

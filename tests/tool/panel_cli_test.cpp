@@ -34,30 +34,37 @@ class PanelCli : public ::testing::Test {
 TEST_F(PanelCli, TappingTheVersionBeforeTheLabelExistsIsAScriptError) {
   script("launch\nopen about\ntap version\n");
   EXPECT_EQ(run(), 2);
-  EXPECT_NE(out.str().find(path + ":3: tap version: the About page has no version label yet"), std::string::npos)
+  EXPECT_NE(out.str().find(path + ":3: tap version: the About page has no version label yet"),
+            std::string::npos)
       << out.str();
 }
 
 TEST_F(PanelCli, DeletingARowThatCannotBeDeletedIsAScriptError) {
-  script("launch\nopen about\nwait 1\n"
-         "tap version\ntap version\ntap version\ntap version\ntap version\n"
-         "type 7351\npress 确定\nwait 1\nexpect screen panel\npanel delete 0 0\n");
+  script(
+      "launch\nopen about\nwait 1\n"
+      "tap version\ntap version\ntap version\ntap version\ntap version\n"
+      "type 7351\npress 确定\nwait 1\nexpect screen panel\npanel delete 0 0\n");
   EXPECT_EQ(run(), 2);
-  EXPECT_NE(out.str().find(path + ":13: panel delete: 0 0 cannot be deleted"), std::string::npos) << out.str();
+  EXPECT_NE(out.str().find(path + ":13: panel delete: 0 0 cannot be deleted"), std::string::npos)
+      << out.str();
 }
 
 TEST_F(PanelCli, PanelCommandsNeedThePanelOnScreen) {
   script("launch\npanel tap 0 0\n");
   EXPECT_EQ(run(), 2);
-  EXPECT_NE(out.str().find(path + ":2: panel tap: the panel is not on screen"), std::string::npos) << out.str();
+  EXPECT_NE(out.str().find(path + ":2: panel tap: the panel is not on screen"), std::string::npos)
+      << out.str();
 }
 
 TEST_F(PanelCli, AnExpectedRowStateThatDoesNotHoldFails) {
-  script("launch\nopen about\nwait 1\n"
-         "tap version\ntap version\ntap version\ntap version\ntap version\n"
-         "type 7351\npress 确定\nwait 1\nexpect row 0 0 \"手动控制\" checked\nexpect row 0 1 \"定时控制\" checked\n");
+  script(
+      "launch\nopen about\nwait 1\n"
+      "tap version\ntap version\ntap version\ntap version\ntap version\n"
+      "type 7351\npress 确定\nwait 1\nexpect row 0 0 \"手动控制\" checked\nexpect row 0 1 "
+      "\"定时控制\" checked\n");
   EXPECT_EQ(run(), 1);
-  EXPECT_NE(out.str().find(":13: expect row 0 1 \"定时控制\" checked: got \"定时控制\" unchecked"), std::string::npos)
+  EXPECT_NE(out.str().find(":13: expect row 0 1 \"定时控制\" checked: got \"定时控制\" unchecked"),
+            std::string::npos)
       << out.str();
 }
 

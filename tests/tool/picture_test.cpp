@@ -37,9 +37,10 @@ class Pictures : public ::testing::Test {
     return p;
   }
   void openPanel() {
-    run({"friend alice nick=Alice", "friend bob nick=Bob", "session bob", "session alice", "secret bob", "launch",
-         "wait 2", "open about", "wait 1", "tap page", "tap page", "tap page", "tap page", "tap page", "type 7351",
-         "press 确定", "wait 1", "expect screen panel"});
+    run({"friend alice nick=Alice", "friend bob nick=Bob", "session bob", "session alice",
+         "secret bob", "launch", "wait 2", "open about", "wait 1", "tap page", "tap page",
+         "tap page", "tap page", "tap page", "type 7351", "press 确定", "wait 1",
+         "expect screen panel"});
   }
   static const sim::picture::DrawnRow& row(const Picture& p, const std::string& title) {
     for (const auto& r : p.rows)
@@ -59,8 +60,8 @@ class Pictures : public ::testing::Test {
 };
 
 TEST_F(Pictures, TheMainListShowsTheSecretOnlyWhenRevealed) {
-  run({"friend alice nick=Alice", "friend bob nick=Bob", "session bob", "session alice", "secret bob", "launch",
-       "wait 2", "expect hidden"});
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "session bob", "session alice",
+       "secret bob", "launch", "wait 2", "expect hidden"});
   Picture hidden = draw();
   EXPECT_EQ(hidden.width, 1170);
   EXPECT_EQ(hidden.height, 2532);
@@ -73,14 +74,15 @@ TEST_F(Pictures, TheMainListShowsTheSecretOnlyWhenRevealed) {
   EXPECT_EQ(revealed.rows[1].title, "Bob");
   // Rows are stacked, not drawn over each other, and start below the bars.
   EXPECT_GE(revealed.rows[0].frame.origin.y, 47 + 44);
-  EXPECT_GE(revealed.rows[1].frame.origin.y, revealed.rows[0].frame.origin.y + revealed.rows[0].frame.size.height);
+  EXPECT_GE(revealed.rows[1].frame.origin.y,
+            revealed.rows[0].frame.origin.y + revealed.rows[0].frame.size.height);
   EXPECT_EQ(revealed.unknownGlyphs, 0);
   EXPECT_GT(marked(revealed, revealed.rows[1].frame), 0) << "Bob's row is drawn";
 }
 
 TEST_F(Pictures, TheContactsListDrawsOneRowPerContactShown) {
-  run({"friend alice nick=Alice", "friend bob nick=Bob", "friend carol nick=卡罗", "secret bob", "launch", "wait 2",
-       "open contacts"});
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "friend carol nick=卡罗", "secret bob",
+       "launch", "wait 2", "open contacts"});
   Picture p = draw();
   std::vector<std::string> titles;
   for (const auto& r : p.rows) titles.push_back(r.title);
@@ -109,7 +111,8 @@ TEST_F(Pictures, ThePanelMarksTheCheckedModeAndTheSwitchesInBothModes) {
   EXPECT_EQ(row(schedule, "定时控制").state, "checked");
   EXPECT_EQ(marked(schedule, row(schedule, "手动控制").accessory), 0);
   EXPECT_GT(marked(schedule, row(schedule, "定时控制").accessory), 20);
-  EXPECT_NE(schedule.rows.size(), manual.rows.size()) << "schedule mode lists the daily windows instead";
+  EXPECT_NE(schedule.rows.size(), manual.rows.size())
+      << "schedule mode lists the daily windows instead";
   EXPECT_TRUE(schedule.symbols.count("plus"));
   EXPECT_EQ(schedule.unknownGlyphs, 0);
 }
@@ -125,7 +128,8 @@ TEST_F(Pictures, SwitchesLookOnOrOff) {
   auto green = [&](const sim::picture::DrawnRow& r) {
     int n = 0;
     for (double x = r.accessory.origin.x; x < r.accessory.origin.x + r.accessory.size.width; x += 1)
-      for (double y = r.accessory.origin.y; y < r.accessory.origin.y + r.accessory.size.height; y += 1) {
+      for (double y = r.accessory.origin.y; y < r.accessory.origin.y + r.accessory.size.height;
+           y += 1) {
         std::uint32_t px = p.pixel(x, y);
         int red = int(px >> 16 & 0xFF), g = int(px >> 8 & 0xFF);
         if (g > 150 && red < 100) ++n;
@@ -153,7 +157,8 @@ TEST_F(Pictures, TheWindowEditorsThreeDialogsAreCentredWithTheirWheelAndButtons)
   run({"panel tap 0 1", "panel tap 2 1", "wait 1", "time 22:30"});
   auto alertFrame = [&] {
     rt::CGRect f;
-    session.process()->runGuarded([&] { f = sim::viewState(rt::send<rt::Id>(sim::topController(), "view"))->frame; });
+    session.process()->runGuarded(
+        [&] { f = sim::viewState(rt::send<rt::Id>(sim::topController(), "view"))->frame; });
     return f;
   };
   auto has = [](const Picture& p, const std::string& text) {
@@ -199,7 +204,8 @@ TEST(PictureCanvas, CountsGlyphsNoFontHas) {
   sim::picture::Canvas c(100, 40, 1);
   c.text("密友", {{0, 0}, {100, 40}}, {17, ui::Weight::Regular}, ui::kLabel);
   EXPECT_EQ(c.unknownGlyphs(), 0);
-  c.text("\xEE\x80\x80", {{0, 0}, {100, 40}}, {17, ui::Weight::Regular}, ui::kLabel);  // U+E000, private use
+  c.text("\xEE\x80\x80", {{0, 0}, {100, 40}}, {17, ui::Weight::Regular},
+         ui::kLabel);  // U+E000, private use
   EXPECT_EQ(c.unknownGlyphs(), 1);
 }
 
@@ -224,22 +230,27 @@ TEST(PictureStory, AShowOfAScreenLeavesANumberedPictureAndOtherShowsNone) {
   std::filesystem::path dir =
       std::filesystem::temp_directory_path() / ("quenby-pictures-" + std::to_string(::getpid()));
   std::filesystem::path script = dir.string() + ".qbs";
-  std::ofstream(script) << "launch\nshow main\nshow state\nshow config\nshow log\nopen contacts\nshow contacts\n";
+  std::ofstream(script)
+      << "launch\nshow main\nshow state\nshow config\nshow log\nopen contacts\nshow contacts\n";
   qbsim::SimOptions options;
   options.picturesDir = dir.string();
   std::ostringstream out;
   ASSERT_EQ(qbsim::runFiles({script.string(), script.string()}, options, out), 0) << out.str();
   std::vector<std::string> names;
-  for (const auto& e : std::filesystem::directory_iterator(dir)) names.push_back(e.path().filename().string());
+  for (const auto& e : std::filesystem::directory_iterator(dir))
+    names.push_back(e.path().filename().string());
   std::sort(names.begin(), names.end());
-  EXPECT_EQ(names, (std::vector<std::string>{"001-main.png", "002-contacts.png", "003-main.png", "004-contacts.png"}))
+  EXPECT_EQ(names, (std::vector<std::string>{"001-main.png", "002-contacts.png", "003-main.png",
+                                             "004-contacts.png"}))
       << "the second file's pictures number on";
   std::ifstream f(dir / "001-main.png", std::ios::binary);
   std::string png((std::istreambuf_iterator<char>(f)), {});
   ASSERT_GT(png.size(), 24u);
   auto be32 = [&](std::size_t at) {
-    return (unsigned(static_cast<unsigned char>(png[at])) << 24) | (unsigned(static_cast<unsigned char>(png[at + 1])) << 16) |
-           (unsigned(static_cast<unsigned char>(png[at + 2])) << 8) | unsigned(static_cast<unsigned char>(png[at + 3]));
+    return (unsigned(static_cast<unsigned char>(png[at])) << 24) |
+           (unsigned(static_cast<unsigned char>(png[at + 1])) << 16) |
+           (unsigned(static_cast<unsigned char>(png[at + 2])) << 8) |
+           unsigned(static_cast<unsigned char>(png[at + 3]));
   };
   EXPECT_EQ(be32(16), 1170u);
   EXPECT_EQ(be32(20), 2532u);

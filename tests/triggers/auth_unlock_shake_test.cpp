@@ -151,7 +151,8 @@ TEST_F(Triggers, APasswordAlertThatNeverShowsOrIsTakenAwayFailsExactlyOnce) {
   QBAuth::authenticateWithMode(0, "", recorder(removed));
   wait(0.1);
   ASSERT_NE(alert(), nullptr);
-  process->runGuarded([&] { sim::dismissPresented(alert()); });  // the host dismisses what is presented
+  process->runGuarded(
+      [&] { sim::dismissPresented(alert()); });  // the host dismisses what is presented
   wait(1);
   EXPECT_EQ(removed.calls, 1);
   EXPECT_FALSE(removed.passed);
@@ -225,7 +226,8 @@ TEST_F(Triggers, NoBiometricHardwareAsksForThePassword) {
   sim::typeIntoAlert(alert(), "7351");
   press("确定");
   wait(1);
-  EXPECT_EQ(p.calls + o.calls, 1) << "one alert on screen at a time; the other presentation was refused";
+  EXPECT_EQ(p.calls + o.calls, 1)
+      << "one alert on screen at a time; the other presentation was refused";
 }
 
 TEST_F(Triggers, RevealDebounceAndOneAtATime) {
@@ -284,7 +286,8 @@ TEST_F(Triggers, TheLateReloadAfterARevealOnlyWhileStillRevealed) {
   QBUnlock::hideNow();
   std::size_t hidden = device.log().size();
   wait(1.5);
-  for (double t : forcedReloadTimes(hidden)) EXPECT_LT(t - success, 1.9) << "no late reload once hidden again";
+  for (double t : forcedReloadTimes(hidden))
+    EXPECT_LT(t - success, 1.9) << "no late reload once hidden again";
   EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a"}));
 }
 

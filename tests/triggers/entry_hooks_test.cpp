@@ -32,18 +32,23 @@ class Entry : public qbtest::HostWorld {
     wait(0.5);  // the labels come at 0.3 s, the late attach at 0.4 s
   }
   rt::Id view() { return rt::send<rt::Id>(page, "view"); }
-  rt::Id bar() { return rt::send<rt::Id>(rt::send<rt::Id>(page, "navigationController"), "navigationBar"); }
+  rt::Id bar() {
+    return rt::send<rt::Id>(rt::send<rt::Id>(page, "navigationController"), "navigationBar");
+  }
   rt::Id label() { return hostapp::aboutVersionLabel(page); }
   bool tapVersion() {
     rt::CGRect f = sim::viewState(label())->frame;
     rt::CGPoint p{f.origin.x + 10, f.origin.y + 10};
-    for (rt::Id v = sim::viewState(label())->superview; v != view(); v = sim::viewState(v)->superview) {
+    for (rt::Id v = sim::viewState(label())->superview; v != view();
+         v = sim::viewState(v)->superview) {
       p.x += sim::viewState(v)->frame.origin.x;
       p.y += sim::viewState(v)->frame.origin.y;
     }
     return sim::tapAt(view(), p);
   }
-  void tapNav(double dx) { sim::tapAt(bar(), {sim::viewState(bar())->frame.size.width / 2 + dx, 20}); }
+  void tapNav(double dx) {
+    sim::tapAt(bar(), {sim::viewState(bar())->frame.size.width / 2 + dx, 20});
+  }
   void tapPage(double y) { sim::tapAt(view(), {195, y}); }
   bool askedForPanel() {
     rt::Id top = sim::topController();
@@ -51,7 +56,8 @@ class Entry : public qbtest::HostWorld {
   }
   long recognizers(rt::Id v) {
     long n = 0;
-    for (rt::Id g : sim::viewState(v)->gestureRecognizers) n += rt::isKindOf(g, "UITapGestureRecognizer");
+    for (rt::Id g : sim::viewState(v)->gestureRecognizers)
+      n += rt::isKindOf(g, "UITapGestureRecognizer");
     return n;
   }
 };
@@ -170,7 +176,8 @@ TEST_F(EntryMissing, AHostWithoutTheAboutPageGetsNoHooks) {
   wait(1);
   EXPECT_EQ(countLog("[QB] SettingAboutMMViewController missing"), 1);
   EXPECT_EQ(countLog("[QB] entry = "), 0);
-  EXPECT_FALSE(rt::instancesRespondTo(rt::getClass("UIViewController"), rt::sel("qb_about_viewDidLoad")));
+  EXPECT_FALSE(
+      rt::instancesRespondTo(rt::getClass("UIViewController"), rt::sel("qb_about_viewDidLoad")));
 }
 
 TEST_F(Entry, InstallLogsTheEntryOnce) {

@@ -42,7 +42,8 @@ TEST_F(Drivers, AScheduleDayRevealsAtEightAndHidesAtTen) {
   EXPECT_TRUE(QBConfig::shared().unlocked());
   EXPECT_EQ(countLog("[QB] schedule apply → show"), 1);
   wait(1);
-  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"})) << "revealed without authentication";
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}))
+      << "revealed without authentication";
   device.setLocalTime(21, 59);
   wait(31);
   EXPECT_TRUE(QBConfig::shared().unlocked());
@@ -56,8 +57,9 @@ TEST_F(Drivers, AScheduleDayRevealsAtEightAndHidesAtTen) {
 TEST_F(Drivers, WindowsAcrossMidnightAndHideWindows) {
   launchInScheduleMode(23, 0);
   std::string m;
-  ASSERT_TRUE(QBConfig::shared().setDailyWindows(
-      core::windowsValue({{1320, 360, 0}, {360, 480, 1}}), &m)) << m;
+  ASSERT_TRUE(
+      QBConfig::shared().setDailyWindows(core::windowsValue({{1320, 360, 0}, {360, 480, 1}}), &m))
+      << m;
   QBSchedule::applyNow();
   EXPECT_TRUE(QBConfig::shared().unlocked()) << "23:00 is inside 22:00-06:00 show";
   device.setLocalTime(6, 30);
@@ -95,7 +97,8 @@ TEST_F(Drivers, LeavingTheForegroundLocksOnceForABurstOfNotifications) {
   ASSERT_TRUE(process->enterBackground());  // four notifications at once
   EXPECT_FALSE(c.unlocked());
   EXPECT_EQ(countLog("[QB] auto-lock ", before), 1);
-  EXPECT_EQ(countLog("[QB] auto-lock UISceneWillDeactivateNotification", before), 1) << "the first of them";
+  EXPECT_EQ(countLog("[QB] auto-lock UISceneWillDeactivateNotification", before), 1)
+      << "the first of them";
 }
 
 TEST_F(Drivers, LeavingHidesTheListsOnScreenAtOnceAndOncePerDeparture) {
@@ -114,7 +117,8 @@ TEST_F(Drivers, LeavingHidesTheListsOnScreenAtOnceAndOncePerDeparture) {
   for (int departure = 0; departure < 2; ++departure) {
     std::size_t before = device.log().size();
     ASSERT_TRUE(process->enterBackground());
-    EXPECT_EQ(host.lastSnapshot().mainRows, (std::vector<std::string>{"a", "b"})) << "departure " << departure;
+    EXPECT_EQ(host.lastSnapshot().mainRows, (std::vector<std::string>{"a", "b"}))
+        << "departure " << departure;
     EXPECT_EQ(countLog("[QB] softReload main force=1", before), perPass)
         << "the application's and the scene's notifications of one departure reload once";
     ASSERT_TRUE(process->enterForeground());
@@ -158,7 +162,9 @@ TEST_F(Drivers, AutoLockDebounceAndItsConditions) {
   EXPECT_TRUE(c.unlocked());
   EXPECT_EQ(countLog("[QB] auto-lock first"), 1);
   EXPECT_EQ(countLog("[QB] auto-lock later"), 1);
-  EXPECT_EQ(countLog("[QB] auto-lock too soon") + countLog("[QB] auto-lock during") + countLog("[QB] auto-lock schedule"), 0);
+  EXPECT_EQ(countLog("[QB] auto-lock too soon") + countLog("[QB] auto-lock during") +
+                countLog("[QB] auto-lock schedule"),
+            0);
 }
 
 // The application notifications alone lock, as on a system without scenes.

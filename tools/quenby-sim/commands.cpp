@@ -27,7 +27,8 @@ void execute(Session& session, const Command& command) {
   const CommandTable& table = commandTable();
   const std::string& first = command.words.at(0);
   std::string name = first;
-  if ((first == "show" || first == "expect") && command.words.size() >= 2) name = first + " " + command.words[1];
+  if ((first == "show" || first == "expect") && command.words.size() >= 2)
+    name = first + " " + command.words[1];
   auto it = table.find(name);
   if (it == table.end()) {
     if (first == "show" || first == "expect") {
@@ -48,8 +49,10 @@ std::vector<std::string> splitWords(const std::string& line) {
   for (std::size_t i = 0; i < line.size(); ++i) {
     char c = line[i];
     if (quoted) {
-      if (c == '"') quoted = false;
-      else current += c;
+      if (c == '"')
+        quoted = false;
+      else
+        current += c;
       continue;
     }
     if (c == '#') break;
@@ -78,11 +81,13 @@ double durationArg(const Command& c, std::size_t index, const std::string& usage
   const std::string& w = c.words.at(index);
   char* end = nullptr;
   double d = std::strtod(w.c_str(), &end);
-  if (w.empty() || *end || !(d >= 0) || d > 1e7) throw ScriptError{"bad duration '" + w + "' (usage: " + usage + ")"};
+  if (w.empty() || *end || !(d >= 0) || d > 1e7)
+    throw ScriptError{"bad duration '" + w + "' (usage: " + usage + ")"};
   return d;
 }
 
-void clockArg(const Command& c, std::size_t index, const std::string& usage, int& hour, int& minute) {
+void clockArg(const Command& c, std::size_t index, const std::string& usage, int& hour,
+              int& minute) {
   const std::string& w = c.words.at(index);
   auto digits = [](const std::string& s) {
     return !s.empty() && s.size() <= 2 && s.find_first_not_of("0123456789") == std::string::npos;

@@ -38,7 +38,8 @@ std::vector<std::string> splitWords(const std::string& line);
 
 // Argument readers that throw ScriptError naming the command's usage.
 double durationArg(const Command& c, std::size_t index, const std::string& usage);
-void clockArg(const Command& c, std::size_t index, const std::string& usage, int& hour, int& minute);
+void clockArg(const Command& c, std::size_t index, const std::string& usage, int& hour,
+              int& minute);
 void requireWords(const Command& c, std::size_t min, std::size_t max, const std::string& usage);
 
 void addLifecycleCommands(CommandTable& table);

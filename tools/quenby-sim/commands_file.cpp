@@ -55,20 +55,22 @@ bool matches(const std::string& key, const base::Value& v, const std::string& te
 }  // namespace
 
 void addFileCommands(CommandTable& t) {
-  t["expect file"] = {kUsage, [](Session& s, const Command& c) {
-                        if (c.words.size() < 4) throw ScriptError{std::string("usage: ") + kUsage};
-                        std::string text = c.words[3];
-                        for (std::size_t i = 4; i < c.words.size(); ++i) text += " " + c.words[i];
-                        if (c.words.size() > 4 && (text.front() != '[' || text.back() != ']'))
-                          throw ScriptError{std::string("usage: ") + kUsage + " (write a list as [a b])"};
-                        const std::string path = s.settingsPath();
-                        if (!sys::fileExists(path)) throw ExpectFailure{"no settings file"};
-                        std::optional<base::Value> root = sys::readPropertyList(path);
-                        if (!root || !root->isDictionary()) throw ExpectFailure{"a settings file that is not a dictionary"};
-                        const base::Value* v = root->find(c.words[2]);
-                        if (!v) throw ExpectFailure{"no key " + c.words[2]};
-                        if (!matches(c.words[2], *v, text)) throw ExpectFailure{base::describe(*v)};
-                      }};
+  t["expect file"] = {
+      kUsage, [](Session& s, const Command& c) {
+        if (c.words.size() < 4) throw ScriptError{std::string("usage: ") + kUsage};
+        std::string text = c.words[3];
+        for (std::size_t i = 4; i < c.words.size(); ++i) text += " " + c.words[i];
+        if (c.words.size() > 4 && (text.front() != '[' || text.back() != ']'))
+          throw ScriptError{std::string("usage: ") + kUsage + " (write a list as [a b])"};
+        const std::string path = s.settingsPath();
+        if (!sys::fileExists(path)) throw ExpectFailure{"no settings file"};
+        std::optional<base::Value> root = sys::readPropertyList(path);
+        if (!root || !root->isDictionary())
+          throw ExpectFailure{"a settings file that is not a dictionary"};
+        const base::Value* v = root->find(c.words[2]);
+        if (!v) throw ExpectFailure{"no key " + c.words[2]};
+        if (!matches(c.words[2], *v, text)) throw ExpectFailure{base::describe(*v)};
+      }};
 }
 
 }  // namespace qbsim

@@ -28,17 +28,24 @@ void addHostCommands(CommandTable& t) {
                    const std::string usage = "friend USER [nick=T] [remark=T] [alias=T]";
                    requireWords(c, 2, 5, usage);
                    hostapp::Friend f;
-                   if (hostapp::Friend* existing = s.host().model.findFriend(c.words[1])) f = *existing;
+                   if (hostapp::Friend* existing = s.host().model.findFriend(c.words[1]))
+                     f = *existing;
                    f.username = c.words[1];
                    for (std::size_t i = 2; i < c.words.size(); ++i) {
                      const std::string& w = c.words[i];
-                     if (w.rfind("nick=", 0) == 0) f.nickname = option(c, i, "nick", usage);
-                     else if (w.rfind("remark=", 0) == 0) f.remark = option(c, i, "remark", usage);
-                     else if (w.rfind("alias=", 0) == 0) f.alias = option(c, i, "alias", usage);
-                     else throw ScriptError{"bad option '" + w + "' (usage: " + usage + ")"};
+                     if (w.rfind("nick=", 0) == 0)
+                       f.nickname = option(c, i, "nick", usage);
+                     else if (w.rfind("remark=", 0) == 0)
+                       f.remark = option(c, i, "remark", usage);
+                     else if (w.rfind("alias=", 0) == 0)
+                       f.alias = option(c, i, "alias", usage);
+                     else
+                       throw ScriptError{"bad option '" + w + "' (usage: " + usage + ")"};
                    }
-                   if (hostapp::Friend* existing = s.host().model.findFriend(f.username)) *existing = f;
-                   else s.host().model.friends.push_back(f);
+                   if (hostapp::Friend* existing = s.host().model.findFriend(f.username))
+                     *existing = f;
+                   else
+                     s.host().model.friends.push_back(f);
                  }};
   t["room"] = {"room USER@chatroom [title=T]", [](Session& s, const Command& c) {
                  const std::string usage = "room USER@chatroom [title=T]";
@@ -54,26 +61,31 @@ void addHostCommands(CommandTable& t) {
                    }
                  s.host().model.rooms.push_back({name, title});
                }};
-  t["host"] = {"host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME", [](Session& s, const Command& c) {
-                 if (c.words.size() >= 3 && c.words[1] == "lacks" && c.words.size() <= 4) {
-                   requireNotRunning(s, "host lacks");
-                   if (c.words.size() == 3) s.host().build.lackingClasses.insert(c.words[2]);
-                   else s.host().build.lackingMethods.insert({c.words[2], c.words[3]});
-                   return;
-                 }
-                 if (c.words.size() == 4 && c.words[1] == "raises") {
-                   s.host().makeRaising(c.words[2], c.words[3]);
-                   return;
-                 }
-                 if (c.words.size() == 3 && c.words[1] == "variant") {
-                   requireNotRunning(s, "host variant");
-                   if (!hostapp::knownHostVariants().count(c.words[2]))
-                     throw ScriptError{"host variant: unknown variant '" + c.words[2] + "'"};
-                   s.host().build.variants.insert(c.words[2]);
-                   return;
-                 }
-                 throw ScriptError{"usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME"};
-               }};
+  t["host"] = {
+      "host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME",
+      [](Session& s, const Command& c) {
+        if (c.words.size() >= 3 && c.words[1] == "lacks" && c.words.size() <= 4) {
+          requireNotRunning(s, "host lacks");
+          if (c.words.size() == 3)
+            s.host().build.lackingClasses.insert(c.words[2]);
+          else
+            s.host().build.lackingMethods.insert({c.words[2], c.words[3]});
+          return;
+        }
+        if (c.words.size() == 4 && c.words[1] == "raises") {
+          s.host().makeRaising(c.words[2], c.words[3]);
+          return;
+        }
+        if (c.words.size() == 3 && c.words[1] == "variant") {
+          requireNotRunning(s, "host variant");
+          if (!hostapp::knownHostVariants().count(c.words[2]))
+            throw ScriptError{"host variant: unknown variant '" + c.words[2] + "'"};
+          s.host().build.variants.insert(c.words[2]);
+          return;
+        }
+        throw ScriptError{
+            "usage: host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME"};
+      }};
 }
 
 }  // namespace qbsim

@@ -12,19 +12,21 @@ void addLogCommands(CommandTable& t) {
                      if (log.empty()) s.out() << "(no log lines)\n";
                      for (const auto& l : log) s.out() << formatLogTime(l) << " " << l.text << "\n";
                    }};
-  t["expect log"] = {"expect log \"TEXT\"", [](Session& s, const Command& c) {
-                       requireWords(c, 3, 3, "expect log \"TEXT\"");
-                       const auto& log = s.device().log();
-                       for (const auto& l : log)
-                         if (base::contains(l.text, c.words[2])) return;
-                       throw ExpectFailure{log.empty() ? "no log lines"
-                                                       : "no such line among " + std::to_string(log.size()) +
-                                                             " (last: \"" + log.back().text + "\")"};
-                     }};
+  t["expect log"] = {
+      "expect log \"TEXT\"", [](Session& s, const Command& c) {
+        requireWords(c, 3, 3, "expect log \"TEXT\"");
+        const auto& log = s.device().log();
+        for (const auto& l : log)
+          if (base::contains(l.text, c.words[2])) return;
+        throw ExpectFailure{log.empty() ? "no log lines"
+                                        : "no such line among " + std::to_string(log.size()) +
+                                              " (last: \"" + log.back().text + "\")"};
+      }};
   t["expect no-log"] = {"expect no-log \"TEXT\"", [](Session& s, const Command& c) {
                           requireWords(c, 3, 3, "expect no-log \"TEXT\"");
                           for (const auto& l : s.device().log())
-                            if (base::contains(l.text, c.words[2])) throw ExpectFailure{"\"" + l.text + "\""};
+                            if (base::contains(l.text, c.words[2]))
+                              throw ExpectFailure{"\"" + l.text + "\""};
                         }};
 }
 

@@ -30,7 +30,8 @@ void addMainListCommands(CommandTable& t) {
                     moveToTop(s, c.words[1]);
                     // Then the host announces it, the way its state allows.
                     std::string text = c.words.size() == 3 ? c.words[2] : "[消息]";
-                    if (sim::Process* p = s.process()) p->runGuarded([&] { s.host().deliverMessage(c.words[1], text); });
+                    if (sim::Process* p = s.process())
+                      p->runGuarded([&] { s.host().deliverMessage(c.words[1], text); });
                   }};
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
                  requireWords(c, 2, 3, "open main|contacts|chat USER");
@@ -48,7 +49,8 @@ void addMainListCommands(CommandTable& t) {
                    return;
                  }
                  long tab = what == "main" ? 0 : what == "contacts" ? 1 : -1;
-                 if (tab < 0 || c.words.size() != 2) throw ScriptError{"open: no screen '" + what + "' in this host yet"};
+                 if (tab < 0 || c.words.size() != 2)
+                   throw ScriptError{"open: no screen '" + what + "' in this host yet"};
                  p.runGuarded([&] {
                    s.host().selectTab(tab);
                    s.host().popToRoot();
@@ -71,13 +73,15 @@ void addMainListCommands(CommandTable& t) {
                           s.out() << "screen " << shot.screen << "\n";
                           for (const std::string& r : shot.rows) s.out() << r << "\n";
                         }};
-  t["expect snapshot"] = {"expect snapshot [USER...]", [](Session& s, const Command& c) {
-                            const hostapp::HostApp::Snapshot& shot = s.host().lastSnapshot();
-                            if (!shot.taken) throw ScriptError{"expect snapshot: the app has not entered the background yet"};
-                            std::vector<std::string> want(c.words.begin() + 2, c.words.end());
-                            if (shot.mainRows != want)
-                              throw ExpectFailure{joined(shot.mainRows) + " (screen " + shot.screen + ")"};
-                          }};
+  t["expect snapshot"] = {
+      "expect snapshot [USER...]", [](Session& s, const Command& c) {
+        const hostapp::HostApp::Snapshot& shot = s.host().lastSnapshot();
+        if (!shot.taken)
+          throw ScriptError{"expect snapshot: the app has not entered the background yet"};
+        std::vector<std::string> want(c.words.begin() + 2, c.words.end());
+        if (shot.mainRows != want)
+          throw ExpectFailure{joined(shot.mainRows) + " (screen " + shot.screen + ")"};
+      }};
   t["expect main"] = {"expect main [USER...]", [](Session& s, const Command& c) {
                         s.requireProcess("expect main");
                         std::vector<std::string> want(c.words.begin() + 2, c.words.end());

@@ -30,20 +30,22 @@ std::string clockOf(double secondOfDay) {
 }
 
 // expect WHAT FROM / expect no-WHAT FROM, on the latest message or call.
-void addExpectation(CommandTable& t, const std::string& what, bool (*holds)(const sim::Announcement&),
-                    bool callsOnly = false) {
+void addExpectation(CommandTable& t, const std::string& what,
+                    bool (*holds)(const sim::Announcement&), bool callsOnly = false) {
   for (bool negated : {false, true}) {
     std::string name = (negated ? "no-" : "") + what;
     std::string usage = "expect " + name + " FROM";
-    t["expect " + name] = {usage, [=](Session& s, const Command& c) {
-                             requireWords(c, 3, 3, usage);
-                             const std::string& from = c.words[2];
-                             sim::Notices& n = s.device().notices();
-                             auto a = callsOnly ? n.latestCall(from) : n.latest(from);
-                             if (!a) throw ExpectFailure{std::string(callsOnly ? "no call" : "no message or call") +
-                                                         " from " + from};
-                             if (holds(*a) == negated) throw ExpectFailure{a->kind + ": " + describe(*a)};
-                           }};
+    t["expect " + name] = {
+        usage, [=](Session& s, const Command& c) {
+          requireWords(c, 3, 3, usage);
+          const std::string& from = c.words[2];
+          sim::Notices& n = s.device().notices();
+          auto a = callsOnly ? n.latestCall(from) : n.latest(from);
+          if (!a)
+            throw ExpectFailure{std::string(callsOnly ? "no call" : "no message or call") +
+                                " from " + from};
+          if (holds(*a) == negated) throw ExpectFailure{a->kind + ": " + describe(*a)};
+        }};
   }
 }
 
@@ -52,7 +54,8 @@ void addExpectation(CommandTable& t, const std::string& what, bool (*holds)(cons
 void addNotifyCommands(CommandTable& t) {
   t["call"] = {"call voice|video FROM", [](Session& s, const Command& c) {
                  requireWords(c, 3, 3, "call voice|video FROM");
-                 if (c.words[1] != "voice" && c.words[1] != "video") throw ScriptError{"usage: call voice|video FROM"};
+                 if (c.words[1] != "voice" && c.words[1] != "video")
+                   throw ScriptError{"usage: call voice|video FROM"};
                  sim::Process& p = s.requireProcess("call");
                  p.runGuarded([&] { s.host().deliverCall(c.words[2], c.words[1] == "video"); });
                }};
@@ -62,12 +65,14 @@ void addNotifyCommands(CommandTable& t) {
                          if (all.empty()) s.out() << "(no messages or calls)\n";
                          for (const auto& a : all)
                            s.out() << clockOf(a.secondOfDay) << " " << a.kind << " from " << a.from
-                                   << (a.text.empty() ? "" : " \"" + a.text + "\"") << ": " << describe(a) << "\n";
+                                   << (a.text.empty() ? "" : " \"" + a.text + "\"") << ": "
+                                   << describe(a) << "\n";
                        }};
   addExpectation(t, "banner", [](const sim::Announcement& a) { return !a.banner.empty(); });
   addExpectation(t, "sound", [](const sim::Announcement& a) { return a.sound; });
   addExpectation(t, "vibration", [](const sim::Announcement& a) { return a.vibrations > 0; });
-  addExpectation(t, "ringing", [](const sim::Announcement& a) { return a.ringing; }, true);
+  addExpectation(
+      t, "ringing", [](const sim::Announcement& a) { return a.ringing; }, true);
 }
 
 }  // namespace qbsim

@@ -37,8 +37,10 @@ double pointArg(const Command& c, std::size_t i, const std::string& usage) {
 rt::Id screenOfClass(Session& s, const std::string& command, const char* cls, const char* name) {
   s.requireProcess(command);
   rt::Id top = sim::topController();
-  if (!top || rt::className(top) != cls) throw ScriptError{command + ": the " + name + " is not on screen"};
-  s.process()->runGuarded([&] { rt::send<rt::Id>(top, "view"); });  // the screen on top has loaded its view
+  if (!top || rt::className(top) != cls)
+    throw ScriptError{command + ": the " + name + " is not on screen"};
+  s.process()->runGuarded(
+      [&] { rt::send<rt::Id>(top, "view"); });  // the screen on top has loaded its view
   return top;
 }
 rt::Id panelScreen(Session& s, const std::string& command) {
@@ -61,8 +63,10 @@ void printTable(Session& s, rt::Id controller) {
       const sim::ShownRow& row = sec.rows[r];
       s.out() << "  " << i << "," << r << "  " << row.title;
       if (!row.detail.empty()) s.out() << " — " << row.detail;
-      if (row.state == "checked") s.out() << "  ✓";
-      else if (!row.state.empty()) s.out() << "  [" << row.state << "]";
+      if (row.state == "checked")
+        s.out() << "  ✓";
+      else if (!row.state.empty())
+        s.out() << "  [" << row.state << "]";
       s.out() << "\n";
     }
     if (!sec.footer.empty()) s.out() << "  (" << sec.footer << ")\n";
@@ -80,7 +84,8 @@ void act(Session& s, const std::string& what, const std::function<bool()>& actio
 rt::CGPoint centreIn(rt::Id view, rt::Id root) {
   rt::CGRect f = sim::viewState(view)->frame;
   rt::CGPoint p{f.origin.x + f.size.width / 2, f.origin.y + f.size.height / 2};
-  for (rt::Id v = sim::viewState(view)->superview; v && v != root; v = sim::viewState(v)->superview) {
+  for (rt::Id v = sim::viewState(view)->superview; v && v != root;
+       v = sim::viewState(v)->superview) {
     p.x += sim::viewState(v)->frame.origin.x;
     p.y += sim::viewState(v)->frame.origin.y;
   }
@@ -97,14 +102,18 @@ void addTap(CommandTable& t) {
                 if (where == "version") {
                   if (c.words.size() != 2) throw ScriptError{"usage: " + usage};
                   rt::Id label = hostapp::aboutVersionLabel(page);
-                  if (!label) throw ScriptError{"tap version: the About page has no version label yet"};
+                  if (!label)
+                    throw ScriptError{"tap version: the About page has no version label yet"};
                   s.process()->runGuarded([&] { sim::tapAt(view, centreIn(label, view)); });
                 } else if (where == "nav") {
                   double dx = c.words.size() == 3 ? pointArg(c, 2, usage) : 0;
-                  rt::Id bar = rt::send<rt::Id>(rt::send<rt::Id>(page, "navigationController"), "navigationBar");
+                  rt::Id bar = rt::send<rt::Id>(rt::send<rt::Id>(page, "navigationController"),
+                                                "navigationBar");
                   if (!bar) throw ScriptError{"tap nav: the About page has no navigation bar"};
                   rt::CGRect b = sim::viewState(bar)->frame;
-                  s.process()->runGuarded([&] { sim::tapAt(bar, {b.size.width / 2 + dx, b.size.height / 2}); });
+                  s.process()->runGuarded([&] {
+                    sim::tapAt(bar, {b.size.width / 2 + dx, b.size.height / 2});
+                  });
                 } else if (where == "page") {
                   double y = c.words.size() == 3 ? pointArg(c, 2, usage) : 100;
                   double x = sim::viewState(view)->frame.size.width / 2;
@@ -127,55 +136,67 @@ void addTap(CommandTable& t) {
 }
 
 void addPanel(CommandTable& t) {
-  const std::string usage = "panel tap S R | panel switch S R on|off | panel delete S R | panel done | panel dismiss";
-  t["panel"] = {usage, [usage](Session& s, const Command& c) {
-                  requireWords(c, 2, 5, usage);
-                  const std::string& what = c.words[1];
-                  rt::Id panel = panelScreen(s, "panel " + what);
-                  rt::Id table = sim::tableOf(panel);
-                  if (what == "done" || what == "dismiss") {
-                    if (c.words.size() != 2) throw ScriptError{"usage: " + usage};
-                    if (what == "done") act(s, "panel done: the panel has no done button", [&] { return sim::pressLeftBarButton(panel); });
-                    // Dragging the sheet down only dismisses it: nothing of the panel's runs.
-                    else s.process()->runGuarded([&] { sim::dismissPresented(rt::send<rt::Id>(panel, "navigationController")); });
-                    return;
-                  }
-                  std::size_t words = what == "switch" ? 5 : 4;
-                  if (c.words.size() != words || (what != "tap" && what != "switch" && what != "delete"))
-                    throw ScriptError{"usage: " + usage};
-                  long section = intArg(c, 2, usage), row = intArg(c, 3, usage);
-                  std::string at = " " + std::to_string(section) + " " + std::to_string(row);
-                  if (what == "tap") {
-                    act(s, "panel tap:" + at + " is no row of the panel", [&] { return sim::selectRow(table, section, row); });
-                  } else if (what == "switch") {
-                    const std::string& v = c.words[4];
-                    if (v != "on" && v != "off") throw ScriptError{"usage: " + usage};
-                    act(s, "panel switch:" + at + " has no switch", [&] { return sim::flipSwitch(table, section, row, v == "on"); });
-                  } else {
-                    act(s, "panel delete:" + at + " cannot be deleted", [&] { return sim::swipeDelete(table, section, row); });
-                  }
-                }};
+  const std::string usage =
+      "panel tap S R | panel switch S R on|off | panel delete S R | panel done | panel dismiss";
+  t["panel"] = {
+      usage, [usage](Session& s, const Command& c) {
+        requireWords(c, 2, 5, usage);
+        const std::string& what = c.words[1];
+        rt::Id panel = panelScreen(s, "panel " + what);
+        rt::Id table = sim::tableOf(panel);
+        if (what == "done" || what == "dismiss") {
+          if (c.words.size() != 2) throw ScriptError{"usage: " + usage};
+          if (what == "done")
+            act(s, "panel done: the panel has no done button",
+                [&] { return sim::pressLeftBarButton(panel); });
+          // Dragging the sheet down only dismisses it: nothing of the panel's runs.
+          else
+            s.process()->runGuarded(
+                [&] { sim::dismissPresented(rt::send<rt::Id>(panel, "navigationController")); });
+          return;
+        }
+        std::size_t words = what == "switch" ? 5 : 4;
+        if (c.words.size() != words || (what != "tap" && what != "switch" && what != "delete"))
+          throw ScriptError{"usage: " + usage};
+        long section = intArg(c, 2, usage), row = intArg(c, 3, usage);
+        std::string at = " " + std::to_string(section) + " " + std::to_string(row);
+        if (what == "tap") {
+          act(s, "panel tap:" + at + " is no row of the panel",
+              [&] { return sim::selectRow(table, section, row); });
+        } else if (what == "switch") {
+          const std::string& v = c.words[4];
+          if (v != "on" && v != "off") throw ScriptError{"usage: " + usage};
+          act(s, "panel switch:" + at + " has no switch",
+              [&] { return sim::flipSwitch(table, section, row, v == "on"); });
+        } else {
+          act(s, "panel delete:" + at + " cannot be deleted",
+              [&] { return sim::swipeDelete(table, section, row); });
+        }
+      }};
   const std::string pickerUsage = "picker search TEXT | picker pick USER | picker back";
-  t["picker"] = {pickerUsage, [pickerUsage](Session& s, const Command& c) {
-                   requireWords(c, 2, 3, pickerUsage);
-                   const std::string& what = c.words[1];
-                   rt::Id picker = pickerScreen(s, "picker " + what);
-                   rt::Id table = sim::tableOf(picker);
-                   if (what == "back" && c.words.size() == 2) {
-                     act(s, "picker back: no back button", [&] { return sim::pressLeftBarButton(picker); });
-                   } else if (what == "search" && c.words.size() == 3) {
-                     act(s, "picker search: no search field", [&] { return sim::typeSearch(picker, c.words[2]); });
-                   } else if (what == "pick" && c.words.size() == 3) {
-                     const auto& items = panel::QBContactPickController::filteredItems(picker);
-                     long row = -1;
-                     for (std::size_t i = 0; i < items.size() && row < 0; ++i)
-                       if (items[i].username == c.words[2]) row = long(i);
-                     if (row < 0) throw ScriptError{"picker pick: " + c.words[2] + " is not in the list shown"};
-                     act(s, "picker pick: no such row", [&] { return sim::selectRow(table, 0, row); });
-                   } else {
-                     throw ScriptError{"pickerUsage: " + pickerUsage};
-                   }
-                 }};
+  t["picker"] = {
+      pickerUsage, [pickerUsage](Session& s, const Command& c) {
+        requireWords(c, 2, 3, pickerUsage);
+        const std::string& what = c.words[1];
+        rt::Id picker = pickerScreen(s, "picker " + what);
+        rt::Id table = sim::tableOf(picker);
+        if (what == "back" && c.words.size() == 2) {
+          act(s, "picker back: no back button", [&] { return sim::pressLeftBarButton(picker); });
+        } else if (what == "search" && c.words.size() == 3) {
+          act(s, "picker search: no search field",
+              [&] { return sim::typeSearch(picker, c.words[2]); });
+        } else if (what == "pick" && c.words.size() == 3) {
+          const auto& items = panel::QBContactPickController::filteredItems(picker);
+          long row = -1;
+          for (std::size_t i = 0; i < items.size() && row < 0; ++i)
+            if (items[i].username == c.words[2]) row = long(i);
+          if (row < 0)
+            throw ScriptError{"picker pick: " + c.words[2] + " is not in the list shown"};
+          act(s, "picker pick: no such row", [&] { return sim::selectRow(table, 0, row); });
+        } else {
+          throw ScriptError{"pickerUsage: " + pickerUsage};
+        }
+      }};
 }
 
 void addLooking(CommandTable& t) {
@@ -186,38 +207,42 @@ void addLooking(CommandTable& t) {
   t["show picker"] = {"show picker", [](Session& s, const Command& c) {
                         requireWords(c, 2, 2, "show picker");
                         rt::Id picker = pickerScreen(s, "show picker");
-                        s.out() << rt::asString(rt::send<rt::Id>(picker, "title")).value_or("") << "\n";
+                        s.out() << rt::asString(rt::send<rt::Id>(picker, "title")).value_or("")
+                                << "\n";
                         printTable(s, picker);
                       }};
   const std::string rowUsage = "expect row S R \"TITLE\" [checked|unchecked|on|off]";
-  t["expect row"] = {rowUsage, [rowUsage](Session& s, const Command& c) {
-                       requireWords(c, 5, 6, rowUsage);
-                       long section = intArg(c, 2, rowUsage), row = intArg(c, 3, rowUsage);
-                       std::string state = c.words.size() == 6 ? c.words[5] : "";
-                       if (!state.empty() && state != "checked" && state != "unchecked" && state != "on" && state != "off")
-                         throw ScriptError{"usage: " + rowUsage};
-                       rt::Id panel = panelScreen(s, "expect row");
-                       std::vector<sim::ShownSection> sections;
-                       s.process()->runGuarded([&] { sections = sim::showTable(sim::tableOf(panel)); });
-                       if (section < 0 || section >= long(sections.size()) || row < 0 ||
-                           row >= long(sections[std::size_t(section)].rows.size()))
-                         throw ExpectFailure{"no row " + std::to_string(section) + " " + std::to_string(row)};
-                       const sim::ShownRow& r = sections[std::size_t(section)].rows[std::size_t(row)];
-                       std::string shown = r.state.empty() ? "unchecked" : r.state;
-                       if (r.title != c.words[4] || (!state.empty() && shown != state))
-                         throw ExpectFailure{"\"" + r.title + "\" " + shown};
-                     }};
-  t["expect rows"] = {"expect rows S N", [](Session& s, const Command& c) {
-                        requireWords(c, 4, 4, "expect rows S N");
-                        long section = intArg(c, 2, "expect rows S N"), n = intArg(c, 3, "expect rows S N");
-                        rt::Id panel = panelScreen(s, "expect rows");
-                        std::vector<sim::ShownSection> sections;
-                        s.process()->runGuarded([&] { sections = sim::showTable(sim::tableOf(panel)); });
-                        if (section < 0 || section >= long(sections.size()))
-                          throw ExpectFailure{"no section " + std::to_string(section)};
-                        long got = long(sections[std::size_t(section)].rows.size());
-                        if (got != n) throw ExpectFailure{std::to_string(got)};
-                      }};
+  t["expect row"] = {
+      rowUsage, [rowUsage](Session& s, const Command& c) {
+        requireWords(c, 5, 6, rowUsage);
+        long section = intArg(c, 2, rowUsage), row = intArg(c, 3, rowUsage);
+        std::string state = c.words.size() == 6 ? c.words[5] : "";
+        if (!state.empty() && state != "checked" && state != "unchecked" && state != "on" &&
+            state != "off")
+          throw ScriptError{"usage: " + rowUsage};
+        rt::Id panel = panelScreen(s, "expect row");
+        std::vector<sim::ShownSection> sections;
+        s.process()->runGuarded([&] { sections = sim::showTable(sim::tableOf(panel)); });
+        if (section < 0 || section >= long(sections.size()) || row < 0 ||
+            row >= long(sections[std::size_t(section)].rows.size()))
+          throw ExpectFailure{"no row " + std::to_string(section) + " " + std::to_string(row)};
+        const sim::ShownRow& r = sections[std::size_t(section)].rows[std::size_t(row)];
+        std::string shown = r.state.empty() ? "unchecked" : r.state;
+        if (r.title != c.words[4] || (!state.empty() && shown != state))
+          throw ExpectFailure{"\"" + r.title + "\" " + shown};
+      }};
+  t["expect rows"] = {
+      "expect rows S N", [](Session& s, const Command& c) {
+        requireWords(c, 4, 4, "expect rows S N");
+        long section = intArg(c, 2, "expect rows S N"), n = intArg(c, 3, "expect rows S N");
+        rt::Id panel = panelScreen(s, "expect rows");
+        std::vector<sim::ShownSection> sections;
+        s.process()->runGuarded([&] { sections = sim::showTable(sim::tableOf(panel)); });
+        if (section < 0 || section >= long(sections.size()))
+          throw ExpectFailure{"no section " + std::to_string(section)};
+        long got = long(sections[std::size_t(section)].rows.size());
+        if (got != n) throw ExpectFailure{std::to_string(got)};
+      }};
 }
 
 }  // namespace

@@ -12,13 +12,16 @@ namespace {
 
 sim::picture::Picture drawNow(Session& s) {
   sim::picture::Picture picture;
-  if (sim::Process* p = s.process()) p->runGuarded([&] { picture = sim::picture::drawScreen(); });
-  else picture = sim::picture::drawScreen();
+  if (sim::Process* p = s.process())
+    p->runGuarded([&] { picture = sim::picture::drawScreen(); });
+  else
+    picture = sim::picture::drawScreen();
   return picture;
 }
 
 void write(Session& s, const std::string& path) {
-  if (!sim::picture::writePicture(drawNow(s), path)) throw ScriptError{"picture: cannot write " + path};
+  if (!sim::picture::writePicture(drawNow(s), path))
+    throw ScriptError{"picture: cannot write " + path};
 }
 
 }  // namespace
@@ -31,8 +34,8 @@ void addPictureCommands(CommandTable& t) {
 }
 
 void pictureAfterShow(Session& s, const std::string& shown) {
-  static const std::set<std::string> screens = {"main",  "contacts", "search", "moments",
-                                                "forward", "panel",  "picker", "screen"};
+  static const std::set<std::string> screens = {"main",    "contacts", "search", "moments",
+                                                "forward", "panel",    "picker", "screen"};
   if (s.picturesDir().empty() || !screens.count(shown)) return;
   std::error_code ec;
   std::filesystem::create_directories(s.picturesDir(), ec);

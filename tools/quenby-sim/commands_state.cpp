@@ -36,7 +36,8 @@ base::Value windowsWords(const std::vector<std::string>& words, std::size_t from
         std::sscanf(range.c_str(), "%d:%d-%d:%d", &h1, &m1, &h2, &m2) != 4 ||
         (words[i + 1] != "show" && words[i + 1] != "hide"))
       throw ScriptError{"setting dailyWindows: write windows as HH:MM-HH:MM show|hide ..."};
-    list.push_back(QBConfig::QBWindow(h1 * 60 + m1, h2 * 60 + m2, words[i + 1] == "hide" ? 1 : 0).toValue());
+    list.push_back(
+        QBConfig::QBWindow(h1 * 60 + m1, h2 * 60 + m2, words[i + 1] == "hide" ? 1 : 0).toValue());
   }
   return base::Value(std::move(list));
 }
@@ -47,13 +48,15 @@ void applySetting(QBConfig& c, const Command& cmd, bool running) {
   const std::string& value = cmd.words[2];
   auto needBool = [&] {
     bool b;
-    if (!boolWord(value, b)) throw ScriptError{"setting " + key + ": expected true or false, got '" + value + "'"};
+    if (!boolWord(value, b))
+      throw ScriptError{"setting " + key + ": expected true or false, got '" + value + "'"};
     return b;
   };
   auto needMode = [&](long max) {
     long n;
     if (!integerWord(value, n) || n < 0 || n > max)
-      throw ScriptError{"setting " + key + ": expected 0 to " + std::to_string(max) + ", got '" + value + "'"};
+      throw ScriptError{"setting " + key + ": expected 0 to " + std::to_string(max) + ", got '" +
+                        value + "'"};
     return n;
   };
   if (key == "password") {
@@ -93,7 +96,8 @@ void applySetting(QBConfig& c, const Command& cmd, bool running) {
     return;
   } else if (key == "dailyWindows") {
     std::string message;
-    if (!c.setDailyWindows(windowsWords(cmd.words, 2), &message)) throw ScriptError{"setting dailyWindows: " + message};
+    if (!c.setDailyWindows(windowsWords(cmd.words, 2), &message))
+      throw ScriptError{"setting dailyWindows: " + message};
     if (running) triggers::QBSchedule::applyNow();
     return;
   } else {
@@ -153,18 +157,23 @@ void addStateCommands(CommandTable& t) {
                         requireWords(c, 2, 2, "show config");
                         base::Value d;
                         s.withLibrary([&] { d = QBConfig::shared().settingsDictionary(); });
-                        for (const auto& [k, v] : *d.asDictionary()) s.out() << k << " = " << base::describe(v) << "\n";
+                        for (const auto& [k, v] : *d.asDictionary())
+                          s.out() << k << " = " << base::describe(v) << "\n";
                       }};
-  t["show state"] = {"show state", [](Session& s, const Command& c) {
-                       requireWords(c, 2, 2, "show state");
-                       s.requireProcess("show state");
-                       QBConfig& q = QBConfig::shared();
-                       s.out() << "secrets: " << (q.shouldHideSecrets() ? "hidden" : q.unlocked() ? "revealed" : "hidden (none to hide)")
-                               << "\nunlocked: " << yesNo(q.unlocked()) << "\nsecret count: " << q.secretCount()
-                               << "\nvisibility: " << (q.usesScheduleVisibility() ? "schedule" : "manual")
-                               << "\nsuppressAutoLock: " << yesNo(q.suppressAutoLock())
-                               << "\nsuppressSessionApply: " << yesNo(q.suppressSessionApply()) << "\n";
-                     }};
+  t["show state"] = {
+      "show state", [](Session& s, const Command& c) {
+        requireWords(c, 2, 2, "show state");
+        s.requireProcess("show state");
+        QBConfig& q = QBConfig::shared();
+        s.out() << "secrets: "
+                << (q.shouldHideSecrets() ? "hidden"
+                    : q.unlocked()        ? "revealed"
+                                          : "hidden (none to hide)")
+                << "\nunlocked: " << yesNo(q.unlocked()) << "\nsecret count: " << q.secretCount()
+                << "\nvisibility: " << (q.usesScheduleVisibility() ? "schedule" : "manual")
+                << "\nsuppressAutoLock: " << yesNo(q.suppressAutoLock())
+                << "\nsuppressSessionApply: " << yesNo(q.suppressSessionApply()) << "\n";
+      }};
 }
 
 }  // namespace qbsim

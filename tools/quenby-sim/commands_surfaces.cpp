@@ -21,7 +21,8 @@ std::string joined(const std::vector<std::string>& names, const char* empty) {
 void requireOpened(Session& s, const std::string& command, bool opened, const char* what) {
   s.requireProcess(command);
   if (!opened)
-    throw ScriptError{command + ": the " + std::string(what) + " screen has not been opened (open " + what + ")"};
+    throw ScriptError{command + ": the " + std::string(what) +
+                      " screen has not been opened (open " + what + ")"};
 }
 
 struct Surface {
@@ -98,17 +99,24 @@ void addSurfaceCommands(CommandTable& t) {
                [open](Session& s, const Command& c) {
                  const std::string what = c.words.size() >= 2 ? c.words[1] : "";
                  if (what != "search" && what != "moments" && what != "forward") {
-                   if (open) open(s, c);
-                   else throw ScriptError{"open: no screen '" + what + "'"};
+                   if (open)
+                     open(s, c);
+                   else
+                     throw ScriptError{"open: no screen '" + what + "'"};
                    return;
                  }
-                 if (what == "search" && c.words.size() != 3) throw ScriptError{"usage: open search TEXT"};
-                 if (what != "search" && c.words.size() != 2) throw ScriptError{"usage: open " + what};
+                 if (what == "search" && c.words.size() != 3)
+                   throw ScriptError{"usage: open search TEXT"};
+                 if (what != "search" && c.words.size() != 2)
+                   throw ScriptError{"usage: open " + what};
                  sim::Process& p = s.requireProcess("open");
                  p.runGuarded([&] {
-                   if (what == "search") hostapp::openSearch(s.host(), c.words[2]);
-                   else if (what == "moments") hostapp::openMoments(s.host());
-                   else hostapp::openForward(s.host());
+                   if (what == "search")
+                     hostapp::openSearch(s.host(), c.words[2]);
+                   else if (what == "moments")
+                     hostapp::openMoments(s.host());
+                   else
+                     hostapp::openForward(s.host());
                  });
                }};
 
@@ -124,7 +132,8 @@ void addSurfaceCommands(CommandTable& t) {
                            for (const std::string& r : got) s.out() << r << "\n";
                            showFooter(s, name);
                          }};
-    t["expect " + name] = {"expect " + name + " [USER...]", [name, rows](Session& s, const Command& c) {
+    t["expect " + name] = {"expect " + name + " [USER...]",
+                           [name, rows](Session& s, const Command& c) {
                              std::vector<std::string> want(c.words.begin() + 2, c.words.end());
                              std::vector<std::string> got = rows(s, "expect " + name);
                              if (got != want) throw ExpectFailure{joined(got, "(empty list)")};
@@ -136,11 +145,12 @@ void addSurfaceCommands(CommandTable& t) {
                           requireWords(c, 3, 3, "expect screen NAME");
                           s.requireProcess("expect screen");
                           rt::Id top = sim::topController();
-                          std::string ours = s.process()->platform().biometricReply ? "" : surfaceScreenName(top);
+                          std::string ours =
+                              s.process()->platform().biometricReply ? "" : surfaceScreenName(top);
                           if (ours.empty() && screen) return screen(s, c);
-                          if (ours != c.words[2]) throw ExpectFailure{ours.empty() ? "(none)" : ours};
+                          if (ours != c.words[2])
+                            throw ExpectFailure{ours.empty() ? "(none)" : ours};
                         }};
-
 }
 
 }  // namespace qbsim

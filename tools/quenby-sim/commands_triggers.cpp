@@ -43,23 +43,28 @@ rt::Id alertOnScreen(Session& s, const std::string& command) {
 }  // namespace
 
 void addTriggerCommands(CommandTable& t) {
-  t["device"] = {"device biometrics faceid|touchid|none | device motion full|accelerometer|none",
-                 [](Session& s, const Command& c) {
-                   requireWords(c, 3, 3, "device biometrics faceid|touchid|none | device motion full|accelerometer|none");
-                   const std::string& what = c.words[1];
-                   const std::string& v = c.words[2];
-                   if (what == "biometrics" && (v == "faceid" || v == "touchid" || v == "none")) {
-                     s.device().biometrics = v == "faceid" ? sim::Biometrics::FaceID
-                                             : v == "touchid" ? sim::Biometrics::TouchID
-                                                              : sim::Biometrics::None;
-                   } else if (what == "motion" && (v == "full" || v == "accelerometer" || v == "none")) {
-                     s.device().motion = v == "full" ? sim::MotionSensors::Full
-                                         : v == "accelerometer" ? sim::MotionSensors::Accelerometer
-                                                                : sim::MotionSensors::None;
-                   } else {
-                     throw ScriptError{"usage: device biometrics faceid|touchid|none | device motion full|accelerometer|none"};
-                   }
-                 }};
+  t["device"] = {
+      "device biometrics faceid|touchid|none | device motion full|accelerometer|none",
+      [](Session& s, const Command& c) {
+        requireWords(
+            c, 3, 3,
+            "device biometrics faceid|touchid|none | device motion full|accelerometer|none");
+        const std::string& what = c.words[1];
+        const std::string& v = c.words[2];
+        if (what == "biometrics" && (v == "faceid" || v == "touchid" || v == "none")) {
+          s.device().biometrics = v == "faceid"    ? sim::Biometrics::FaceID
+                                  : v == "touchid" ? sim::Biometrics::TouchID
+                                                   : sim::Biometrics::None;
+        } else if (what == "motion" && (v == "full" || v == "accelerometer" || v == "none")) {
+          s.device().motion = v == "full"            ? sim::MotionSensors::Full
+                              : v == "accelerometer" ? sim::MotionSensors::Accelerometer
+                                                     : sim::MotionSensors::None;
+        } else {
+          throw ScriptError{
+              "usage: device biometrics faceid|touchid|none | device motion "
+              "full|accelerometer|none"};
+        }
+      }};
   t["shake"] = {"shake", [](Session& s, const Command& c) {
                   requireWords(c, 1, 1, "shake");
                   sim::Process& p = s.requireProcess("shake");
@@ -73,8 +78,10 @@ void addTriggerCommands(CommandTable& t) {
                       double at = i * interval;
                       double strength = at < 0.3 ? (i % 2 ? 1.4 : -1.2) : 0.0;
                       p.mainQueue().submit(p.device().elapsed() + at, [handler, strength, raw] {
-                        if (raw) handler(strength, 0, -1.0);
-                        else handler(strength, 0, 0);
+                        if (raw)
+                          handler(strength, 0, -1.0);
+                        else
+                          handler(strength, 0, 0);
                       });
                     }
                   }
@@ -86,12 +93,15 @@ void addTriggerCommands(CommandTable& t) {
                       rt::Id top = topScreen();
                       if (!top) throw ScriptError{"longpress: no screen shown"};
                       rt::Id nav = rt::send<rt::Id>(top, "navigationController");
-                      rt::Id target = nav ? rt::send<rt::Id>(nav, "navigationBar") : rt::send<rt::Id>(top, "view");
+                      rt::Id target = nav ? rt::send<rt::Id>(nav, "navigationBar")
+                                          : rt::send<rt::Id>(top, "view");
                       std::vector<rt::Id> recognizers;
                       for (rt::Id g : sim::viewState(target)->gestureRecognizers)
-                        if (rt::isKindOf(g, "UILongPressGestureRecognizer")) recognizers.push_back(g);
+                        if (rt::isKindOf(g, "UILongPressGestureRecognizer"))
+                          recognizers.push_back(g);
                       double held = 0.8, began = held;
-                      for (rt::Id g : recognizers) began = std::min(began, sim::gestureState(g)->minimumPressDuration);
+                      for (rt::Id g : recognizers)
+                        began = std::min(began, sim::gestureState(g)->minimumPressDuration);
                       s.advance(began);
                       for (rt::Id g : recognizers) {
                         sim::GestureState* gs = sim::gestureState(g);
@@ -111,19 +121,22 @@ void addTriggerCommands(CommandTable& t) {
   t["type"] = {"type TEXT", [](Session& s, const Command& c) {
                  requireWords(c, 2, 2, "type TEXT");
                  rt::Id alert = alertOnScreen(s, "type");
-                 if (sim::alertState(alert)->textFields.empty()) throw ScriptError{"type: the dialog has no text field"};
+                 if (sim::alertState(alert)->textFields.empty())
+                   throw ScriptError{"type: the dialog has no text field"};
                  sim::typeIntoAlert(alert, c.words[1]);
                }};
-  t["press"] = {"press TITLE", [](Session& s, const Command& c) {
-                  requireWords(c, 2, 2, "press TITLE");
-                  rt::Id alert = alertOnScreen(s, "press");
-                  bool found = false;
-                  s.process()->runGuarded([&] { found = sim::pressAlertAction(alert, c.words[1]); });
-                  if (!found) throw ScriptError{"press: the dialog has no button '" + c.words[1] + "'"};
-                }};
+  t["press"] = {
+      "press TITLE", [](Session& s, const Command& c) {
+        requireWords(c, 2, 2, "press TITLE");
+        rt::Id alert = alertOnScreen(s, "press");
+        bool found = false;
+        s.process()->runGuarded([&] { found = sim::pressAlertAction(alert, c.words[1]); });
+        if (!found) throw ScriptError{"press: the dialog has no button '" + c.words[1] + "'"};
+      }};
   t["biometric"] = {"biometric pass|fail", [](Session& s, const Command& c) {
                       requireWords(c, 2, 2, "biometric pass|fail");
-                      if (c.words[1] != "pass" && c.words[1] != "fail") throw ScriptError{"usage: biometric pass|fail"};
+                      if (c.words[1] != "pass" && c.words[1] != "fail")
+                        throw ScriptError{"usage: biometric pass|fail"};
                       sim::Process& p = s.requireProcess("biometric");
                       if (!p.answerSystemPrompt(c.words[1] == "pass"))
                         throw ScriptError{"biometric: no biometric prompt on screen"};

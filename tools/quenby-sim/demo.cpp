@@ -19,62 +19,82 @@ const std::vector<Step>& demoSteps() {
   static const std::vector<Step> steps = {
       {"A simulated phone at 08:00, with the host app's address book and recent chats. "
        "Time only moves when the script says so.",
-       {"clock 08:00", "friend alice nick=Alice", "friend bob nick=Bob remark=老板", "friend carol nick=Carol",
-        "room team@chatroom title=Team", "session team@chatroom", "session carol", "session bob", "session alice"}},
+       {"clock 08:00", "friend alice nick=Alice", "friend bob nick=Bob remark=老板",
+        "friend carol nick=Carol", "room team@chatroom title=Team", "session team@chatroom",
+        "session carol", "session bob", "session alice"}},
       {"Before the app starts, the user has marked a friend and a group chat as secret (密友). "
        "The settings file in the app's container now holds them.",
        {"secret bob", "secret team@chatroom", "expect file secrets [bob team@chatroom]"}},
-      {"The host app starts cold with the library loaded. Every start is hidden: the very first chat list "
+      {"The host app starts cold with the library loaded. Every start is hidden: the very first "
+       "chat list "
        "the host draws already leaves the secret chats out.",
        {"launch", "expect hidden", "show main", "show state"}},
-      {"Bob writes. His chat would jump to the top of the list, but it stays out of sight; Carol's does not.",
+      {"Bob writes. His chat would jump to the top of the list, but it stays out of sight; Carol's "
+       "does not.",
        {"message bob \"are you free?\"", "session carol", "show main"}},
-      {"As the app settles it re-applies the hidden state, and leaving and returning changes nothing shown.",
+      {"As the app settles it re-applies the hidden state, and leaving and returning changes "
+       "nothing shown.",
        {"wait 2", "background", "wait 30", "foreground", "wait 1", "expect main carol alice"}},
       {"The user shakes the phone: the library asks for the password. A wrong one reveals nothing.",
-       {"shake", "expect screen alert", "expect log \"[QB] show auth from shake\"", "type 1234", "press 确定", "wait 1", "expect hidden"}},
+       {"shake", "expect screen alert", "expect log \"[QB] show auth from shake\"", "type 1234",
+        "press 确定", "wait 1", "expect hidden"}},
       {"Shake again and give the right password: the secret chats come back in their places.",
        {"shake", "type 7351", "press 确定", "wait 1", "expect revealed", "show main"}},
       {"A shake while revealed hides them at once, without a question.",
        {"wait 2", "shake", "expect hidden", "wait 1", "show main"}},
-      {"A long press on a chat's title bar reveals too (after the password); leaving the app hides again.",
-       {"open chat alice", "longpress", "type 7351", "press 确定", "wait 2.5", "expect revealed", "background",
-        "expect hidden", "foreground", "open main"}},
-      {"The app switcher keeps a picture of the screen taken as the app leaves. Reveal on the chat list and "
+      {"A long press on a chat's title bar reveals too (after the password); leaving the app hides "
+       "again.",
+       {"open chat alice", "longpress", "type 7351", "press 确定", "wait 2.5", "expect revealed",
+        "background", "expect hidden", "foreground", "open main"}},
+      {"The app switcher keeps a picture of the screen taken as the app leaves. Reveal on the chat "
+       "list and "
        "leave: the lists are hidden before that picture is taken, so it never shows Bob.",
-       {"wait 1", "shake", "type 7351", "press 确定", "wait 3", "expect main carol bob alice team@chatroom",
-        "background", "show snapshot", "expect snapshot carol alice", "foreground", "wait 1"}},
+       {"wait 1", "shake", "type 7351", "press 确定", "wait 3",
+        "expect main carol bob alice team@chatroom", "background", "show snapshot",
+        "expect snapshot carol alice", "foreground", "wait 1"}},
       {"Hidden means hidden everywhere, not only in the chat list. Bob and Carol post to Moments; "
-       "Bob is not in the contacts list, not found by a search, not in Moments, and not offered when forwarding.",
-       {"moment carol \"morning run\"", "moment bob \"new office\"", "open contacts", "show contacts",
-        "open search b", "show search", "open moments", "show moments", "open forward", "show forward",
-        "expect contacts alice carol", "expect moments carol", "open main"}},
-      {"After the password the contacts list reloads with Bob in it, and every other screen shows him "
+       "Bob is not in the contacts list, not found by a search, not in Moments, and not offered "
+       "when forwarding.",
+       {"moment carol \"morning run\"", "moment bob \"new office\"", "open contacts",
+        "show contacts", "open search b", "show search", "open moments", "show moments",
+        "open forward", "show forward", "expect contacts alice carol", "expect moments carol",
+        "open main"}},
+      {"After the password the contacts list reloads with Bob in it, and every other screen shows "
+       "him "
        "the next time it opens. Leaving the app hides him everywhere again.",
-       {"shake", "type 7351", "press 确定", "wait 3", "open contacts", "expect contacts alice carol bob",
-        "open moments", "expect moments bob carol", "background", "foreground", "wait 1", "open moments",
-        "expect moments carol", "open main"}},
+       {"shake", "type 7351", "press 确定", "wait 3", "open contacts",
+        "expect contacts alice carol bob", "open moments", "expect moments bob carol", "background",
+        "foreground", "wait 1", "open moments", "expect moments carol", "open main"}},
       {"Messages from secrets should only vibrate while hidden; the change is saved at once.",
-       {"setting secretNotifyMode 1", "expect file secretNotifyMode 1", "expect file backgroundNotify true"}},
-      {"Bob writes while the app is open: his banner shows and the phone vibrates, but nothing sounds. "
+       {"setting secretNotifyMode 1", "expect file secretNotifyMode 1",
+        "expect file backgroundNotify true"}},
+      {"Bob writes while the app is open: his banner shows and the phone vibrates, but nothing "
+       "sounds. "
        "Carol's message rings as anyone's does.",
-       {"message bob \"dinner?\"", "expect banner bob", "expect no-sound bob", "expect vibration bob",
-        "message carol \"hi!\"", "expect sound carol"}},
-      {"In the background Bob calls by video. The call is reported to CallKit, as a push must be, and ended at once "
-       "and again a moment later: the phone never rings. Half a minute later his missed call leaves no trace either.",
-       {"background", "call video bob", "expect no-ringing bob", "expect log \"[QB] block PK CallKit UI from bob\"",
-        "wait 31", "expect no-banner bob", "foreground", "show notices"}},
+       {"message bob \"dinner?\"", "expect banner bob", "expect no-sound bob",
+        "expect vibration bob", "message carol \"hi!\"", "expect sound carol"}},
+      {"In the background Bob calls by video. The call is reported to CallKit, as a push must be, "
+       "and ended at once "
+       "and again a moment later: the phone never rings. Half a minute later his missed call "
+       "leaves no trace either.",
+       {"background", "call video bob", "expect no-ringing bob",
+        "expect log \"[QB] block PK CallKit UI from bob\"", "wait 31", "expect no-banner bob",
+        "foreground", "show notices"}},
       {"A schedule for later: show the secrets from 08:00 to 13:00, hide them across the night.",
        {"setting dailyWindows 08:00-13:00 show 22:00-06:00 hide",
-        "expect file dailyWindows [{start = 480; end = 780; mode = 0}, {start = 1320; end = 360; mode = 1}]"}},
+        "expect file dailyWindows [{start = 480; end = 780; mode = 0}, {start = 1320; end = 360; "
+        "mode = 1}]"}},
       {"Bob is taken off the secret list; his next message brings his chat back.",
        {"unsecret bob", "message bob \"hello?\"", "show main"}},
-      {"The app is ended and started again: the settings survive, and the remaining secret is hidden again.",
+      {"The app is ended and started again: the settings survive, and the remaining secret is "
+       "hidden again.",
        {"quit", "launch", "expect hidden", "expect main bob carol alice", "show config"}},
-      {"The panel has no visible way in: five quick taps on the version label of the About page, then the "
+      {"The panel has no visible way in: five quick taps on the version label of the About page, "
+       "then the "
        "password. While it is open the secrets are shown; every row saves at once.",
-       {"open about", "wait 1", "tap version", "tap version", "tap version", "tap version", "tap version",
-        "expect screen alert", "type 7351", "press 确定", "wait 1", "expect screen panel", "show panel"}},
+       {"open about", "wait 1", "tap version", "tap version", "tap version", "tap version",
+        "tap version", "expect screen alert", "type 7351", "press 确定", "wait 1",
+        "expect screen panel", "show panel"}},
       {"Closing it with 完成 hides the secrets again (manual mode).",
        {"panel done", "wait 1", "expect hidden"}},
       {"The whole log, in virtual time:", {"show log"}},

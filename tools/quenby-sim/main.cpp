@@ -18,7 +18,8 @@
 namespace {
 
 int usage() {
-  std::cerr << "usage: quenby-sim [--container DIR] [--trace] [--pictures DIR] [demo | run FILE... | repl]\n"
+  std::cerr << "usage: quenby-sim [--container DIR] [--trace] [--pictures DIR] [demo | run FILE... "
+               "| repl]\n"
                "       quenby-sim swarm [--seeds N | --seed S] [--steps K] [--trace]\n";
   return qbsim::kScriptError;
 }
@@ -75,6 +76,7 @@ int main(int argc, char** argv) {
     swarm.trace = options.trace;
     return qbsim::swarm::runSwarm(swarm, std::cout);
   }
-  if (mode == "repl" && words.size() == 1) return qbsim::runRepl(std::cin, isatty(0), options, std::cout);
+  if (mode == "repl" && words.size() == 1)
+    return qbsim::runRepl(std::cin, isatty(0), options, std::cout);
   return usage();
 }

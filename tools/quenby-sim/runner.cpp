@@ -38,7 +38,8 @@ int runLine(Session& session, const std::string& line, std::string& message) {
       execute(session, command);
     } catch (const ExpectFailure& f) {
       message = command.text + ": got " + f.message;
-      if (f.message.rfind("app crashed", 0) == 0 || f.message.rfind("runtime type mismatch", 0) == 0)
+      if (f.message.rfind("app crashed", 0) == 0 ||
+          f.message.rfind("runtime type mismatch", 0) == 0)
         message = command.text + ": " + f.message;
       return kFailed;
     }

@@ -21,7 +21,9 @@ Session::Session(const SimOptions& options, std::ostream& out) : options_(option
   d.seed = options.seed;
   device_ = std::make_unique<sim::Device>(d);
   if (options_.trace) {
-    device_->setLogListener([this](const sim::LogLine& l) { out_ << "  " << formatLogTime(l) << " " << l.text << "\n"; });
+    device_->setLogListener([this](const sim::LogLine& l) {
+      out_ << "  " << formatLogTime(l) << " " << l.text << "\n";
+    });
   }
 }
 
@@ -85,6 +87,8 @@ void Session::withLibrary(const std::function<void()>& work) {
   if (scratch.crashed()) throw ExpectFailure{"app crashed: " + scratch.crashReason()};
 }
 
-std::string Session::settingsPath() const { return device_->documentsPath() + "/Quenby/config.plist"; }
+std::string Session::settingsPath() const {
+  return device_->documentsPath() + "/Quenby/config.plist";
+}
 
 }  // namespace qbsim

@@ -30,8 +30,8 @@ std::string csv(const std::set<std::string>& s) {
 
 }  // namespace
 
-Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt,
-                 unsigned gone)
+Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready,
+                 unsigned exempt, unsigned gone)
     : settings_(std::move(initial)),
       initialFile_(std::move(initialFile)),
       saved_(savedAlready),
@@ -51,8 +51,9 @@ void Checker::quit() { running_ = false; }
 void Checker::background(double now, bool somethingHeldOnScreen) {
   // Leaving in manual mode hides, unless a prompt or the panel holds the
   // auto-lock back, or the panel was dragged away (kept revealed by design).
-  if (running_ && settings_.manual && credited_ && !settings_.secrets.empty() && !somethingHeldOnScreen &&
-      !panelHold_ && now - lastBackgroundAt_ >= kAutoLockSpacing && now - lastCredentialAt_ >= kResultPending) {
+  if (running_ && settings_.manual && credited_ && !settings_.secrets.empty() &&
+      !somethingHeldOnScreen && !panelHold_ && now - lastBackgroundAt_ >= kAutoLockSpacing &&
+      now - lastCredentialAt_ >= kResultPending) {
     credited_ = false;
     hiddenBy_ = 3;
   }
@@ -71,9 +72,11 @@ void Checker::saved(const Settings& now, double at) {
     unsure(at);
     modeSince_ = at;
   }
-  if (now.windows.size() != settings_.windows.size() || now.windowsKnown != settings_.windowsKnown) lastUnsureAt_ = at;
+  if (now.windows.size() != settings_.windows.size() || now.windowsKnown != settings_.windowsKnown)
+    lastUnsureAt_ = at;
   for (std::size_t i = 0; i < now.windows.size() && i < settings_.windows.size(); ++i)
-    if (now.windows[i].start != settings_.windows[i].start || now.windows[i].end != settings_.windows[i].end ||
+    if (now.windows[i].start != settings_.windows[i].start ||
+        now.windows[i].end != settings_.windows[i].end ||
         now.windows[i].hide != settings_.windows[i].hide)
       lastUnsureAt_ = at;
   settings_ = now;
@@ -95,7 +98,8 @@ void Checker::opened(Screen screen, const std::vector<std::string>& dataThen) {
   l.valid = false;
   l.secretsInData.clear();
   l.othersInData.clear();
-  for (const auto& u : dataThen) (settings_.secrets.count(u) ? l.secretsInData : l.othersInData).insert(u);
+  for (const auto& u : dataThen)
+    (settings_.secrets.count(u) ? l.secretsInData : l.othersInData).insert(u);
   l.at.active = false;  // completed by the next check
   l.at.hidden = true;
   l.at.secrets = {"\x01pending"};
@@ -103,7 +107,7 @@ void Checker::opened(Screen screen, const std::vector<std::string>& dataThen) {
 
 bool Checker::scheduleVisible(long minute) const {
   for (const Window& w : settings_.windows) {
-    bool in = w.start == w.end ? false
+    bool in = w.start == w.end  ? false
               : w.start < w.end ? (w.start <= minute && minute < w.end)
                                 : (minute >= w.start || minute < w.end);
     if (in) return !w.hide;
@@ -127,7 +131,8 @@ std::optional<Breach> Checker::check(const Observation& o) {
     if (!credentialSinceLaunch_) return Breach{1, "the panel opened without a credential"};
     credited_ = true;
   }
-  if (!settings_.manual && (!settings_.windowsKnown || scheduleVisible(o.minuteOfDay))) lastScheduleShowAt_ = o.now;
+  if (!settings_.manual && (!settings_.windowsKnown || scheduleVisible(o.minuteOfDay)))
+    lastScheduleShowAt_ = o.now;
 
   Key k;
   k.hidden = hiddenForSure(o);
@@ -163,15 +168,18 @@ std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) 
     return std::nullopt;
   };
   if (!(exempt_ & kMainList) && o.mainReloads > mainAtChange_)
-    if (auto r = find(o.mainRows)) return Breach{onMain, "secret " + *r + " is on the main list while hidden"};
+    if (auto r = find(o.mainRows))
+      return Breach{onMain, "secret " + *r + " is on the main list while hidden"};
   if (!(exempt_ & kContacts) && o.contactsReloads > contactsAtChange_)
-    if (auto r = find(o.contactsRows)) return Breach{2, "secret " + *r + " is on the contacts list while hidden"};
+    if (auto r = find(o.contactsRows))
+      return Breach{2, "secret " + *r + " is on the contacts list while hidden"};
   const std::vector<std::string>* shown[] = {&o.search, &o.moments, &o.forward};
   const unsigned surface[] = {kSearch, kMoments, kForward};
   const char* names[] = {"search results", "Moments", "recent-forward row"};
   for (int s = 0; s < kScreens; ++s) {
     if (!loaded_[s].valid || (exempt_ & surface[s])) continue;
-    if (auto r = find(*shown[s])) return Breach{2, "secret " + *r + " is on the " + names[s] + " while hidden"};
+    if (auto r = find(*shown[s]))
+      return Breach{2, "secret " + *r + " is on the " + names[s] + " while hidden"};
   }
   return std::nullopt;
 }
@@ -194,8 +202,9 @@ std::optional<Breach> Checker::judgeDrawn(const Observation& o) {
 std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hidden) {
   for (const sim::Announcement& a : o.announcements) {
     if (!settings_.secrets.count(a.from)) continue;
-    std::string what = a.kind + " from " + a.from + ": banner '" + a.banner + "', sound " + std::to_string(a.sound) +
-                       ", vibrations " + std::to_string(a.vibrations) + ", ringing " + std::to_string(a.ringing);
+    std::string what = a.kind + " from " + a.from + ": banner '" + a.banner + "', sound " +
+                       std::to_string(a.sound) + ", vibrations " + std::to_string(a.vibrations) +
+                       ", ringing " + std::to_string(a.ringing);
     if (!a.isCall()) {
       if (!hidden || (exempt_ & kBanner)) continue;
       if (settings_.notifyMode == 0 && (!a.banner.empty() || a.sound || a.vibrations))
@@ -212,7 +221,8 @@ std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hid
 
 std::optional<Breach> Checker::judgeFile(const Observation& o) {
   if (!saved_) {
-    if (o.file != initialFile_) return Breach{5, "the settings file changed before anything was saved"};
+    if (o.file != initialFile_)
+      return Breach{5, "the settings file changed before anything was saved"};
     return std::nullopt;
   }
   if (!o.file) return Breach{5, "the settings file is gone after a save"};
@@ -225,15 +235,21 @@ std::optional<Breach> Checker::judgeFile(const Observation& o) {
   if (const base::Value* s = v->find("secrets"); s && s->isArray())
     for (const base::Value& e : *s->asArray())
       if (const std::string* n = e.asString()) secrets.insert(*n);
-  if (secrets != settings_.secrets) return mismatch("secrets " + csv(secrets), csv(settings_.secrets));
+  if (secrets != settings_.secrets)
+    return mismatch("secrets " + csv(secrets), csv(settings_.secrets));
   const base::Value* pw = v->find("password");
-  if (!pw || !pw->asString() || *pw->asString() != settings_.password) return mismatch("password", settings_.password);
-  auto integer = [&](const char* key) { const base::Value* x = v->find(key); return x ? x->integerValue() : std::nullopt; };
+  if (!pw || !pw->asString() || *pw->asString() != settings_.password)
+    return mismatch("password", settings_.password);
+  auto integer = [&](const char* key) {
+    const base::Value* x = v->find(key);
+    return x ? x->integerValue() : std::nullopt;
+  };
   auto boolean = [&](const std::string& key) {
     const base::Value* x = v->find(key);
     return x ? x->boolValue() : std::nullopt;
   };
-  if (integer("visibilityControl") != (settings_.manual ? 0 : 1)) return mismatch("visibilityControl", "");
+  if (integer("visibilityControl") != (settings_.manual ? 0 : 1))
+    return mismatch("visibilityControl", "");
   if (integer("secretNotifyMode") != settings_.notifyMode) return mismatch("secretNotifyMode", "");
   if (boolean("voipVoiceNotify") != settings_.voice) return mismatch("voipVoiceNotify", "");
   if (boolean("voipVideoNotify") != settings_.video) return mismatch("voipVideoNotify", "");

@@ -27,9 +27,11 @@ struct Settings {
   bool voice = false, video = false;
   std::vector<Window> windows;
   bool windowsKnown = false;
-  std::map<std::string, bool> switches = {
-      {"shakeShow", true}, {"shakeHide", true}, {"longPressUnlock", true}, {"passwordFallback", true}};
-  std::map<std::string, long> modes;     // auth modes written, by file key
+  std::map<std::string, bool> switches = {{"shakeShow", true},
+                                          {"shakeHide", true},
+                                          {"longPressUnlock", true},
+                                          {"passwordFallback", true}};
+  std::map<std::string, long> modes;  // auth modes written, by file key
 };
 
 // What a person could see after a step, gathered by the driver from the host.
@@ -57,8 +59,8 @@ struct Breach {
 class Checker {
  public:
   // `exempt`: the surfaces the faults feed; `gone`: those the host build lacks outright.
-  Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready, unsigned exempt,
-          unsigned gone = 0);
+  Checker(Settings initial, std::optional<std::string> initialFile, bool savedAlready,
+          unsigned exempt, unsigned gone = 0);
 
   // --- What the driver did.
   void launched(double now);

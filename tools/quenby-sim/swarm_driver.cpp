@@ -77,7 +77,9 @@ long tableReloads(rt::Id screen) {
 class Day {
  public:
   Day(std::uint64_t seed, std::ostream* live)
-      : live_(live), session_(options(seed, live), live ? *live : discard_), rng_(session_.device().random()) {}
+      : live_(live),
+        session_(options(seed, live), live ? *live : discard_),
+        rng_(session_.device().random()) {}
 
   SeedRun run(int steps) {
     setUp();
@@ -100,12 +102,15 @@ class Day {
   std::uint64_t pick(std::uint64_t n) { return rng_() % n; }
   bool chance(int percent) { return int(pick(100)) < percent; }
   template <typename T, std::size_t N>
-  const T& oneOf(const T (&a)[N]) { return a[pick(N)]; }
+  const T& oneOf(const T (&a)[N]) {
+    return a[pick(N)];
+  }
 
   // --- Before launch: the host build, the device, the settings file.
   void setUp() {
-    for (const char* line : {"friend alice", "friend bob nick=Bob", "friend carol remark=C", "friend dave alias=dd",
-                             "friend erin", "room team@chatroom title=Team"})
+    for (const char* line :
+         {"friend alice", "friend bob nick=Bob", "friend carol remark=C", "friend dave alias=dd",
+          "friend erin", "room team@chatroom title=Team"})
       exec(line);
     exec(std::string("device biometrics ") + oneOf({"faceid", "touchid", "none"}));
     exec(std::string("device motion ") + oneOf({"full", "accelerometer", "none"}));
@@ -136,7 +141,8 @@ class Day {
     }
     checker_.emplace(model_, initial, saved, exempt_, gone_);
     if (saved) {
-      for (int k = 0, m = 1 + int(pick(3)); k < m; ++k) edit("secret " + std::string(oneOf(kSecretCandidates)));
+      for (int k = 0, m = 1 + int(pick(3)); k < m; ++k)
+        edit("secret " + std::string(oneOf(kSecretCandidates)));
       edit(windowsLine());
       if (chance(30)) edit("setting visibilityControl 1");
       edit("setting secretNotifyMode " + std::to_string(pick(3)));
@@ -152,9 +158,12 @@ class Day {
 
   std::string damagedFile() {
     switch (pick(4)) {
-      case 0: return "";
-      case 1: return "<?xml version=\"1.0\"?><plist><dict><key>secrets</key><array><string>bob";
-      case 2: return "bplist00\xd1\x01\x02garbage";
+      case 0:
+        return "";
+      case 1:
+        return "<?xml version=\"1.0\"?><plist><dict><key>secrets</key><array><string>bob";
+      case 2:
+        return "bplist00\xd1\x01\x02garbage";
       default: {
         std::string s;
         for (int i = 0, n = 1 + int(pick(64)); i < n; ++i) s += char(pick(256));
@@ -186,7 +195,8 @@ class Day {
   }
 
   void writeSettingsFile(const std::string& bytes) {
-    std::filesystem::create_directories(std::filesystem::path(session_.settingsPath()).parent_path());
+    std::filesystem::create_directories(
+        std::filesystem::path(session_.settingsPath()).parent_path());
     std::ofstream(session_.settingsPath(), std::ios::binary) << bytes;
   }
 
@@ -194,18 +204,22 @@ class Day {
   std::string windowsLine() {
     long a = long(pick(24 * 60)), len = 2 + long(pick(180));
     std::vector<Window> w{{a, (a + len) % 1440, chance(30)}};
-    std::string line = "setting dailyWindows " + clock(w[0].start) + "-" + clock(w[0].end) + (w[0].hide ? " hide" : " show");
+    std::string line = "setting dailyWindows " + clock(w[0].start) + "-" + clock(w[0].end) +
+                       (w[0].hide ? " hide" : " show");
     if (chance(50)) {
       long b = (w[0].end + 1 + long(pick(300))) % 1440, blen = 2 + long(pick(120));
       Window second{b, (b + blen) % 1440, chance(50)};
       bool clear = true;
       for (long m = 0; m < 1440 && clear; ++m) {
-        auto in = [m](const Window& x) { return x.start < x.end ? x.start <= m && m < x.end : m >= x.start || m < x.end; };
+        auto in = [m](const Window& x) {
+          return x.start < x.end ? x.start <= m && m < x.end : m >= x.start || m < x.end;
+        };
         if (in(w[0]) && in(second)) clear = false;
       }
       if (clear) {
         w.push_back(second);
-        line += " " + clock(second.start) + "-" + clock(second.end) + (second.hide ? " hide" : " show");
+        line +=
+            " " + clock(second.start) + "-" + clock(second.end) + (second.hide ? " hide" : " show");
       }
     }
     pendingWindows_ = w;
@@ -216,28 +230,67 @@ class Day {
   void userStep() {
     std::string who = oneOf(kUsers);
     switch (pick(24)) {
-      case 0: case 1: case 2: exec("message " + who); break;
-      case 3: exec(std::string("call ") + (chance(50) ? "video " : "voice ") + who); break;
-      case 4: exec(chance(50) ? "moment " + who : "session " + who); break;
-      case 5: open(who); break;
-      case 6: case 7: exec("shake"); break;
-      case 8: exec("longpress"); break;
+      case 0:
+      case 1:
+      case 2:
+        exec("message " + who);
+        break;
+      case 3:
+        exec(std::string("call ") + (chance(50) ? "video " : "voice ") + who);
+        break;
+      case 4:
+        exec(chance(50) ? "moment " + who : "session " + who);
+        break;
+      case 5:
+        open(who);
+        break;
+      case 6:
+      case 7:
+        exec("shake");
+        break;
+      case 8:
+        exec("longpress");
+        break;
       case 9:
-        if (chance(40)) openPanel();
-        else aboutTaps();
+        if (chance(40))
+          openPanel();
+        else
+          aboutTaps();
         break;
-      case 10: case 11: exec("type " + std::string(chance(50) ? model_.password : oneOf({"1234", "7350", "24689", "x"}))); break;
-      case 12: exec(chance(70) ? "press 确定" : "press 取消"); break;
-      case 13: exec(chance(60) ? "biometric pass" : "biometric fail"); break;
+      case 10:
+      case 11:
+        exec("type " +
+             std::string(chance(50) ? model_.password : oneOf({"1234", "7350", "24689", "x"})));
+        break;
+      case 12:
+        exec(chance(70) ? "press 确定" : "press 取消");
+        break;
+      case 13:
+        exec(chance(60) ? "biometric pass" : "biometric fail");
+        break;
       case 14:
-        if (chance(60)) panelRow();
-        else exec(chance(60) ? "panel done" : "panel dismiss");
+        if (chance(60))
+          panelRow();
+        else
+          exec(chance(60) ? "panel done" : "panel dismiss");
         break;
-      case 15: edit(std::string(chance(60) ? "secret " : "unsecret ") + oneOf(kSecretCandidates)); break;
-      case 16: setting(); break;
-      case 17: exec(session_.process() && session_.process()->appState() == sim::AppState::Active ? "background" : "foreground"); break;
-      case 18: exec(session_.process() ? (chance(20) ? "quit" : "open main") : "launch"); break;
-      case 19: exec("wait " + fmt(double(pick(100)) / 100.0)); break;
+      case 15:
+        edit(std::string(chance(60) ? "secret " : "unsecret ") + oneOf(kSecretCandidates));
+        break;
+      case 16:
+        setting();
+        break;
+      case 17:
+        exec(session_.process() && session_.process()->appState() == sim::AppState::Active
+                 ? "background"
+                 : "foreground");
+        break;
+      case 18:
+        exec(session_.process() ? (chance(20) ? "quit" : "open main") : "launch");
+        break;
+      case 19:
+        exec("wait " + fmt(double(pick(100)) / 100.0));
+        break;
       default: {
         double t = oneOf(kThresholds) + double(int(pick(5)) - 2) * 0.01;
         exec("wait " + fmt(t));
@@ -247,12 +300,24 @@ class Day {
 
   void open(const std::string& who) {
     switch (pick(6)) {
-      case 0: exec("open main"); break;
-      case 1: exec("open contacts"); break;
-      case 2: exec("open search " + who.substr(0, 2)); break;
-      case 3: exec("open moments"); break;
-      case 4: exec("open forward"); break;
-      default: exec("open chat " + who); break;
+      case 0:
+        exec("open main");
+        break;
+      case 1:
+        exec("open contacts");
+        break;
+      case 2:
+        exec("open search " + who.substr(0, 2));
+        break;
+      case 3:
+        exec("open moments");
+        break;
+      case 4:
+        exec("open forward");
+        break;
+      default:
+        exec("open chat " + who);
+        break;
     }
   }
 
@@ -283,14 +348,30 @@ class Day {
 
   void setting() {
     switch (pick(8)) {
-      case 0: edit(std::string("setting visibilityControl ") + (chance(50) ? "1" : "0")); break;
-      case 1: edit("setting secretNotifyMode " + std::to_string(pick(3))); break;
-      case 2: edit(std::string("setting voipVoiceNotify ") + (chance(50) ? "true" : "false")); break;
-      case 3: edit(std::string("setting voipVideoNotify ") + (chance(50) ? "true" : "false")); break;
-      case 4: edit(windowsLine()); break;
-      case 5: edit(std::string("setting password ") + oneOf({"7351", "2468", "abc", "98765"})); break;
-      case 6: edit(std::string("setting ") + oneOf(kSwitchKeys) + (chance(50) ? " true" : " false")); break;
-      default: edit(std::string(chance(50) ? "setting revealAuthMode " : "setting panelAuthMode ") + std::to_string(pick(2)));
+      case 0:
+        edit(std::string("setting visibilityControl ") + (chance(50) ? "1" : "0"));
+        break;
+      case 1:
+        edit("setting secretNotifyMode " + std::to_string(pick(3)));
+        break;
+      case 2:
+        edit(std::string("setting voipVoiceNotify ") + (chance(50) ? "true" : "false"));
+        break;
+      case 3:
+        edit(std::string("setting voipVideoNotify ") + (chance(50) ? "true" : "false"));
+        break;
+      case 4:
+        edit(windowsLine());
+        break;
+      case 5:
+        edit(std::string("setting password ") + oneOf({"7351", "2468", "abc", "98765"}));
+        break;
+      case 6:
+        edit(std::string("setting ") + oneOf(kSwitchKeys) + (chance(50) ? " true" : " false"));
+        break;
+      default:
+        edit(std::string(chance(50) ? "setting revealAuthMode " : "setting panelAuthMode ") +
+             std::to_string(pick(2)));
     }
   }
 
@@ -303,13 +384,28 @@ class Day {
     bool on = chance(50);
     std::string onOff = on ? " on" : " off";
     switch (pick(8)) {
-      case 0: line = "panel tap 0 " + std::to_string(row), next.manual = row == 0; break;
-      case 1: row = long(pick(3)), line = "panel tap 3 " + std::to_string(row), next.notifyMode = 2 - row; break;
-      case 2: line = "panel switch 4 0" + onOff, next.voice = on; break;
-      case 3: line = "panel switch 4 1" + onOff, next.video = on; break;
-      case 4: line = "panel tap 5 " + std::to_string(row), next.modes["panelAuthMode"] = row; break;
-      case 5: line = "panel tap 6 " + std::to_string(row), next.modes["revealAuthMode"] = row; break;
-      case 6: line = "panel switch 1 " + std::to_string(row) + onOff, next.switches[row ? "longPressUnlock" : "shakeShow"] = on; break;
+      case 0:
+        line = "panel tap 0 " + std::to_string(row), next.manual = row == 0;
+        break;
+      case 1:
+        row = long(pick(3)), line = "panel tap 3 " + std::to_string(row), next.notifyMode = 2 - row;
+        break;
+      case 2:
+        line = "panel switch 4 0" + onOff, next.voice = on;
+        break;
+      case 3:
+        line = "panel switch 4 1" + onOff, next.video = on;
+        break;
+      case 4:
+        line = "panel tap 5 " + std::to_string(row), next.modes["panelAuthMode"] = row;
+        break;
+      case 5:
+        line = "panel tap 6 " + std::to_string(row), next.modes["revealAuthMode"] = row;
+        break;
+      case 6:
+        line = "panel switch 1 " + std::to_string(row) + onOff,
+        next.switches[row ? "longPressUnlock" : "shakeShow"] = on;
+        break;
       default: {
         std::string who = oneOf(kSecretCandidates);
         exec("panel tap 7 0");
@@ -318,8 +414,8 @@ class Day {
       }
     }
     // A switch moved to where it already is sends nothing, so nothing is saved.
-    bool switchUnmoved = line.starts_with("panel switch") && next.voice == model_.voice && next.video == model_.video &&
-                         next.switches == model_.switches;
+    bool switchUnmoved = line.starts_with("panel switch") && next.voice == model_.voice &&
+                         next.video == model_.video && next.switches == model_.switches;
     exec(line, [&] {
       if (switchUnmoved) return;
       model_ = next;
@@ -331,16 +427,26 @@ class Day {
   void edit(const std::string& line) {
     Settings next = model_;
     std::vector<std::string> w = splitWords(line);
-    if (w[0] == "secret") next.secrets.insert(w[1]);
-    else if (w[0] == "unsecret") next.secrets.erase(w[1]);
-    else if (w[1] == "visibilityControl") next.manual = w[2] == "0";
-    else if (w[1] == "secretNotifyMode") next.notifyMode = std::stol(w[2]);
-    else if (w[1] == "voipVoiceNotify") next.voice = w[2] == "true";
-    else if (w[1] == "voipVideoNotify") next.video = w[2] == "true";
-    else if (w[1] == "password") next.password = w[2].size() >= 4 ? w[2] : next.password;
-    else if (w[1] == "dailyWindows") next.windows = pendingWindows_, next.windowsKnown = true;
-    else if (w[1] == "revealAuthMode" || w[1] == "panelAuthMode") next.modes[w[1]] = std::stol(w[2]);
-    else next.switches[w[1]] = w[2] == "true";
+    if (w[0] == "secret")
+      next.secrets.insert(w[1]);
+    else if (w[0] == "unsecret")
+      next.secrets.erase(w[1]);
+    else if (w[1] == "visibilityControl")
+      next.manual = w[2] == "0";
+    else if (w[1] == "secretNotifyMode")
+      next.notifyMode = std::stol(w[2]);
+    else if (w[1] == "voipVoiceNotify")
+      next.voice = w[2] == "true";
+    else if (w[1] == "voipVideoNotify")
+      next.video = w[2] == "true";
+    else if (w[1] == "password")
+      next.password = w[2].size() >= 4 ? w[2] : next.password;
+    else if (w[1] == "dailyWindows")
+      next.windows = pendingWindows_, next.windowsKnown = true;
+    else if (w[1] == "revealAuthMode" || w[1] == "panelAuthMode")
+      next.modes[w[1]] = std::stol(w[2]);
+    else
+      next.switches[w[1]] = w[2] == "true";
     exec(line, [&] {
       model_ = next;
       if (checker_) checker_->saved(model_, session_.device().elapsed());
@@ -399,19 +505,27 @@ class Day {
     std::vector<std::string> w = splitWords(line);
     double now = session_.device().elapsed();
     const std::string& cmd = w[0];
-    if (cmd == "launch") checker_->launched(now);
-    else if (cmd == "quit") checker_->quit();
+    if (cmd == "launch")
+      checker_->launched(now);
+    else if (cmd == "quit")
+      checker_->quit();
     else if (cmd == "background") {
-      bool held = heldBefore == "alert" || heldBefore == "biometric" || heldBefore == "panel" || heldBefore == "picker";
+      bool held = heldBefore == "alert" || heldBefore == "biometric" || heldBefore == "panel" ||
+                  heldBefore == "picker";
       checker_->background(now, held);
-    } else if (cmd == "foreground") checker_->foreground(now);
-    else if (cmd == "type") typed_ = w[1];
+    } else if (cmd == "foreground")
+      checker_->foreground(now);
+    else if (cmd == "type")
+      typed_ = w[1];
     else if (cmd == "press") {
       if (w[1] == "确定" && typed_ == model_.password) checker_->credential(now);
       typed_.reset();
-    } else if (cmd == "biometric" && w[1] == "pass") checker_->credential(now);
-    else if (cmd == "panel" && w[1] == "done") checker_->panelDone();
-    else if (cmd == "panel" && w[1] == "dismiss") checker_->panelDismissed();
+    } else if (cmd == "biometric" && w[1] == "pass")
+      checker_->credential(now);
+    else if (cmd == "panel" && w[1] == "done")
+      checker_->panelDone();
+    else if (cmd == "panel" && w[1] == "dismiss")
+      checker_->panelDismissed();
     else if (cmd == "open" && w[1] == "search") {
       std::vector<std::string> data;
       for (const auto& f : session_.host().model.friends)
@@ -450,8 +564,8 @@ class Day {
   void fail(const Breach& b) {
     run_.passed = false;
     std::ostringstream f;
-    f << "swarm: seed " << session_.device().seed() << " failed at step " << step_ << ": invariant " << b.invariant
-      << ": " << b.what << "\nlast steps:\n";
+    f << "swarm: seed " << session_.device().seed() << " failed at step " << step_ << ": invariant "
+      << b.invariant << ": " << b.what << "\nlast steps:\n";
     for (const auto& line : recent_) f << line;
     f << "replay: quenby-sim swarm --seed " << session_.device().seed() << " --trace\n";
     run_.failure = f.str();
@@ -493,8 +607,8 @@ int runSwarm(const SwarmOptions& options, std::ostream& out) {
     }
   }
   double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-  out << options.count << " seeds passed, " << steps << " steps, " << faults.size() << " of " << hostFaults().size()
-      << " host faults exercised\n";
+  out << options.count << " seeds passed, " << steps << " steps, " << faults.size() << " of "
+      << hostFaults().size() << " host faults exercised\n";
   if (options.count > 1) out << "wall time " << fmt(wall) << " s\n";
   return 0;
 }

@@ -40,7 +40,9 @@ NSMutableDictionary* nsDictionary(const std::vector<std::pair<Id, Id>>& entries)
 }
 
 bool kindOf(Id obj, ::Class c) { return obj && [object(obj) isKindOfClass:c]; }
-bool answers(Id obj, ::SEL s) { return obj && class_respondsToSelector(object_getClass(object(obj)), s); }
+bool answers(Id obj, ::SEL s) {
+  return obj && class_respondsToSelector(object_getClass(object(obj)), s);
+}
 
 bool isBooleanNumber(NSNumber* n) {
   return n == [NSNumber numberWithBool:YES] || n == [NSNumber numberWithBool:NO];
@@ -70,9 +72,15 @@ Id boolNumber(bool value) { return handle([NSNumber numberWithBool:value]); }
 Id realNumber(double value) { return handle([NSNumber numberWithDouble:value]); }
 bool isNumber(Id obj) { return kindOf(obj, [NSNumber class]); }
 bool answersIntegerValue(Id obj) { return answers(obj, @selector(integerValue)); }
-long integerValue(Id obj) { return answersIntegerValue(obj) ? [(NSNumber*)object(obj) integerValue] : 0; }
-bool boolValue(Id obj) { return answers(obj, @selector(boolValue)) && [(NSNumber*)object(obj) boolValue]; }
-double doubleValue(Id obj) { return answers(obj, @selector(doubleValue)) ? [(NSNumber*)object(obj) doubleValue] : 0; }
+long integerValue(Id obj) {
+  return answersIntegerValue(obj) ? [(NSNumber*)object(obj) integerValue] : 0;
+}
+bool boolValue(Id obj) {
+  return answers(obj, @selector(boolValue)) && [(NSNumber*)object(obj) boolValue];
+}
+double doubleValue(Id obj) {
+  return answers(obj, @selector(doubleValue)) ? [(NSNumber*)object(obj) doubleValue] : 0;
+}
 
 // --- NSNull
 Id null() { return handle([NSNull null]); }
@@ -88,10 +96,13 @@ std::vector<Id> elements(Id obj) {
   if (isSet(obj)) return itemsOf(((NSSet*)object(obj)).allObjects);
   return {};
 }
-long count(Id obj) { return answers(obj, @selector(count)) ? long([(NSArray*)object(obj) count]) : 0; }
+long count(Id obj) {
+  return answers(obj, @selector(count)) ? long([(NSArray*)object(obj) count]) : 0;
+}
 Id objectAtIndex(Id arr, long index) {
   if (!arr) return nullptr;
-  return ios::translating([&] { return handle([(NSArray*)object(arr) objectAtIndex:NSUInteger(index)]); });
+  return ios::translating(
+      [&] { return handle([(NSArray*)object(arr) objectAtIndex:NSUInteger(index)]); });
 }
 void addObject(Id arr, Id obj) {
   if (arr) ios::translating([&] { [(NSMutableArray*)object(arr) addObject:object(obj)]; });
@@ -101,16 +112,21 @@ void addObject(Id arr, Id obj) {
 Id dictionary(const std::vector<std::pair<Id, Id>>& entries) {
   return handle([NSDictionary dictionaryWithDictionary:nsDictionary(entries)]);
 }
-Id mutableDictionary(const std::vector<std::pair<Id, Id>>& entries) { return handle(nsDictionary(entries)); }
+Id mutableDictionary(const std::vector<std::pair<Id, Id>>& entries) {
+  return handle(nsDictionary(entries));
+}
 bool isDictionary(Id obj) { return kindOf(obj, [NSDictionary class]); }
 bool isMutableDictionary(Id obj) { return kindOf(obj, [NSMutableDictionary class]); }
 Id objectForKey(Id dict, Id key) {
   if (!dict) return nullptr;
-  return ios::translating([&] { return handle([(NSDictionary*)object(dict) objectForKey:object(key)]); });
+  return ios::translating(
+      [&] { return handle([(NSDictionary*)object(dict) objectForKey:object(key)]); });
 }
 Id objectForKey(Id dict, std::string_view key) { return objectForKey(dict, str(key)); }
 void setObjectForKey(Id dict, Id value, Id key) {
-  if (dict) ios::translating([&] { [(NSMutableDictionary*)object(dict) setObject:object(value) forKey:object(key)]; });
+  if (dict)
+    ios::translating(
+        [&] { [(NSMutableDictionary*)object(dict) setObject:object(value) forKey:object(key)]; });
 }
 std::vector<Id> allKeys(Id dict) {
   if (!dict) return {};
@@ -122,11 +138,14 @@ Id set(const std::vector<Id>& items) { return handle([NSSet setWithArray:nsArray
 bool isSet(Id obj) { return kindOf(obj, [NSSet class]); }
 bool containsObject(Id collection, Id obj) {
   if (!collection) return false;
-  return ios::translating([&] { return bool([(NSArray*)object(collection) containsObject:object(obj)]); });
+  return ios::translating(
+      [&] { return bool([(NSArray*)object(collection) containsObject:object(obj)]); });
 }
 
 // --- NSIndexPath
-Id indexPath(long row, long section) { return handle([NSIndexPath indexPathForRow:row inSection:section]); }
+Id indexPath(long row, long section) {
+  return handle([NSIndexPath indexPathForRow:row inSection:section]);
+}
 bool isIndexPath(Id obj) { return kindOf(obj, [NSIndexPath class]); }
 long indexPathRow(Id ip) {
   if (!ip) return 0;
@@ -139,7 +158,9 @@ long indexPathSection(Id ip) {
 
 // --- NSDate
 Id now() { return handle([NSDate date]); }
-Id dateWithReferenceSeconds(double seconds) { return handle([NSDate dateWithTimeIntervalSinceReferenceDate:seconds]); }
+Id dateWithReferenceSeconds(double seconds) {
+  return handle([NSDate dateWithTimeIntervalSinceReferenceDate:seconds]);
+}
 double referenceSeconds(Id date) {
   if (!date) return 0;
   return ios::translating([&] { return [(NSDate*)object(date) timeIntervalSinceReferenceDate]; });
@@ -168,7 +189,8 @@ std::optional<base::Value> toValue(Id obj) {
     NSNumber* n = (NSNumber*)object(obj);
     if (isBooleanNumber(n)) return base::Value(bool(n.boolValue));
     const char* type = n.objCType;
-    if (type && (std::strcmp(type, "f") == 0 || std::strcmp(type, "d") == 0)) return base::Value(n.doubleValue);
+    if (type && (std::strcmp(type, "f") == 0 || std::strcmp(type, "d") == 0))
+      return base::Value(n.doubleValue);
     return base::Value(static_cast<long long>(n.longLongValue));
   }
   if (kindOf(obj, [NSDate class])) return base::Value(base::Date{referenceSeconds(obj)});

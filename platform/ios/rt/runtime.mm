@@ -33,7 +33,9 @@ std::string_view selName(SEL s) { return s ? view(sel_getName(ios::sel(s))) : st
 Class classOf(Id obj) { return obj ? ios::handle(object_getClass(ios::object(obj))) : nullptr; }
 Class superclass(Class c) { return c ? ios::handle(class_getSuperclass(ios::cls(c))) : nullptr; }
 bool isMetaclass(Class c) { return c && class_isMetaClass(ios::cls(c)); }
-std::string_view className(Class c) { return c ? view(class_getName(ios::cls(c))) : std::string_view("nil"); }
+std::string_view className(Class c) {
+  return c ? view(class_getName(ios::cls(c))) : std::string_view("nil");
+}
 
 std::string_view className(Id obj) {
   if (!obj) return "nil";
@@ -48,7 +50,9 @@ bool isKindOf(Id obj, std::string_view name) { return isKindOf(obj, getClass(nam
 bool respondsTo(Id obj, SEL s) {
   return obj && s && class_respondsToSelector(object_getClass(ios::object(obj)), ios::sel(s));
 }
-bool instancesRespondTo(Class c, SEL s) { return c && s && class_respondsToSelector(ios::cls(c), ios::sel(s)); }
+bool instancesRespondTo(Class c, SEL s) {
+  return c && s && class_respondsToSelector(ios::cls(c), ios::sel(s));
+}
 
 Method getInstanceMethod(Class c, SEL s) {
   return c && s ? ios::handle(class_getInstanceMethod(ios::cls(c), ios::sel(s))) : nullptr;
@@ -57,7 +61,9 @@ Method getClassMethod(Class c, SEL s) {
   return c && s ? ios::handle(class_getClassMethod(ios::cls(c), ios::sel(s))) : nullptr;
 }
 SEL methodName(Method m) { return m ? ios::handle(method_getName(ios::method(m))) : nullptr; }
-IMP methodImplementation(Method m) { return m ? ios::handle(method_getImplementation(ios::method(m))) : nullptr; }
+IMP methodImplementation(Method m) {
+  return m ? ios::handle(method_getImplementation(ios::method(m))) : nullptr;
+}
 const char* typeEncoding(Method m) { return m ? method_getTypeEncoding(ios::method(m)) : nullptr; }
 
 IMP setImplementation(Method m, IMP imp) {
@@ -70,13 +76,17 @@ void exchangeImplementations(Method a, Method b) {
 }
 
 bool addMethod(Class c, SEL s, IMP imp, const char* types) {
-  return c && s && imp && class_addMethod(ios::cls(c), ios::sel(s), ios::imp(imp), types ? types : "");
+  return c && s && imp &&
+         class_addMethod(ios::cls(c), ios::sel(s), ios::imp(imp), types ? types : "");
 }
 
 Ivar getInstanceVariable(Class c, std::string_view name) {
-  return c ? ios::handle(class_getInstanceVariable(ios::cls(c), std::string(name).c_str())) : nullptr;
+  return c ? ios::handle(class_getInstanceVariable(ios::cls(c), std::string(name).c_str()))
+           : nullptr;
 }
-std::string_view ivarName(Ivar v) { return v ? view(ivar_getName(ios::ivar(v))) : std::string_view(); }
+std::string_view ivarName(Ivar v) {
+  return v ? view(ivar_getName(ios::ivar(v))) : std::string_view();
+}
 const char* ivarTypeEncoding(Ivar v) { return v ? ivar_getTypeEncoding(ios::ivar(v)) : nullptr; }
 
 Id ivarObject(Id obj, Ivar v) {
@@ -114,11 +124,21 @@ void setAssociatedObject(Id obj, const void* key, Id value, Association policy) 
   if (!obj) return;
   objc_AssociationPolicy p = OBJC_ASSOCIATION_RETAIN_NONATOMIC;
   switch (policy) {
-    case Association::Assign: p = OBJC_ASSOCIATION_ASSIGN; break;
-    case Association::RetainNonatomic: p = OBJC_ASSOCIATION_RETAIN_NONATOMIC; break;
-    case Association::CopyNonatomic: p = OBJC_ASSOCIATION_COPY_NONATOMIC; break;
-    case Association::Retain: p = OBJC_ASSOCIATION_RETAIN; break;
-    case Association::Copy: p = OBJC_ASSOCIATION_COPY; break;
+    case Association::Assign:
+      p = OBJC_ASSOCIATION_ASSIGN;
+      break;
+    case Association::RetainNonatomic:
+      p = OBJC_ASSOCIATION_RETAIN_NONATOMIC;
+      break;
+    case Association::CopyNonatomic:
+      p = OBJC_ASSOCIATION_COPY_NONATOMIC;
+      break;
+    case Association::Retain:
+      p = OBJC_ASSOCIATION_RETAIN;
+      break;
+    case Association::Copy:
+      p = OBJC_ASSOCIATION_COPY;
+      break;
   }
   objc_setAssociatedObject(ios::object(obj), key, ios::object(value), p);
 }

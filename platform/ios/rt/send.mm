@@ -17,19 +17,22 @@ namespace rt::detail {
 namespace {
 
 [[noreturn]] void raiseInRuntime(const std::string& reason) {
-  @throw [NSException exceptionWithName:NSInvalidArgumentException reason:ios::ns(reason) userInfo:nil];
+  @throw [NSException exceptionWithName:NSInvalidArgumentException
+                                 reason:ios::ns(reason)
+                               userInfo:nil];
 }
 
 }  // namespace
 
 IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
-  Method m = ios::handle(class_getInstanceMethod(object_getClass(ios::object(receiver)), ios::sel(s)));
+  Method m =
+      ios::handle(class_getInstanceMethod(object_getClass(ios::object(receiver)), ios::sel(s)));
   // No method: the runtime's forwarding and doesNotRecognizeSelector: answer.
   if (const char* types = typeEncoding(m)) {
     std::string normalized = normalizedEncoding(types);
     if (normalized != sig)
-      raiseInRuntime(std::string(className(receiver)) + " " + std::string(selName(s)) + ": called as " + sig +
-                     " but the method is " + normalized);
+      raiseInRuntime(std::string(className(receiver)) + " " + std::string(selName(s)) +
+                     ": called as " + sig + " but the method is " + normalized);
   }
   return ios::handle(reinterpret_cast<::IMP>(objc_msgSend));
 }

@@ -11,7 +11,8 @@
 namespace sys {
 
 std::string documentsDirectory() {
-  NSArray* urls = [[NSFileManager defaultManager] URLsForDirectory:NSDocumentDirectory inDomains:NSUserDomainMask];
+  NSArray* urls = [[NSFileManager defaultManager] URLsForDirectory:NSDocumentDirectory
+                                                         inDomains:NSUserDomainMask];
   if (urls.count == 0) return "";
   NSURL* url = [urls objectAtIndex:0];
   return ios::utf8(url.path);
@@ -24,7 +25,9 @@ bool createDirectories(const std::string& path) {
   return [fm fileExistsAtPath:ios::ns(path) isDirectory:&isDirectory] && isDirectory;
 }
 
-bool fileExists(const std::string& path) { return [[NSFileManager defaultManager] fileExistsAtPath:ios::ns(path)]; }
+bool fileExists(const std::string& path) {
+  return [[NSFileManager defaultManager] fileExistsAtPath:ios::ns(path)];
+}
 
 std::optional<base::Value> readPropertyList(const std::string& path) {
   @autoreleasepool {
@@ -41,12 +44,13 @@ std::optional<base::Value> readPropertyList(const std::string& path) {
 
 bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format) {
   @autoreleasepool {
-    NSPropertyListFormat f =
-        format == PlistFormat::Binary ? NSPropertyListBinaryFormat_v1_0 : NSPropertyListXMLFormat_v1_0;
-    NSData* data = [NSPropertyListSerialization dataWithPropertyList:ios::object(rt::fromValue(value))
-                                                              format:f
-                                                             options:0
-                                                               error:nil];
+    NSPropertyListFormat f = format == PlistFormat::Binary ? NSPropertyListBinaryFormat_v1_0
+                                                           : NSPropertyListXMLFormat_v1_0;
+    NSData* data =
+        [NSPropertyListSerialization dataWithPropertyList:ios::object(rt::fromValue(value))
+                                                   format:f
+                                                  options:0
+                                                    error:nil];
     return data && [data writeToFile:ios::ns(path) options:NSDataWritingAtomic error:nil];
   }
 }

@@ -34,20 +34,22 @@ bool accelerometerAvailable() { return manager().accelerometerAvailable; }
 
 void startDeviceMotionUpdates(double interval, std::function<void(Acceleration)> handler) {
   manager().deviceMotionUpdateInterval = interval;
-  [manager() startDeviceMotionUpdatesToQueue:sampleQueue()
-                                 withHandler:^(CMDeviceMotion* motion, NSError*) {
-                                   if (!motion) return;
-                                   ios::shielded("motion", [&] { handler(of(motion.userAcceleration)); });
-                                 }];
+  [manager()
+      startDeviceMotionUpdatesToQueue:sampleQueue()
+                          withHandler:^(CMDeviceMotion* motion, NSError*) {
+                            if (!motion) return;
+                            ios::shielded("motion", [&] { handler(of(motion.userAcceleration)); });
+                          }];
 }
 
 void startAccelerometerUpdates(double interval, std::function<void(Acceleration)> handler) {
   manager().accelerometerUpdateInterval = interval;
-  [manager() startAccelerometerUpdatesToQueue:sampleQueue()
-                                  withHandler:^(CMAccelerometerData* data, NSError*) {
-                                    if (!data) return;
-                                    ios::shielded("motion", [&] { handler(of(data.acceleration)); });
-                                  }];
+  [manager()
+      startAccelerometerUpdatesToQueue:sampleQueue()
+                           withHandler:^(CMAccelerometerData* data, NSError*) {
+                             if (!data) return;
+                             ios::shielded("motion", [&] { handler(of(data.acceleration)); });
+                           }];
 }
 
 }  // namespace sys

@@ -48,7 +48,8 @@ ObserverToken addObserver(std::string name, Observer block) {
                    queue:[NSOperationQueue mainQueue]
               usingBlock:^(NSNotification* n) {
                 if (!*live) return;
-                Notification note{ios::utf8(n.name), ios::handle(n.object), ios::handle(n.userInfo)};
+                Notification note{ios::utf8(n.name), ios::handle(n.object),
+                                  ios::handle(n.userInfo)};
                 ios::shielded("notification observer", [&] { block(note); });
               }];
   Observers& o = observers();

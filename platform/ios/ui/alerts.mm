@@ -63,7 +63,8 @@ Class watchedAlertClass() {
     const char* name = "QBWatchedAlertController";
     Class c = objc_allocateClassPair([UIAlertController class], name, 0);
     if (!c) return objc_lookUpClass(name);  // a second copy of the library made it already
-    class_addMethod(c, @selector(viewDidDisappear:), reinterpret_cast<IMP>(watchedDidDisappear), "v@:B");
+    class_addMethod(c, @selector(viewDidDisappear:), reinterpret_cast<IMP>(watchedDidDisappear),
+                    "v@:B");
     objc_registerClassPair(c);
     return c;
   }();
@@ -74,15 +75,16 @@ Class watchedAlertClass() {
 
 rt::Id makeAlert(const std::string& title, const std::string& message) {
   return ios::handle([UIAlertController alertControllerWithTitle:ios::ns(title)
-                                                          message:ios::ns(message)
-                                                   preferredStyle:UIAlertControllerStyleAlert]);
+                                                         message:ios::ns(message)
+                                                  preferredStyle:UIAlertControllerStyleAlert]);
 }
 
 void addTextField(rt::Id alert, const TextFieldSpec& spec) {
   UIAlertController* a = alertOf(alert);
   NSString* placeholder = ios::ns(spec.placeholder);
   bool secure = spec.secure;
-  UITextFieldViewMode clear = spec.clearButtonWhileEditing ? UITextFieldViewModeWhileEditing : UITextFieldViewModeNever;
+  UITextFieldViewMode clear =
+      spec.clearButtonWhileEditing ? UITextFieldViewModeWhileEditing : UITextFieldViewModeNever;
   [a addTextFieldWithConfigurationHandler:^(UITextField* field) {
     field.placeholder = placeholder;
     field.secureTextEntry = secure;
@@ -90,7 +92,8 @@ void addTextField(rt::Id alert, const TextFieldSpec& spec) {
   }];
 }
 
-void addAction(rt::Id alert, const std::string& title, ActionStyle style, std::function<void()> handler) {
+void addAction(rt::Id alert, const std::string& title, ActionStyle style,
+               std::function<void()> handler) {
   UIAlertController* a = alertOf(alert);
   if (!a) return;
   QBAlertWatch* w = watchOf(a);
@@ -98,7 +101,8 @@ void addAction(rt::Id alert, const std::string& title, ActionStyle style, std::f
                                                    style:static_cast<UIAlertActionStyle>(style)
                                                  handler:^(UIAlertAction*) {
                                                    w->actionTaken = true;
-                                                   if (handler) ios::shielded("alert action", handler);
+                                                   if (handler)
+                                                     ios::shielded("alert action", handler);
                                                  }];
   [a addAction:action];
 }
@@ -113,7 +117,9 @@ std::string textFieldText(rt::Id alert, long index) {
 
 bool present(rt::Id presenter, rt::Id controller, bool animated) {
   if (!presenter) return false;
-  if (!controller) rt::raise("NSInvalidArgumentException", "Application tried to present a nil modal view controller");
+  if (!controller)
+    rt::raise("NSInvalidArgumentException",
+              "Application tried to present a nil modal view controller");
   UIViewController* target = (UIViewController*)ios::object(presenter);
   UIViewController* shown = (UIViewController*)ios::object(controller);
   if (target.presentedViewController) return false;

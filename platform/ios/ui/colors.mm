@@ -32,7 +32,9 @@ const Named kNamed[] = {
     {ui::kGroupedBackground, [] { return UIColor.systemGroupedBackgroundColor; }, false},
 };
 
-bool sameHue(const ui::Color& a, const ui::Color& b) { return a.red == b.red && a.green == b.green && a.blue == b.blue; }
+bool sameHue(const ui::Color& a, const ui::Color& b) {
+  return a.red == b.red && a.green == b.green && a.blue == b.blue;
+}
 
 }  // namespace
 

@@ -11,7 +11,9 @@
 namespace ui {
 namespace {
 
-CGRect cg(const rt::CGRect& r) { return CGRect{{r.origin.x, r.origin.y}, {r.size.width, r.size.height}}; }
+CGRect cg(const rt::CGRect& r) {
+  return CGRect{{r.origin.x, r.origin.y}, {r.size.width, r.size.height}};
+}
 
 // The clip lasts for this image only: the graphics state is saved around it.
 void drawImage(const DrawImage& d) {
@@ -19,17 +21,22 @@ void drawImage(const DrawImage& d) {
   if (![image isKindOfClass:[UIImage class]]) return;
   CGContextRef context = UIGraphicsGetCurrentContext();
   CGContextSaveGState(context);
-  if (d.clipRadius > 0) [[UIBezierPath bezierPathWithRoundedRect:cg(d.rect) cornerRadius:d.clipRadius] addClip];
+  if (d.clipRadius > 0)
+    [[UIBezierPath bezierPathWithRoundedRect:cg(d.rect) cornerRadius:d.clipRadius] addClip];
   [(UIImage*)image drawInRect:cg(d.rect)];
   CGContextRestoreGState(context);
 }
 
 UIImageSymbolWeight symbolWeight(Weight w) {
   switch (w) {
-    case Weight::Regular: return UIImageSymbolWeightRegular;
-    case Weight::Medium: return UIImageSymbolWeightMedium;
-    case Weight::Semibold: return UIImageSymbolWeightSemibold;
-    case Weight::Bold: return UIImageSymbolWeightBold;
+    case Weight::Regular:
+      return UIImageSymbolWeightRegular;
+    case Weight::Medium:
+      return UIImageSymbolWeightMedium;
+    case Weight::Semibold:
+      return UIImageSymbolWeightSemibold;
+    case Weight::Bold:
+      return UIImageSymbolWeightBold;
   }
   return UIImageSymbolWeightRegular;
 }
@@ -69,11 +76,12 @@ rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector
 }
 
 rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Color tint) {
-  UIImageSymbolConfiguration* config = [UIImageSymbolConfiguration configurationWithPointSize:pointSize
-                                                                                       weight:symbolWeight(weight)];
+  UIImageSymbolConfiguration* config =
+      [UIImageSymbolConfiguration configurationWithPointSize:pointSize weight:symbolWeight(weight)];
   UIImage* symbol = [UIImage systemImageNamed:ios::ns(name) withConfiguration:config];
   if (!symbol) return nullptr;
-  return ios::handle([symbol imageWithTintColor:ios::color(tint) renderingMode:UIImageRenderingModeAlwaysOriginal]);
+  return ios::handle([symbol imageWithTintColor:ios::color(tint)
+                                  renderingMode:UIImageRenderingModeAlwaysOriginal]);
 }
 
 rt::CGSize imageSize(rt::Id image) {

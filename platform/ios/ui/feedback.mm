@@ -17,7 +17,8 @@ void impact(ImpactStyle style) {
 }
 
 bool canEvaluateBiometrics() {
-  return [[LAContext new] canEvaluatePolicy:LAPolicyDeviceOwnerAuthenticationWithBiometrics error:nil];
+  return [[LAContext new] canEvaluatePolicy:LAPolicyDeviceOwnerAuthenticationWithBiometrics
+                                      error:nil];
 }
 
 void evaluateBiometrics(const BiometricRequest& request, std::function<void(bool success)> reply) {

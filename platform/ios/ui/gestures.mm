@@ -14,8 +14,10 @@ namespace ui {
 namespace {
 
 template <typename Recognizer>
-Recognizer* attach(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action) {
-  QBTrampoline* target = ios::trampoline([action = std::move(action)](id sender) { action(ios::handle(sender)); });
+Recognizer* attach(rt::Id view, bool cancelsTouchesInView,
+                   std::function<void(rt::Id recognizer)> action) {
+  QBTrampoline* target =
+      ios::trampoline([action = std::move(action)](id sender) { action(ios::handle(sender)); });
   Recognizer* g = [[Recognizer alloc] initWithTarget:target action:@selector(fire:)];
   ios::keepWith(g, target);
   g.cancelsTouchesInView = cancelsTouchesInView;
@@ -32,7 +34,8 @@ UIGestureRecognizer* recognizerOf(rt::Id recognizer) {
 
 rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouchesInView,
                     std::function<void(rt::Id recognizer)> action) {
-  UILongPressGestureRecognizer* g = attach<UILongPressGestureRecognizer>(view, cancelsTouchesInView, std::move(action));
+  UILongPressGestureRecognizer* g =
+      attach<UILongPressGestureRecognizer>(view, cancelsTouchesInView, std::move(action));
   g.minimumPressDuration = minimumPressDuration;
   return ios::handle(g);
 }
@@ -42,7 +45,8 @@ GestureState gestureState(rt::Id recognizer) {
   return r ? static_cast<GestureState>(r.state) : GestureState::Possible;
 }
 
-rt::Id addTap(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action) {
+rt::Id addTap(rt::Id view, bool cancelsTouchesInView,
+              std::function<void(rt::Id recognizer)> action) {
   return ios::handle(attach<UITapGestureRecognizer>(view, cancelsTouchesInView, std::move(action)));
 }
 

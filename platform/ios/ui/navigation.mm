@@ -15,17 +15,22 @@
 namespace ui {
 namespace {
 
-UIViewController* controllerOf(rt::Id controller) { return (UIViewController*)ios::object(controller); }
+UIViewController* controllerOf(rt::Id controller) {
+  return (UIViewController*)ios::object(controller);
+}
 
 }  // namespace
 
 void presentPageSheet(rt::Id presenter, rt::Id navigation, const SheetSpec& spec, bool animated) {
-  if (!navigation) rt::raise("NSInvalidArgumentException", "Application tried to present a nil modal view controller");
+  if (!navigation)
+    rt::raise("NSInvalidArgumentException",
+              "Application tried to present a nil modal view controller");
   UIViewController* sheet = controllerOf(navigation);
   sheet.modalPresentationStyle = UIModalPresentationPageSheet;
   if (@available(iOS 15.0, *)) {
     UISheetPresentationController* controller = sheet.sheetPresentationController;
-    if (spec.largeDetentOnly) controller.detents = @[ [UISheetPresentationControllerDetent largeDetent] ];
+    if (spec.largeDetentOnly)
+      controller.detents = @[ [UISheetPresentationControllerDetent largeDetent] ];
     controller.prefersGrabberVisible = spec.grabberVisible;
   }
   if ([sheet isKindOfClass:[UINavigationController class]])
@@ -39,7 +44,8 @@ void dismiss(rt::Id controller, bool animated, std::function<void()> completion)
   ios::translating([&] {
     [controllerOf(controller) dismissViewControllerAnimated:animated
                                                  completion:^{
-                                                   if (completion) ios::shielded("dismissal", completion);
+                                                   if (completion)
+                                                     ios::shielded("dismissal", completion);
                                                  }];
   });
 }
@@ -49,10 +55,11 @@ void setLeftBarButton(rt::Id controller, const std::string& title, BarButtonStyl
   QBTrampoline* target = ios::trampoline([action = std::move(action)](id) {
     if (action) action();
   });
-  UIBarButtonItem* item = [[UIBarButtonItem alloc] initWithTitle:ios::ns(title)
-                                                           style:static_cast<UIBarButtonItemStyle>(style)
-                                                          target:target
-                                                          action:@selector(fire:)];
+  UIBarButtonItem* item =
+      [[UIBarButtonItem alloc] initWithTitle:ios::ns(title)
+                                       style:static_cast<UIBarButtonItemStyle>(style)
+                                      target:target
+                                      action:@selector(fire:)];
   ios::keepWith(item, target);
   controllerOf(controller).navigationItem.leftBarButtonItem = item;
 }

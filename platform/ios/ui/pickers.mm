@@ -35,7 +35,11 @@ rt::Id makeTimePicker(long hour, long minute, const std::string& locale) {
   picker.preferredDatePickerStyle = UIDatePickerStyleWheels;
   picker.locale = [NSLocale localeWithLocaleIdentifier:ios::ns(locale)];
   NSDate* now = [NSDate date];
-  NSDate* at = [[NSCalendar currentCalendar] dateBySettingHour:hour minute:minute second:0 ofDate:now options:0];
+  NSDate* at = [[NSCalendar currentCalendar] dateBySettingHour:hour
+                                                        minute:minute
+                                                        second:0
+                                                        ofDate:now
+                                                       options:0];
   picker.date = at ? at : now;
   return ios::handle(picker);
 }
@@ -43,8 +47,9 @@ rt::Id makeTimePicker(long hour, long minute, const std::string& locale) {
 void pickerTime(rt::Id picker, long& hour, long& minute) {
   UIDatePicker* p = pickerOf(picker);
   if (!p) return;
-  NSDateComponents* c = [[NSCalendar currentCalendar] components:NSCalendarUnitHour | NSCalendarUnitMinute
-                                                         fromDate:p.date];
+  NSDateComponents* c =
+      [[NSCalendar currentCalendar] components:NSCalendarUnitHour | NSCalendarUnitMinute
+                                      fromDate:p.date];
   hour = c.hour;
   minute = c.minute;
 }
@@ -62,11 +67,13 @@ void addPickerToAlert(rt::Id alert, rt::Id picker, const PickerLayout& layout) {
   ]];
 }
 
-rt::Id installSearch(rt::Id controller, const SearchSpec& spec, std::function<void(const std::string& text)> update) {
+rt::Id installSearch(rt::Id controller, const SearchSpec& spec,
+                     std::function<void(const std::string& text)> update) {
   UISearchController* search = [[UISearchController alloc] initWithSearchResultsController:nil];
-  QBSearchUpdater* updater = ios::trampoline<QBSearchUpdater>([update = std::move(update)](id sender) {
-    if (update) update(ios::utf8(((UISearchController*)sender).searchBar.text));
-  });
+  QBSearchUpdater* updater =
+      ios::trampoline<QBSearchUpdater>([update = std::move(update)](id sender) {
+        if (update) update(ios::utf8(((UISearchController*)sender).searchBar.text));
+      });
   ios::keepWith(search, updater);
   search.searchResultsUpdater = updater;
   search.obscuresBackgroundDuringPresentation = spec.obscuresBackground;

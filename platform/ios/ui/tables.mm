@@ -27,8 +27,9 @@ void styleLabel(UILabel* label, const std::string& text, const Font& font, Color
 }  // namespace
 
 rt::Id makeCell(const CellSpec& spec, const std::string& reuseIdentifier) {
-  UITableViewCell* cell = [[UITableViewCell alloc] initWithStyle:static_cast<UITableViewCellStyle>(spec.style)
-                                                 reuseIdentifier:reuseIdentifier.empty() ? nil : ios::ns(reuseIdentifier)];
+  UITableViewCell* cell = [[UITableViewCell alloc]
+        initWithStyle:static_cast<UITableViewCellStyle>(spec.style)
+      reuseIdentifier:reuseIdentifier.empty() ? nil : ios::ns(reuseIdentifier)];
   rt::Id handle = ios::handle(cell);
   configureCell(handle, spec);
   return handle;
@@ -52,7 +53,8 @@ void configureCell(rt::Id cell, const CellSpec& spec) {
   c.imageView.clipsToBounds = spec.imageCornerRadius != 0;
   c.accessoryType = static_cast<UITableViewCellAccessoryType>(spec.accessory);
   c.accessoryView = (UIView*)ios::object(spec.accessoryView);
-  c.selectionStyle = spec.selectionHighlight ? UITableViewCellSelectionStyleDefault : UITableViewCellSelectionStyleNone;
+  c.selectionStyle = spec.selectionHighlight ? UITableViewCellSelectionStyleDefault
+                                             : UITableViewCellSelectionStyleNone;
   if (spec.hasTint) c.tintColor = ios::color(spec.tint);
   [c layoutIfNeeded];
 }
@@ -80,7 +82,10 @@ rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler) {
                           title:ios::ns(title)
                         handler:^(UIContextualAction*, UIView*, void (^completionHandler)(BOOL)) {
                           ios::shielded("swipe action", [&] {
-                            if (handler) handler([completionHandler](bool performed) { completionHandler(performed); });
+                            if (handler)
+                              handler([completionHandler](bool performed) {
+                                completionHandler(performed);
+                              });
                           });
                         }];
   return ios::handle([UISwipeActionsConfiguration configurationWithActions:@[ action ]]);
@@ -89,14 +94,16 @@ rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler) {
 void reloadSection(rt::Id table, long section, RowAnimation animation) {
   NSIndexSet* sections = [NSIndexSet indexSetWithIndex:NSUInteger(section)];
   ios::translating([&] {
-    [tableOf(table) reloadSections:sections withRowAnimation:static_cast<UITableViewRowAnimation>(animation)];
+    [tableOf(table) reloadSections:sections
+                  withRowAnimation:static_cast<UITableViewRowAnimation>(animation)];
   });
 }
 
 void deleteRow(rt::Id table, long section, long row, RowAnimation animation) {
   NSIndexPath* path = [NSIndexPath indexPathForRow:row inSection:section];
   ios::translating([&] {
-    [tableOf(table) deleteRowsAtIndexPaths:@[ path ] withRowAnimation:static_cast<UITableViewRowAnimation>(animation)];
+    [tableOf(table) deleteRowsAtIndexPaths:@[ path ]
+                          withRowAnimation:static_cast<UITableViewRowAnimation>(animation)];
   });
 }
 
@@ -110,12 +117,14 @@ void styleTable(rt::Id table, const TableLook& look) {
 
 // Each label as high as its text needs at the header's inner width, 4
 // points apart.
-rt::Id setStackedHeader(rt::Id table, double width, double margin, const std::vector<HeaderLine>& lines) {
+rt::Id setStackedHeader(rt::Id table, double width, double margin,
+                        const std::vector<HeaderLine>& lines) {
   UIView* header = [UIView new];
   double inner = width - 2 * margin;
   double height = 0;
   for (const HeaderLine& l : lines) {
-    UILabel* label = (UILabel*)ios::object(makeLabel(l.text, LabelStyle{l.font, l.color, {0, 0, 0, 0}, true, 0, false, 0}));
+    UILabel* label = (UILabel*)ios::object(
+        makeLabel(l.text, LabelStyle{l.font, l.color, {0, 0, 0, 0}, true, 0, false, 0}));
     CGSize fitted = [label sizeThatFits:CGSize{inner, CGFLOAT_MAX}];
     label.frame = CGRect{{margin, height}, {inner, fitted.height}};
     [header addSubview:label];

@@ -22,15 +22,15 @@ std::vector<std::pair<Id, Id>>& entries(Id self) { return native<DictionaryData>
 std::vector<Id>& members(Id self) { return native<SetData>(self)->items; }
 
 [[noreturn]] void outOfRange(Id self, const char* selector, long index, std::size_t count) {
-  rt::raise("NSRangeException", "-[" + std::string(rt::className(self)) + " " + selector + "]: index " +
-                                    std::to_string(index) + " beyond bounds [0 .. " +
+  rt::raise("NSRangeException", "-[" + std::string(rt::className(self)) + " " + selector +
+                                    "]: index " + std::to_string(index) + " beyond bounds [0 .. " +
                                     std::to_string(long(count) - 1) + "]");
 }
 
 void requireObject(Id obj, Id self, const char* selector) {
   if (!obj)
-    rt::raise("NSInvalidArgumentException",
-              "*** -[" + std::string(rt::className(self)) + " " + selector + "]: object cannot be nil");
+    rt::raise("NSInvalidArgumentException", "*** -[" + std::string(rt::className(self)) + " " +
+                                                selector + "]: object cannot be nil");
 }
 
 std::string joinDescriptions(const std::vector<Id>& list) {
@@ -84,7 +84,9 @@ Id arrayValueForKey(Id self, SEL, Id key) {
 Id arrayCopy(Id self, SEL) { return rt::array(items(self)); }
 Id arrayMutableCopy(Id self, SEL) { return rt::mutableArray(items(self)); }
 Id arrayNew(Id self, SEL) { return makeArray(static_cast<rt::Class>(self), {}); }
-Id arrayWithArray(Id self, SEL, Id other) { return makeArray(static_cast<rt::Class>(self), rt::elements(other)); }
+Id arrayWithArray(Id self, SEL, Id other) {
+  return makeArray(static_cast<rt::Class>(self), rt::elements(other));
+}
 
 // --- NSMutableArray
 void addObject(Id self, SEL, Id obj) {
@@ -116,7 +118,9 @@ void replaceObjectAtIndex(Id self, SEL, unsigned long i, Id obj) {
 
 // --- NSDictionary
 unsigned long dictCount(Id self, SEL) { return entries(self).size(); }
-Id objectForKey(Id self, SEL, Id key) { return key ? dictionaryLookup(*native<DictionaryData>(self), key) : nullptr; }
+Id objectForKey(Id self, SEL, Id key) {
+  return key ? dictionaryLookup(*native<DictionaryData>(self), key) : nullptr;
+}
 Id allKeys(Id self, SEL) {
   std::vector<Id> keys;
   for (auto& [k, v] : entries(self)) keys.push_back(k);
@@ -151,18 +155,24 @@ Id dictDescription(Id self, SEL) {
 Id dictCopy(Id self, SEL) { return rt::dictionary(entries(self)); }
 Id dictMutableCopy(Id self, SEL) { return rt::mutableDictionary(entries(self)); }
 Id dictNew(Id self, SEL) { return makeDictionary(static_cast<rt::Class>(self), {}); }
-Id dictWithCapacity(Id self, SEL, unsigned long) { return makeDictionary(static_cast<rt::Class>(self), {}); }
+Id dictWithCapacity(Id self, SEL, unsigned long) {
+  return makeDictionary(static_cast<rt::Class>(self), {});
+}
 Id dictWithDictionary(Id self, SEL, Id other) {
   DictionaryData* o = native<DictionaryData>(other);
-  return makeDictionary(static_cast<rt::Class>(self), o ? o->entries : std::vector<std::pair<Id, Id>>{});
+  return makeDictionary(static_cast<rt::Class>(self),
+                        o ? o->entries : std::vector<std::pair<Id, Id>>{});
 }
 
 // --- NSMutableDictionary
 void setObjectForKey(Id self, SEL, Id obj, Id key) {
-  if (!key) rt::raise("NSInvalidArgumentException", "*** -[NSMutableDictionary setObject:forKey:]: key cannot be nil");
+  if (!key)
+    rt::raise("NSInvalidArgumentException",
+              "*** -[NSMutableDictionary setObject:forKey:]: key cannot be nil");
   if (!obj)
-    rt::raise("NSInvalidArgumentException", "*** -[NSMutableDictionary setObject:forKey:]: object cannot be nil (key: " +
-                                                rt::description(key) + ")");
+    rt::raise("NSInvalidArgumentException",
+              "*** -[NSMutableDictionary setObject:forKey:]: object cannot be nil (key: " +
+                  rt::description(key) + ")");
   for (auto& e : entries(self)) {
     if (sameObjectValue(e.first, key)) {
       e.second = obj;
@@ -176,8 +186,10 @@ void removeObjectForKey(Id self, SEL, Id key) {
 }
 void dictRemoveAll(Id self, SEL) { entries(self).clear(); }
 void dictSetValueForKey(Id self, SEL, Id value, Id key) {
-  if (value) setObjectForKey(self, nullptr, value, key);
-  else removeObjectForKey(self, nullptr, key);
+  if (value)
+    setObjectForKey(self, nullptr, value, key);
+  else
+    removeObjectForKey(self, nullptr, key);
 }
 
 // --- NSSet

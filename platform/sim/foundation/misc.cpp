@@ -27,7 +27,9 @@ bool pathEqual(Id self, SEL, Id other) {
   const IndexPathData* o = native<IndexPathData>(other);
   return o && o->row == path(self).row && o->section == path(self).section;
 }
-unsigned long pathHash(Id self, SEL) { return (unsigned long)(path(self).section * 1000003 + path(self).row); }
+unsigned long pathHash(Id self, SEL) {
+  return (unsigned long)(path(self).section * 1000003 + path(self).row);
+}
 Id pathDescription(Id self, SEL) {
   return rt::str("<NSIndexPath> {length = 2, path = " + std::to_string(path(self).section) + " - " +
                  std::to_string(path(self).row) + "}");
@@ -56,7 +58,10 @@ Id dateWithReference(Id, SEL, double s) { return rt::dateWithReferenceSeconds(s)
 
 void registerMiscValues(Runtime& rtm) {
   FoundationClasses& f = rtm.foundation;
-  f.null = ClassBuilder("NSNull").classMethod("null", nullSingleton).method("description", nullDescription).build();
+  f.null = ClassBuilder("NSNull")
+               .classMethod("null", nullSingleton)
+               .method("description", nullDescription)
+               .build();
   f.indexPath = ClassBuilder("NSIndexPath")
                     .classMethod("indexPathForRow:inSection:", indexPathForRow)
                     .classMethod("indexPathForItem:inSection:", indexPathForRow)

@@ -28,7 +28,9 @@ std::string objectLabel(Id self) {
 
 std::string keyText(Id key, const char* selector) {
   auto k = rt::asString(key);
-  if (!k) rt::raise("NSInvalidArgumentException", std::string("-[NSObject ") + selector + "]: key is not a string");
+  if (!k)
+    rt::raise("NSInvalidArgumentException",
+              std::string("-[NSObject ") + selector + "]: key is not a string");
   return *k;
 }
 
@@ -54,21 +56,37 @@ Id box(const std::string& type, Id self, rt::Method m) {
   rt::IMP imp = m->imp;
   SEL s = m->name;
   switch (type.empty() ? 'v' : type[0]) {
-    case '@': return rt::call<Id>(imp, self, s);
-    case '#': return rt::toId(rt::call<rt::Class>(imp, self, s));
-    case 'B': return rt::boolNumber(rt::call<bool>(imp, self, s));
-    case 'c': return rt::number(rt::call<char>(imp, self, s));
-    case 'C': return rt::number(rt::call<unsigned char>(imp, self, s));
-    case 's': return rt::number(rt::call<short>(imp, self, s));
-    case 'S': return rt::number(rt::call<unsigned short>(imp, self, s));
-    case 'i': return rt::number(rt::call<int>(imp, self, s));
-    case 'I': return rt::number(long(rt::call<unsigned>(imp, self, s)));
-    case 'q': return rt::number(rt::call<long>(imp, self, s));
-    case 'Q': return rt::number(long(rt::call<unsigned long>(imp, self, s)));
-    case 'f': return rt::realNumber(rt::call<float>(imp, self, s));
-    case 'd': return rt::realNumber(rt::call<double>(imp, self, s));
-    case 'v': rt::call<void>(imp, self, s); return nullptr;
-    default: return nullptr;  // structs would be NSValue; nothing here reads them
+    case '@':
+      return rt::call<Id>(imp, self, s);
+    case '#':
+      return rt::toId(rt::call<rt::Class>(imp, self, s));
+    case 'B':
+      return rt::boolNumber(rt::call<bool>(imp, self, s));
+    case 'c':
+      return rt::number(rt::call<char>(imp, self, s));
+    case 'C':
+      return rt::number(rt::call<unsigned char>(imp, self, s));
+    case 's':
+      return rt::number(rt::call<short>(imp, self, s));
+    case 'S':
+      return rt::number(rt::call<unsigned short>(imp, self, s));
+    case 'i':
+      return rt::number(rt::call<int>(imp, self, s));
+    case 'I':
+      return rt::number(long(rt::call<unsigned>(imp, self, s)));
+    case 'q':
+      return rt::number(rt::call<long>(imp, self, s));
+    case 'Q':
+      return rt::number(long(rt::call<unsigned long>(imp, self, s)));
+    case 'f':
+      return rt::realNumber(rt::call<float>(imp, self, s));
+    case 'd':
+      return rt::realNumber(rt::call<double>(imp, self, s));
+    case 'v':
+      rt::call<void>(imp, self, s);
+      return nullptr;
+    default:
+      return nullptr;  // structs would be NSValue; nothing here reads them
   }
 }
 
@@ -76,41 +94,87 @@ Id boxIvar(Id self, rt::Ivar iv) {
   const rt::IvarSlot& slot = self->ivars[iv->index];
   char t = iv->types.empty() ? '@' : iv->types[0];
   switch (t) {
-    case '@': case '#': return slot.object;
-    case 'B': return rt::boolNumber(slot.integer != 0);
-    case 'f': case 'd': return rt::realNumber(slot.real);
-    case 'c': case 'C': case 's': case 'S': case 'i': case 'I': case 'q': case 'Q': case 'l': case 'L':
+    case '@':
+    case '#':
+      return slot.object;
+    case 'B':
+      return rt::boolNumber(slot.integer != 0);
+    case 'f':
+    case 'd':
+      return rt::realNumber(slot.real);
+    case 'c':
+    case 'C':
+    case 's':
+    case 'S':
+    case 'i':
+    case 'I':
+    case 'q':
+    case 'Q':
+    case 'l':
+    case 'L':
       return rt::number(long(slot.integer));
-    default: return nullptr;
+    default:
+      return nullptr;
   }
 }
 
-void unboxInto(const std::string& type, Id value, const std::string& key, rt::IvarSlot* slot, Id self, rt::Method m) {
+void unboxInto(const std::string& type, Id value, const std::string& key, rt::IvarSlot* slot,
+               Id self, rt::Method m) {
   char t = type.empty() ? '@' : type[0];
   if (t != '@' && t != '#' && !value)
     rt::raise("NSInvalidArgumentException",
-              "[<" + objectLabel(self) + "> setNilValueForKey]: could not set nil as the value for the key " + key + ".");
+              "[<" + objectLabel(self) +
+                  "> setNilValueForKey]: could not set nil as the value for the key " + key + ".");
   if (m) {
     rt::IMP imp = m->imp;
     SEL s = m->name;
     switch (t) {
-      case '@': rt::call<void, Id>(imp, self, s, value); return;
-      case 'B': rt::call<void, bool>(imp, self, s, rt::boolValue(value)); return;
-      case 'c': rt::call<void, char>(imp, self, s, char(rt::integerValue(value))); return;
-      case 'i': rt::call<void, int>(imp, self, s, int(rt::integerValue(value))); return;
-      case 'I': rt::call<void, unsigned>(imp, self, s, unsigned(rt::integerValue(value))); return;
-      case 'q': rt::call<void, long>(imp, self, s, rt::integerValue(value)); return;
-      case 'Q': rt::call<void, unsigned long>(imp, self, s, (unsigned long)rt::integerValue(value)); return;
-      case 'd': rt::call<void, double>(imp, self, s, rt::doubleValue(value)); return;
-      case 'f': rt::call<void, float>(imp, self, s, float(rt::doubleValue(value))); return;
-      default: rt::raise("NSInvalidArgumentException", "unsupported setter type for key " + key);
+      case '@':
+        rt::call<void, Id>(imp, self, s, value);
+        return;
+      case 'B':
+        rt::call<void, bool>(imp, self, s, rt::boolValue(value));
+        return;
+      case 'c':
+        rt::call<void, char>(imp, self, s, char(rt::integerValue(value)));
+        return;
+      case 'i':
+        rt::call<void, int>(imp, self, s, int(rt::integerValue(value)));
+        return;
+      case 'I':
+        rt::call<void, unsigned>(imp, self, s, unsigned(rt::integerValue(value)));
+        return;
+      case 'q':
+        rt::call<void, long>(imp, self, s, rt::integerValue(value));
+        return;
+      case 'Q':
+        rt::call<void, unsigned long>(imp, self, s, (unsigned long)rt::integerValue(value));
+        return;
+      case 'd':
+        rt::call<void, double>(imp, self, s, rt::doubleValue(value));
+        return;
+      case 'f':
+        rt::call<void, float>(imp, self, s, float(rt::doubleValue(value)));
+        return;
+      default:
+        rt::raise("NSInvalidArgumentException", "unsupported setter type for key " + key);
     }
   }
   switch (t) {
-    case '@': case '#': slot->object = value; return;
-    case 'f': case 'd': slot->real = rt::doubleValue(value); return;
-    case 'B': slot->integer = rt::boolValue(value) ? 1 : 0; return;
-    default: slot->integer = rt::integerValue(value); return;
+    case '@':
+    case '#':
+      slot->object = value;
+      return;
+    case 'f':
+    case 'd':
+      slot->real = rt::doubleValue(value);
+      return;
+    case 'B':
+      slot->integer = rt::boolValue(value) ? 1 : 0;
+      return;
+    default:
+      slot->integer = rt::integerValue(value);
+      return;
   }
 }
 
@@ -137,7 +201,8 @@ Id valueForKey(Id self, SEL, Id key) {
   if (countOf && objectAt) {
     std::vector<Id> items;
     long n = rt::call<long>(countOf->imp, self, countOf->name);
-    for (long i = 0; i < n; ++i) items.push_back(rt::call<Id>(objectAt->imp, self, objectAt->name, i));
+    for (long i = 0; i < n; ++i)
+      items.push_back(rt::call<Id>(objectAt->imp, self, objectAt->name, i));
     return rt::array(items);
   }
   if (!self->isa->meta && accessesIvars(self)) {
@@ -148,10 +213,11 @@ Id valueForKey(Id self, SEL, Id key) {
 }
 
 Id valueForUndefinedKey(Id self, SEL, Id key) {
-  rt::raise("NSUnknownKeyException", "[<" + objectLabel(self) +
-                                          "> valueForUndefinedKey:]: this class is not key value coding-compliant "
-                                          "for the key " +
-                                          rt::asString(key).value_or("(null)") + ".");
+  rt::raise("NSUnknownKeyException",
+            "[<" + objectLabel(self) +
+                "> valueForUndefinedKey:]: this class is not key value coding-compliant "
+                "for the key " +
+                rt::asString(key).value_or("(null)") + ".");
 }
 
 void setValueForKey(Id self, SEL, Id value, Id key) {
@@ -178,10 +244,11 @@ void setValueForKey(Id self, SEL, Id value, Id key) {
 }
 
 void setValueForUndefinedKey(Id self, SEL, Id, Id key) {
-  rt::raise("NSUnknownKeyException", "[<" + objectLabel(self) +
-                                          "> setValue:forUndefinedKey:]: this class is not key value coding-compliant "
-                                          "for the key " +
-                                          rt::asString(key).value_or("(null)") + ".");
+  rt::raise("NSUnknownKeyException",
+            "[<" + objectLabel(self) +
+                "> setValue:forUndefinedKey:]: this class is not key value coding-compliant "
+                "for the key " +
+                rt::asString(key).value_or("(null)") + ".");
 }
 
 bool accessInstanceVariablesDirectly(Id, SEL) { return true; }
@@ -194,38 +261,42 @@ rt::Class classOfClass(Id self, SEL) { return static_cast<rt::Class>(self); }
 bool isKindOfClass(Id self, SEL, rt::Class cls) { return rt::isKindOf(self, cls); }
 bool isMemberOfClass(Id self, SEL, rt::Class cls) { return self->isa == cls; }
 bool respondsToSelector(Id self, SEL, SEL s) { return rt::respondsTo(self, s); }
-bool instancesRespondToSelector(Id self, SEL, SEL s) { return rt::instancesRespondTo(static_cast<rt::Class>(self), s); }
+bool instancesRespondToSelector(Id self, SEL, SEL s) {
+  return rt::instancesRespondTo(static_cast<rt::Class>(self), s);
+}
 bool isEqual(Id self, SEL, Id other) { return self == other; }
 unsigned long hash(Id self, SEL) { return static_cast<unsigned long>(self->serial); }
 
 Id description(Id self, SEL) {
   if (self->isa->meta) return rt::str(rt::className(self));
-  return rt::str("<" + std::string(rt::className(self)) + ":" + objectLabel(self).substr(objectLabel(self).find(' ')) + ">");
+  return rt::str("<" + std::string(rt::className(self)) + ":" +
+                 objectLabel(self).substr(objectLabel(self).find(' ')) + ">");
 }
 
 }  // namespace
 
 void registerNSObject(Runtime& rtm) {
-  rtm.foundation.object = ClassBuilder("NSObject", "")
-                              .classMethod("alloc", alloc)
-                              .classMethod("new", newObject)
-                              .classMethod("accessInstanceVariablesDirectly", accessInstanceVariablesDirectly)
-                              .classMethod("class", classOfClass)
-                              .classMethod("instancesRespondToSelector:", instancesRespondToSelector)
-                              .method("init", init)
-                              .method("copy", copy)
-                              .method("class", classOfInstance)
-                              .method("isKindOfClass:", isKindOfClass)
-                              .method("isMemberOfClass:", isMemberOfClass)
-                              .method("respondsToSelector:", respondsToSelector)
-                              .method("isEqual:", isEqual)
-                              .method("hash", hash)
-                              .method("description", description)
-                              .method("valueForKey:", valueForKey)
-                              .method("valueForUndefinedKey:", valueForUndefinedKey)
-                              .method("setValue:forKey:", setValueForKey)
-                              .method("setValue:forUndefinedKey:", setValueForUndefinedKey)
-                              .build();
+  rtm.foundation.object =
+      ClassBuilder("NSObject", "")
+          .classMethod("alloc", alloc)
+          .classMethod("new", newObject)
+          .classMethod("accessInstanceVariablesDirectly", accessInstanceVariablesDirectly)
+          .classMethod("class", classOfClass)
+          .classMethod("instancesRespondToSelector:", instancesRespondToSelector)
+          .method("init", init)
+          .method("copy", copy)
+          .method("class", classOfInstance)
+          .method("isKindOfClass:", isKindOfClass)
+          .method("isMemberOfClass:", isMemberOfClass)
+          .method("respondsToSelector:", respondsToSelector)
+          .method("isEqual:", isEqual)
+          .method("hash", hash)
+          .method("description", description)
+          .method("valueForKey:", valueForKey)
+          .method("valueForUndefinedKey:", valueForUndefinedKey)
+          .method("setValue:forKey:", setValueForKey)
+          .method("setValue:forUndefinedKey:", setValueForUndefinedKey)
+          .build();
 }
 
 }  // namespace sim

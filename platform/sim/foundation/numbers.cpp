@@ -20,7 +20,9 @@ const base::Value& value(Id self) { return native<NumberData>(self)->value; }
 long integerValue(Id self, SEL) { return value(self).integerValue().value_or(0); }
 int intValue(Id self, SEL) { return int(integerValue(self, nullptr)); }
 long long longLongValue(Id self, SEL) { return integerValue(self, nullptr); }
-unsigned long unsignedIntegerValue(Id self, SEL) { return (unsigned long)integerValue(self, nullptr); }
+unsigned long unsignedIntegerValue(Id self, SEL) {
+  return (unsigned long)integerValue(self, nullptr);
+}
 bool boolValue(Id self, SEL) { return value(self).boolValue().value_or(false); }
 double doubleValue(Id self, SEL) {
   const base::Value& v = value(self);
@@ -44,7 +46,8 @@ bool isEqual(Id self, SEL, Id other) {
   const NumberData* o = native<NumberData>(other);
   if (!o) return false;
   const base::Value& a = value(self);
-  if (a.isReal() || o->value.isReal()) return doubleValue(self, nullptr) == doubleValue(other, nullptr);
+  if (a.isReal() || o->value.isReal())
+    return doubleValue(self, nullptr) == doubleValue(other, nullptr);
   return a.integerValue() == o->value.integerValue();
 }
 unsigned long hash(Id self, SEL) { return (unsigned long)integerValue(self, nullptr); }

@@ -23,7 +23,9 @@ const std::string& text(Id self) { return native<StringData>(self)->utf8; }
 
 std::string argText(Id arg, const char* selector) {
   auto s = rt::asString(arg);
-  if (!s) rt::raise("NSInvalidArgumentException", std::string("-[NSString ") + selector + "]: nil argument");
+  if (!s)
+    rt::raise("NSInvalidArgumentException",
+              std::string("-[NSString ") + selector + "]: nil argument");
   return *s;
 }
 
@@ -38,7 +40,9 @@ bool isEqualToString(Id self, SEL, Id other) {
   const StringData* o = native<StringData>(other);
   return o && o->utf8 == text(self);
 }
-bool isEqual(Id self, SEL, Id other) { return self == other || isEqualToString(self, nullptr, other); }
+bool isEqual(Id self, SEL, Id other) {
+  return self == other || isEqualToString(self, nullptr, other);
+}
 unsigned long hash(Id self, SEL) { return std::hash<std::string>()(text(self)); }
 Id description(Id self, SEL) { return self; }
 long integerValue(Id self, SEL) { return base::integerValueOfString(text(self)); }
@@ -52,7 +56,9 @@ double doubleValue(Id self, SEL) { return std::strtod(text(self).c_str(), nullpt
 const char* utf8String(Id self, SEL) { return text(self).c_str(); }
 Id lowercaseString(Id self, SEL) { return rt::str(icuLowercase(text(self))); }
 Id uppercaseString(Id self, SEL) { return rt::str(icuUppercase(text(self))); }
-bool containsString(Id self, SEL, Id other) { return base::contains(text(self), argText(other, "containsString:")); }
+bool containsString(Id self, SEL, Id other) {
+  return base::contains(text(self), argText(other, "containsString:"));
+}
 bool hasPrefix(Id self, SEL, Id other) {
   std::string p = argText(other, "hasPrefix:");
   return !p.empty() && base::startsWith(text(self), p);
@@ -66,7 +72,8 @@ long localizedStandardCompare(Id self, SEL, Id other) {
   return rt::localizedStandardCompare(text(self), argText(other, "localizedStandardCompare:"));
 }
 Id stringWithUTF8String(Id, SEL, const char* s) {
-  if (!s) rt::raise("NSInvalidArgumentException", "+[NSString stringWithUTF8String:]: NULL cString");
+  if (!s)
+    rt::raise("NSInvalidArgumentException", "+[NSString stringWithUTF8String:]: NULL cString");
   return rt::str(s);
 }
 Id emptyString(Id, SEL) { return rt::str(""); }

@@ -22,8 +22,14 @@ Id label(Id parent, const std::string& text, rt::CGRect frame, long tag = 0) {
   rt::send<void>(l, "setFrame:", frame);
   rt::send<void>(l, "setTag:", tag);
   rt::send<void>(l, "setUserInteractionEnabled:", false);  // UILabel's default
-  sim::ViewState& look = *sim::viewState(l);  // centred, in the system font
-  look.look = ui::LabelStyle{{tag ? 14.0 : 17.0, ui::Weight::Regular}, tag ? ui::kSecondaryLabel : ui::kLabel, {0, 0, 0, 0}, true, 0, false, 1};
+  sim::ViewState& look = *sim::viewState(l);               // centred, in the system font
+  look.look = ui::LabelStyle{{tag ? 14.0 : 17.0, ui::Weight::Regular},
+                             tag ? ui::kSecondaryLabel : ui::kLabel,
+                             {0, 0, 0, 0},
+                             true,
+                             0,
+                             false,
+                             1};
   look.style = "host";
   rt::send<void>(parent, "addSubview:", l);
   return l;

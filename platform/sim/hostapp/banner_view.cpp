@@ -29,9 +29,15 @@ void showBannerView(const std::string& from, const std::string& text, double sec
   for (rt::Id w : rt::elements(rt::send<rt::Id>(sim::sharedApplication(), "windows")))
     if (sim::viewState(w)->keyWindow) window = w;
   if (!window) return;
-  rt::Id card = label("", {{8, 52}, {374, 72}}, {{15, ui::Weight::Regular}, ui::kLabel, {0.94, 0.94, 0.96, 1}, false, 16, true, 1});
-  rt::send<void>(card, "addSubview:", label(from, {{12, 10}, {350, 24}}, {{15, ui::Weight::Semibold}, ui::kLabel, {0, 0, 0, 0}, false, 0, false, 1}));
-  rt::send<void>(card, "addSubview:", label(text, {{12, 36}, {350, 24}}, {{15, ui::Weight::Regular}, ui::kLabel, {0, 0, 0, 0}, false, 0, false, 1}));
+  rt::Id card =
+      label("", {{8, 52}, {374, 72}},
+            {{15, ui::Weight::Regular}, ui::kLabel, {0.94, 0.94, 0.96, 1}, false, 16, true, 1});
+  rt::send<void>(card, "addSubview:",
+                 label(from, {{12, 10}, {350, 24}},
+                       {{15, ui::Weight::Semibold}, ui::kLabel, {0, 0, 0, 0}, false, 0, false, 1}));
+  rt::send<void>(card, "addSubview:",
+                 label(text, {{12, 36}, {350, 24}},
+                       {{15, ui::Weight::Regular}, ui::kLabel, {0, 0, 0, 0}, false, 0, false, 1}));
   rt::send<void>(window, "addSubview:", card);
   sys::after(seconds, [card] { rt::send<void>(card, "removeFromSuperview"); });
 }

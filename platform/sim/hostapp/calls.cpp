@@ -26,7 +26,9 @@ using rt::SEL;
 constexpr double kUnansweredRing_s = 30.0;
 
 sim::Notices& notices() { return sim::currentProcess().device().notices(); }
-bool responds(Id obj, const char* selector) { return obj && rt::respondsTo(obj, rt::sel(selector)); }
+bool responds(Id obj, const char* selector) {
+  return obj && rt::respondsTo(obj, rt::sel(selector));
+}
 
 // --- VoipCXMgr: the host's CallKit provider.
 Id sharedCallKitMgr(Id, SEL) {
@@ -56,7 +58,8 @@ void pushKitReport(Id, SEL, Id user, Id, Id, bool, bool) {
 
 Id callKitMgr() {
   rt::Class cls = rt::getClass("VoipCXMgr");
-  if (cls && rt::respondsTo(rt::toId(cls), rt::sel("sharedInstance"))) return rt::send<Id>(cls, "sharedInstance");
+  if (cls && rt::respondsTo(rt::toId(cls), rt::sel("sharedInstance")))
+    return rt::send<Id>(cls, "sharedInstance");
   return hostService("VoipCXMgr");
 }
 
@@ -65,15 +68,21 @@ Id callKitMgr() {
 void defineCallClasses(HostApp& app) {
   HostClass cx(app, "VoipCXMgr");
   cx.classMethod("sharedInstance", sharedCallKitMgr)
-      .method("reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:", reportIncomingCall);
-  if (app.build.hasVariant("callkit-end-reportended")) cx.method("reportCallEnded:", reportCallEnded);
-  else if (app.build.hasVariant("callkit-end-atdate")) cx.method("reportCallEndedAtDate:reason:roomID:", reportCallEndedAtDate);
-  else if (!app.build.hasVariant("callkit-end-none")) cx.method("requestEndCallTrans", endCallTrans);
+      .method("reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:",
+              reportIncomingCall);
+  if (app.build.hasVariant("callkit-end-reportended"))
+    cx.method("reportCallEnded:", reportCallEnded);
+  else if (app.build.hasVariant("callkit-end-atdate"))
+    cx.method("reportCallEndedAtDate:reason:roomID:", reportCallEndedAtDate);
+  else if (!app.build.hasVariant("callkit-end-none"))
+    cx.method("requestEndCallTrans", endCallTrans);
   cx.build();
   HostClass mono(app, "MonoServiceMsgMgr");
   if (app.build.hasVariant("ilink-calls"))
-    mono.method("showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:", monoShowLocal);
-  else mono.method("showLocalNotificationWithMsg:repeatVibration:silently:", monoShowLocal);
+    mono.method("showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:",
+                monoShowLocal);
+  else
+    mono.method("showLocalNotificationWithMsg:repeatVibration:silently:", monoShowLocal);
   mono.build();
   HostClass(app, "VoIPPushKitNotifyService")
       .method("reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:", pushKitReport)
@@ -88,13 +97,19 @@ void HostApp::deliverCall(const std::string& from, bool video) {
   Id type = rt::number(video ? 1 : 0);
   if (p.appState() == sim::AppState::Active) {
     Id cx = callKitMgr();
-    const char* report = "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:";
-    if (responds(cx, report)) rt::send<void>(cx, report, rt::str(from), type, m, false, rt::str(from), Id{nullptr});
+    const char* report =
+        "reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:";
+    if (responds(cx, report))
+      rt::send<void>(cx, report, rt::str(from), type, m, false, rt::str(from), Id{nullptr});
     Id mono = hostService("MonoServiceMsgMgr");
     if (responds(mono, "showLocalNotificationWithMsg:repeatVibration:silently:"))
-      rt::send<void>(mono, "showLocalNotificationWithMsg:repeatVibration:silently:", m, true, false);
-    else if (responds(mono, "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:"))
-      rt::send<void>(mono, "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:", m, true, true);
+      rt::send<void>(mono, "showLocalNotificationWithMsg:repeatVibration:silently:", m, true,
+                     false);
+    else if (responds(mono,
+                      "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:"))
+      rt::send<void>(mono,
+                     "showLocalNotificationByIlinkWithMsg:repeatVibration:isCallkitAvailable:", m,
+                     true, true);
   } else {
     Id push = hostService("VoIPPushKitNotifyService");
     const char* report = "reportIncomingCallFromUser:ofType:withMsg:isPushKit:isMultitalk:";

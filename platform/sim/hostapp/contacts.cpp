@@ -66,7 +66,8 @@ Id cached(Id mgr, const std::string& username) {
 }
 
 std::string ivarText(Id c, const char* name) {
-  return rt::asString(rt::ivarObject(c, rt::getInstanceVariable(rt::classOf(c), name))).value_or("");
+  return rt::asString(rt::ivarObject(c, rt::getInstanceVariable(rt::classOf(c), name)))
+      .value_or("");
 }
 
 // The property's accessor, as the host's contact class declares it.
@@ -121,7 +122,9 @@ Id headImage(const std::string& username, unsigned category) {
   if (!f || !f->headImage || category > 3) return nullptr;
   return sim::drawnImage({132, 132}, 3, true, {"head image of " + username});
 }
-Id getHeadImage(Id, SEL, Id name, unsigned category) { return headImage(rt::asString(name).value_or(""), category); }
+Id getHeadImage(Id, SEL, Id name, unsigned category) {
+  return headImage(rt::asString(name).value_or(""), category);
+}
 Id getOriginalHeadImage(Id, SEL, Id name, unsigned category) {
   return headImage(rt::asString(name).value_or(""), category);
 }

@@ -32,7 +32,8 @@ Friend* HostModel::findFriend(const std::string& username) {
     lastIndexed_ = friends.empty() ? "" : friends.back().username;
   }
   auto it = friendIndex_.find(username);
-  if (it != friendIndex_.end() && friends[it->second].username == username) return &friends[it->second];
+  if (it != friendIndex_.end() && friends[it->second].username == username)
+    return &friends[it->second];
   for (Friend& f : friends)  // renamed in place: the slow way, as before
     if (f.username == username) return &f;
   return nullptr;
@@ -53,10 +54,16 @@ const std::set<std::string>& knownHostVariants() {
   //   dictionary.
   // push-3arg, ilink-calls, message-keys-alt, callkit-end-*: the message and
   //   call paths' alternatives (see notifications.cpp and calls.cpp).
-  static const std::set<std::string> names = {
-      "store-ignores-canshow", "list-through-logic", "session-key-first", "fts-immutable",
-      "push-3arg",             "ilink-calls",        "message-keys-alt",  "callkit-end-reportended",
-      "callkit-end-atdate",    "callkit-end-none"};
+  static const std::set<std::string> names = {"store-ignores-canshow",
+                                              "list-through-logic",
+                                              "session-key-first",
+                                              "fts-immutable",
+                                              "push-3arg",
+                                              "ilink-calls",
+                                              "message-keys-alt",
+                                              "callkit-end-reportended",
+                                              "callkit-end-atdate",
+                                              "callkit-end-none"};
   return names;
 }
 
@@ -99,8 +106,9 @@ void HostApp::makeRaising(const std::string& cls, const std::string& sel) {
   if (!sim::hasCurrentProcess() || sim::currentProcess().hostApp() != this) return;
   for (const std::string& key : {sel, "+" + sel}) {
     if (rt::IMP imp = originalImplementation(cls, key))
-      sim::runtime().makeRaising(imp, "simulated host failure in " + std::string(key[0] == '+' ? "+[" : "-[") + cls +
-                                          " " + sel + "]");
+      sim::runtime().makeRaising(imp, "simulated host failure in " +
+                                          std::string(key[0] == '+' ? "+[" : "-[") + cls + " " +
+                                          sel + "]");
   }
 }
 
@@ -148,7 +156,8 @@ void HostApp::buildFirstScreen() {
   rt::send<void>(mainFrame_, "setTitle:", rt::str("微信"));
   rt::send<void>(contactsScreen_, "setTitle:", rt::str("通讯录"));
   tabs_ = rt::send<rt::Id>(rt::send<rt::Id>(rt::getClass("UITabBarController"), "alloc"), "init");
-  rt::send<void>(tabs_, "setViewControllers:", rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_)}));
+  rt::send<void>(tabs_, "setViewControllers:",
+                 rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_)}));
   sim::addWindow(tabs_, true);
   sim::appear(mainFrame_);
 }
@@ -162,13 +171,13 @@ void HostApp::selectTab(long index) {
   sim::appear(rt::send<rt::Id>(next, "topViewController"));
 }
 
-HostClass::HostClass(HostApp& app, std::string name, std::string super) : app_(app), name_(std::move(name)) {
+HostClass::HostClass(HostApp& app, std::string name, std::string super)
+    : app_(app), name_(std::move(name)) {
   if (!app_.build.lacksClass(name_)) builder_ = std::make_unique<sim::ClassBuilder>(name_, super);
 }
 
 void HostClass::note(const std::string& sel, rt::IMP imp) { app_.noteMethod(name_, sel, imp); }
 
 rt::Class HostClass::build() { return builder_ ? builder_->build() : nullptr; }
-
 
 }  // namespace hostapp

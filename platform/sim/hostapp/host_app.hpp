@@ -22,9 +22,9 @@ struct Friend {
   std::string remark;
   std::string alias;
   bool favourite = false;
-  bool headImage = false;       // the head-image service has a picture
-  bool oldHeadImage = false;    // only the old on-disk path has one
-  bool cacheComplete = true;    // false: the cached record lacks names until read from the database
+  bool headImage = false;     // the head-image service has a picture
+  bool oldHeadImage = false;  // only the old on-disk path has one
+  bool cacheComplete = true;  // false: the cached record lacks names until read from the database
 };
 
 struct Room {
@@ -35,7 +35,7 @@ struct Room {
 struct Moment {
   std::string username;  // the author
   std::string text;
-  long serial = 0;       // stable identity of the item
+  long serial = 0;  // stable identity of the item
 };
 
 struct HostModel {
@@ -65,7 +65,8 @@ struct HostModel {
 // Which build of the host runs: classes or methods it lacks, methods that raise.
 struct HostBuild {
   std::set<std::string> lackingClasses;
-  std::set<std::pair<std::string, std::string>> lackingMethods;  // (class, selector); "+sel" for class methods
+  std::set<std::pair<std::string, std::string>>
+      lackingMethods;  // (class, selector); "+sel" for class methods
   std::set<std::pair<std::string, std::string>> raisingMethods;
   // Named differences of this build (`host variant NAME`).
   std::set<std::string> variants;
@@ -133,7 +134,8 @@ class HostApp {
   // host's notification paths: in-app while active, a local notification in
   // the background. `missedCall` makes it the host's missed-call message (a
   // call-message type; `video` says of which call).
-  void deliverMessage(const std::string& from, const std::string& text, bool missedCall = false, bool video = false);
+  void deliverMessage(const std::string& from, const std::string& text, bool missedCall = false,
+                      bool video = false);
   // An incoming call through the host's call and CallKit paths; unanswered,
   // it ends after 30 s and leaves a missed-call message.
   void deliverCall(const std::string& from, bool video);
@@ -144,7 +146,9 @@ class HostApp {
   static HostApp& current();
 
   // Used by the class definitions: record a defined method.
-  void noteMethod(const std::string& cls, const std::string& sel, rt::IMP imp) { originals_[{cls, sel}] = imp; }
+  void noteMethod(const std::string& cls, const std::string& sel, rt::IMP imp) {
+    originals_[{cls, sel}] = imp;
+  }
 
  private:
   void buildFirstScreen();

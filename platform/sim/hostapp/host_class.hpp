@@ -30,7 +30,8 @@ class HostClass {
   }
   template <typename R, typename... A>
   HostClass& classMethod(const std::string& sel, R (*fn)(rt::Id, rt::SEL, A...)) {
-    if (builder_ && !app_.build.lacksMethod(name_, "+" + sel) && !app_.build.lacksMethod(name_, sel)) {
+    if (builder_ && !app_.build.lacksMethod(name_, "+" + sel) &&
+        !app_.build.lacksMethod(name_, sel)) {
       builder_->classMethod(sel, fn);
       note("+" + sel, reinterpret_cast<rt::IMP>(fn));
     }

@@ -21,7 +21,9 @@ using rt::SEL;
 
 HostModel& model() { return HostApp::current().model; }
 
-Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
+Id ivar(Id obj, const char* name) {
+  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
+}
 void setIvar(Id obj, const char* name, Id value) {
   rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
 }
@@ -30,7 +32,9 @@ Id service(const char* cls) { return hostService(cls); }
 
 bool variant(const char* name) { return HostApp::current().build.hasVariant(name); }
 
-const char* sessionNameKey() { return variant("session-key-first") ? "m_nsUsrName" : "m_nsUserName"; }
+const char* sessionNameKey() {
+  return variant("session-key-first") ? "m_nsUsrName" : "m_nsUserName";
+}
 
 Id makeSession(const std::string& username) {
   Id s = rt::send<Id>(rt::getClass("MMSessionInfo"), "new");
@@ -44,7 +48,8 @@ void rebuildSessions(Id mgr) {
   std::vector<Id> shown;
   rt::Class cls = rt::classOf(mgr);
   for (const std::string& u : model().sessions) {
-    bool canShow = variant("store-ignores-canshow") || !rt::respondsTo(rt::toId(cls), rt::sel("canShowInMainFrame:")) ||
+    bool canShow = variant("store-ignores-canshow") ||
+                   !rt::respondsTo(rt::toId(cls), rt::sel("canShowInMainFrame:")) ||
                    rt::send<bool>(cls, "canShowInMainFrame:", rt::str(u));
     if (canShow) shown.push_back(makeSession(u));
   }
@@ -129,10 +134,13 @@ Id logicGetCellDataAtIndexPath(Id, SEL, Id ip) {
   return cellDataAt(ip);
 }
 long numberOfSections(Id, SEL, Id) { return 1; }
-long numberOfRows(Id self, SEL, Id, long section) { return rt::send<long>(self, "logicGetCountForSection:", section); }
+long numberOfRows(Id self, SEL, Id, long section) {
+  return rt::send<long>(self, "logicGetCountForSection:", section);
+}
 // The name a chat's row shows: the remark, the nickname or the group's title.
 std::string chatTitle(const std::string& username) {
-  if (Friend* f = model().findFriend(username)) return !f->remark.empty() ? f->remark : !f->nickname.empty() ? f->nickname : username;
+  if (Friend* f = model().findFriend(username))
+    return !f->remark.empty() ? f->remark : !f->nickname.empty() ? f->nickname : username;
   if (const Room* r = model().findRoom(username)) return r->title.empty() ? username : r->title;
   return username;
 }
@@ -167,8 +175,15 @@ void defineMainListClasses(HostApp& app) {
       .method("viewDidLoad", chatViewDidLoad)
       .method("viewDidAppear:", chatViewDidAppear)
       .build();
-  HostClass(app, "MMSessionInfo").ivar("m_nsUsrName", "@").ivar("m_nsUserName", "@").ivar("m_contact", "@").build();
-  HostClass(app, "MMMainSessionCellData").ivar("m_nsUsrName", "@").ivar("m_sessionInfo", "@").build();
+  HostClass(app, "MMSessionInfo")
+      .ivar("m_nsUsrName", "@")
+      .ivar("m_nsUserName", "@")
+      .ivar("m_contact", "@")
+      .build();
+  HostClass(app, "MMMainSessionCellData")
+      .ivar("m_nsUsrName", "@")
+      .ivar("m_sessionInfo", "@")
+      .build();
   HostClass(app, "MainSessionMgr")
       .ivar("m_arrNormalSessions", "@")
       .classMethod("canShowInMainFrame:", canShowInMainFrame)
@@ -180,7 +195,10 @@ void defineMainListClasses(HostApp& app) {
       .method("rebuildMainSessions", rebuildMainSessions)
       .method("updateMainSessionList", updateMainSessionList)
       .build();
-  HostClass(app, "MMNewSessionMgr").ivar("m_arrSessionInfo", "@").method("init", newSessionMgrInit).build();
+  HostClass(app, "MMNewSessionMgr")
+      .ivar("m_arrSessionInfo", "@")
+      .method("init", newSessionMgrInit)
+      .build();
   HostClass(app, "MainFrameLogicController")
       .method("getSessionCountForSection:", getSessionCountForSection)
       .method("getSessionInfoAtIndexPath:", getSessionInfoAtIndexPath)
@@ -235,7 +253,9 @@ std::vector<std::string> HostApp::mainListShown() const {
   for (const auto& section : v->shownRows)
     for (Id cell : section) {
       Id data = sim::representedBy(cell);
-      Id name = data ? rt::ivarObject(data, rt::getInstanceVariable(rt::classOf(data), "m_nsUsrName")) : nullptr;
+      Id name =
+          data ? rt::ivarObject(data, rt::getInstanceVariable(rt::classOf(data), "m_nsUsrName"))
+               : nullptr;
       out.push_back(rt::asString(name).value_or("(empty row)"));
     }
   return out;
@@ -244,7 +264,8 @@ std::vector<std::string> HostApp::mainListShown() const {
 void HostApp::sessionsChanged() {
   if (!sim::hasCurrentProcess() || sim::currentProcess().hostApp() != this) return;
   if (Id mgr = service("MainSessionMgr")) rebuildSessions(mgr);
-  if (mainFrame_ && rt::respondsTo(mainFrame_, rt::sel("reloadSessions"))) rt::send<void>(mainFrame_, "reloadSessions");
+  if (mainFrame_ && rt::respondsTo(mainFrame_, rt::sel("reloadSessions")))
+    rt::send<void>(mainFrame_, "reloadSessions");
 }
 
 }  // namespace hostapp

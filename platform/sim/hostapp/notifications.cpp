@@ -38,7 +38,9 @@ HostApp& app() { return HostApp::current(); }
 
 const HostMessage* message(Id m) { return sim::native<HostMessage>(m); }
 
-bool responds(Id obj, const char* selector) { return obj && rt::respondsTo(obj, rt::sel(selector)); }
+bool responds(Id obj, const char* selector) {
+  return obj && rt::respondsTo(obj, rt::sel(selector));
+}
 
 void setIvar(Id obj, const char* name, Id value) {
   rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
@@ -49,24 +51,28 @@ bool canShowPushForContact(Id, SEL, Id, Id) { return true; }
 // Not over the chat the message belongs to.
 bool canShowPushAtViewController(Id, SEL, Id controller, Id session) {
   if (!rt::isKindOf(controller, "BaseMsgContentViewController")) return true;
-  Id shown = rt::ivarObject(controller, rt::getInstanceVariable(rt::classOf(controller), "m_nsUsrName"));
+  Id shown =
+      rt::ivarObject(controller, rt::getInstanceVariable(rt::classOf(controller), "m_nsUsrName"));
   return !rt::isEqual(shown, session);
 }
 void onNewMsgArriving(Id self, SEL, Id m, long) {
   const HostMessage* msg = message(m);
   if (!msg) return;
   Id contactMgr = hostService("CContactMgr");
-  Id contact = responds(contactMgr, "getContactByName:") ? rt::send<Id>(contactMgr, "getContactByName:", rt::str(msg->from))
-                                                         : nullptr;
+  Id contact = responds(contactMgr, "getContactByName:")
+                   ? rt::send<Id>(contactMgr, "getContactByName:", rt::str(msg->from))
+                   : nullptr;
   if (!responds(self, "canShowPushForContact:msgWrap:") ||
       !rt::send<bool>(self, "canShowPushForContact:msgWrap:", contact, m))
     return;
   Id top = sim::topController();
   if (!responds(self, "canShowPushAtViewController:sessionUserName:") ||
-      !rt::send<bool>(self, "canShowPushAtViewController:sessionUserName:", top, rt::str(msg->from)))
+      !rt::send<bool>(self, "canShowPushAtViewController:sessionUserName:", top,
+                      rt::str(msg->from)))
     return;
   if (rt::isKindOf(top, "BaseMsgContentViewController") &&
-      (!responds(top, "shouldShowQuickReplyPush:") || !rt::send<bool>(top, "shouldShowQuickReplyPush:", m)))
+      (!responds(top, "shouldShowQuickReplyPush:") ||
+       !rt::send<bool>(top, "shouldShowQuickReplyPush:", m)))
     return;
   // The banner shows an item that wraps the message.
   Id item = rt::send<Id>(rt::getClass("QuickReplyItem"), "new");
@@ -86,7 +92,8 @@ void showQuickReplyItem(Id, SEL, Id item, double timeout) {
 // --- The sound: the session manager's notify step asks the main frame's logic.
 void notifyNewMsg(Id, SEL, Id m, long flag) {
   Id logic = hostService("MainFrameLogicController");
-  if (responds(logic, "playNewMsgNotify:NotifyFlag:")) rt::send<void>(logic, "playNewMsgNotify:NotifyFlag:", m, flag);
+  if (responds(logic, "playNewMsgNotify:NotifyFlag:"))
+    rt::send<void>(logic, "playNewMsgNotify:NotifyFlag:", m, flag);
 }
 void playNewMsgNotify(Id, SEL, Id m, long) {
   if (m) notices().sound();
@@ -96,51 +103,61 @@ void playNewMsgNotify(Id, SEL, Id m, long) {
 Id notificationInfo(Id, SEL, Id m, long, bool) {
   const HostMessage* msg = message(m);
   if (!msg) return nullptr;
-  return rt::dictionary({{rt::str("fromUserName"), rt::str(msg->from)}, {rt::str("content"), rt::str(msg->text)}});
+  return rt::dictionary(
+      {{rt::str("fromUserName"), rt::str(msg->from)}, {rt::str("content"), rt::str(msg->text)}});
 }
 
 void showLocal(Id m, Id identifier, bool silent) {
   const HostMessage* msg = message(m);
   rt::Class util = rt::getClass("MMLocalNotificationUtil");
   const char* sel =
-      "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:threadIdentifier:"
+      "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
+      "threadIdentifier:"
       "fromUserName:fromNotFrient:showHeadImage:";
   if (!msg || !util || !rt::respondsTo(rt::toId(util), rt::sel(sel))) return;
-  Id userInfo = rt::dictionary({{rt::str("fromUserName"), rt::str(msg->from)},
-                                {rt::str("msgType"), rt::number(msg->type)}});
+  Id userInfo = rt::dictionary(
+      {{rt::str("fromUserName"), rt::str(msg->from)}, {rt::str("msgType"), rt::number(msg->type)}});
   Friend* f = app().model.findFriend(msg->from);
   std::string title = f && !f->nickname.empty() ? f->nickname : msg->from;
   rt::send<void>(util, sel, identifier, rt::str("message"), rt::str(title), rt::str(msg->text),
-                 silent ? Id{nullptr} : rt::str("default"), 1L, userInfo, Id{nullptr}, rt::str(msg->from),
-                 rt::str(msg->from), false, true);
+                 silent ? Id{nullptr} : rt::str("default"), 1L, userInfo, Id{nullptr},
+                 rt::str(msg->from), rt::str(msg->from), false, true);
 }
-void showPush(Id, SEL, Id m, Id identifier, Id, bool, bool silent) { showLocal(m, identifier, silent); }
+void showPush(Id, SEL, Id m, Id identifier, Id, bool, bool silent) {
+  showLocal(m, identifier, silent);
+}
 void showPushShort(Id, SEL, Id m, Id, bool) { showLocal(m, rt::str("push"), false); }
 
 void onShowPush(Id self, SEL, Id m, bool) {
-  const char* infoSel = "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
+  const char* infoSel =
+      "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
   if (!m || !responds(self, infoSel) || !rt::send<Id>(self, infoSel, m, 7L, false)) return;
   Id identifier = rt::str("msg-" + std::to_string(m->serial));
   if (responds(self, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:"))
-    rt::send<void>(self, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", m, identifier,
-                   Id{nullptr}, false, false);
+    rt::send<void>(self,
+                   "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", m,
+                   identifier, Id{nullptr}, false, false);
   else if (responds(self, "showPushWithMessageWrap:fireDate:isFromVoipPush:"))
     rt::send<void>(self, "showPushWithMessageWrap:fireDate:isFromVoipPush:", m, Id{nullptr}, false);
 }
 
 // --- MMLocalNotificationUtil: builds the system request.
-void showLocalNotification(Id, SEL, Id identifier, Id, Id title, Id body, Id soundName, long, Id userInfo, Id,
-                           Id thread, Id, bool, bool) {
+void showLocalNotification(Id, SEL, Id identifier, Id, Id title, Id body, Id soundName, long,
+                           Id userInfo, Id, Id thread, Id, bool, bool) {
   Id content = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
   rt::send<void>(content, "setTitle:", title);
   rt::send<void>(content, "setBody:", body);
-  rt::send<void>(content, "setSound:", soundName ? rt::send<Id>(rt::getClass("UNNotificationSound"), "defaultSound") : Id{nullptr});
+  rt::send<void>(
+      content, "setSound:",
+      soundName ? rt::send<Id>(rt::getClass("UNNotificationSound"), "defaultSound") : Id{nullptr});
   rt::send<void>(content, "setUserInfo:", userInfo);
   rt::send<void>(content, "setThreadIdentifier:", thread);
-  Id request = rt::send<Id>(rt::getClass("UNNotificationRequest"), "requestWithIdentifier:content:trigger:", identifier,
-                            content, Id{nullptr});
+  Id request =
+      rt::send<Id>(rt::getClass("UNNotificationRequest"),
+                   "requestWithIdentifier:content:trigger:", identifier, content, Id{nullptr});
   Id center = rt::send<Id>(rt::getClass("UNUserNotificationCenter"), "currentNotificationCenter");
-  rt::send<void>(center, "addNotificationRequest:withCompletionHandler:", request, sim::makeCompletionBlock([](Id) {}));
+  rt::send<void>(center, "addNotificationRequest:withCompletionHandler:", request,
+                 sim::makeCompletionBlock([](Id) {}));
 }
 
 // --- AudioHelper
@@ -169,11 +186,19 @@ Id makeHostMessage(const std::string& from, const std::string& text, bool call, 
 void defineNotificationClasses(HostApp& app) {
   if (app.build.hasVariant("message-keys-alt")) {
     HostClass(app, "CMessageWrap")
-        .ivar("fromUserName", "@").ivar("toUserName", "@").ivar("content", "@").ivar("msgType", "@")
-        .ivar("userName", "@").build();
+        .ivar("fromUserName", "@")
+        .ivar("toUserName", "@")
+        .ivar("content", "@")
+        .ivar("msgType", "@")
+        .ivar("userName", "@")
+        .build();
   } else {
     HostClass(app, "CMessageWrap")
-        .ivar("m_nsFromUsr", "@").ivar("m_nsToUsr", "@").ivar("m_nsContent", "@").ivar("m_uiMessageType", "@").build();
+        .ivar("m_nsFromUsr", "@")
+        .ivar("m_nsToUsr", "@")
+        .ivar("m_nsContent", "@")
+        .ivar("m_uiMessageType", "@")
+        .build();
   }
   HostClass(app, "QuickReplyMsgMgr")
       .method("onNewMsgArriving:NotifyFlag:", onNewMsgArriving)
@@ -188,17 +213,24 @@ void defineNotificationClasses(HostApp& app) {
       .method("shouldShowQuickReplyPush:", shouldShowQuickReplyPush)
       .build();
   HostClass(app, "MMNewSessionMgr").method("p_notifyNewMsg:withNotifyFlag:", notifyNewMsg).build();
-  HostClass(app, "MainFrameLogicController").method("playNewMsgNotify:NotifyFlag:", playNewMsgNotify).build();
+  HostClass(app, "MainFrameLogicController")
+      .method("playNewMsgNotify:NotifyFlag:", playNewMsgNotify)
+      .build();
   HostClass push(app, "MMLocalNotificationMgr");
   push.method("OnShowPush:isAlwaysShow:", onShowPush)
-      .method("notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:", notificationInfo);
-  if (app.build.hasVariant("push-3arg")) push.method("showPushWithMessageWrap:fireDate:isFromVoipPush:", showPushShort);
-  else push.method("showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", showPush);
+      .method("notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:",
+              notificationInfo);
+  if (app.build.hasVariant("push-3arg"))
+    push.method("showPushWithMessageWrap:fireDate:isFromVoipPush:", showPushShort);
+  else
+    push.method("showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:",
+                showPush);
   push.build();
   HostClass(app, "MMLocalNotificationUtil")
-      .classMethod("showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
-                   "threadIdentifier:fromUserName:fromNotFrient:showHeadImage:",
-                   showLocalNotification)
+      .classMethod(
+          "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
+          "threadIdentifier:fromUserName:fromNotFrient:showHeadImage:",
+          showLocalNotification)
       .build();
   HostClass(app, "AudioHelper").classMethod("playVibration", playVibration).build();
 }
@@ -210,7 +242,8 @@ std::string HostApp::openChatUsername() const {
   return rt::asString(name).value_or("");
 }
 
-void HostApp::deliverMessage(const std::string& from, const std::string& text, bool missedCall, bool video) {
+void HostApp::deliverMessage(const std::string& from, const std::string& text, bool missedCall,
+                             bool video) {
   sim::Process& p = sim::currentProcess();
   notices().begin(from, "message", text, p.device().localSecondOfDay());
   Id m = makeHostMessage(from, text, missedCall, video);
@@ -224,7 +257,8 @@ void HostApp::deliverMessage(const std::string& from, const std::string& text, b
     return;
   }
   Id push = hostService("MMLocalNotificationMgr");
-  if (responds(push, "OnShowPush:isAlwaysShow:")) rt::send<void>(push, "OnShowPush:isAlwaysShow:", m, false);
+  if (responds(push, "OnShowPush:isAlwaysShow:"))
+    rt::send<void>(push, "OnShowPush:isAlwaysShow:", m, false);
 }
 
 }  // namespace hostapp

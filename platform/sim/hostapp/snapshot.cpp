@@ -29,8 +29,10 @@ void HostApp::takeSnapshot() {
   Snapshot shot;
   shot.taken = true;
   shot.screen = screenOf(sim::topController());
-  if (shot.screen == "main") shot.mainRows = shot.rows = mainListShown();
-  else if (shot.screen == "contacts") shot.rows = contactsShown(*this);
+  if (shot.screen == "main")
+    shot.mainRows = shot.rows = mainListShown();
+  else if (shot.screen == "contacts")
+    shot.rows = contactsShown(*this);
   snapshot_ = std::move(shot);
 }
 

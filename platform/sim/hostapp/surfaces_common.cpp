@@ -86,7 +86,9 @@ bool matchesSearch(const Friend& f, rt::Id contact, const std::string& text) {
 
 namespace {
 
-rt::Id& screenSlot(const char* name) { return sim::runtime().singleton(std::string("hostapp.screen.") + name); }
+rt::Id& screenSlot(const char* name) {
+  return sim::runtime().singleton(std::string("hostapp.screen.") + name);
+}
 
 rt::Id newScreen(const char* cls) {
   rt::Class c = rt::getClass(cls);
@@ -95,13 +97,15 @@ rt::Id newScreen(const char* cls) {
 }
 
 // Pushes a new screen on the selected tab, on top of its first screen.
-void push(HostApp& app, const char* slot, const char* cls, const std::function<void(rt::Id)>& setUp = nullptr) {
+void push(HostApp& app, const char* slot, const char* cls,
+          const std::function<void(rt::Id)>& setUp = nullptr) {
   if (!app.tabs()) return;
   app.popToRoot();
   rt::Id screen = newScreen(cls);
   static const std::map<std::string, std::string> titles = {
       {"search", "搜索"}, {"moments", "朋友圈"}, {"forward", "选择一个聊天"}};
-  if (auto t = titles.find(slot); t != titles.end()) rt::send<void>(screen, "setTitle:", rt::str(t->second));
+  if (auto t = titles.find(slot); t != titles.end())
+    rt::send<void>(screen, "setTitle:", rt::str(t->second));
   if (setUp) setUp(screen);
   rt::Id nav = rt::send<rt::Id>(app.tabs(), "selectedViewController");
   rt::send<void>(nav, "pushViewController:animated:", screen, true);
@@ -137,9 +141,17 @@ bool searchOpened() { return screenSlot("search") != nullptr; }
 bool momentsOpened() { return screenSlot("moments") != nullptr; }
 bool forwardOpened() { return screenSlot("forward") != nullptr; }
 
-std::vector<std::string> searchShown() { return usernames(ivarOf(screenSlot("search"), "m_results")); }
-std::vector<std::string> momentsShown() { return usernames(ivarOf(screenSlot("moments"), "m_items")); }
-std::vector<std::string> forwardRowShown() { return usernames(ivarOf(screenSlot("forward"), "m_recentContacts")); }
-std::vector<std::string> forwardCandidatesShown() { return usernames(ivarOf(screenSlot("forward"), "m_candidates")); }
+std::vector<std::string> searchShown() {
+  return usernames(ivarOf(screenSlot("search"), "m_results"));
+}
+std::vector<std::string> momentsShown() {
+  return usernames(ivarOf(screenSlot("moments"), "m_items"));
+}
+std::vector<std::string> forwardRowShown() {
+  return usernames(ivarOf(screenSlot("forward"), "m_recentContacts"));
+}
+std::vector<std::string> forwardCandidatesShown() {
+  return usernames(ivarOf(screenSlot("forward"), "m_candidates"));
+}
 
 }  // namespace hostapp

@@ -22,7 +22,8 @@ namespace {
 using rt::Id;
 using rt::SEL;
 
-const char* const kFillSel = "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:";
+const char* const kFillSel =
+    "fillSectionResultForOption:arrSectionKey:dicSectionTitle:dicSearchResult:";
 
 struct ContactSections {
   Id friends = nullptr;  // what getAllNormalContact gave at the last reload
@@ -72,7 +73,8 @@ void fillSectionResult(Id self, SEL, unsigned, Id keys, Id titles, Id results) {
 // The whole chain of one reload.
 void reloadContacts(Id self, SEL) {
   ContactSections& d = sections(self);
-  d.friends = responds(self, "getAllNormalContact") ? rt::send<Id>(self, "getAllNormalContact") : nullptr;
+  d.friends =
+      responds(self, "getAllNormalContact") ? rt::send<Id>(self, "getAllNormalContact") : nullptr;
   d.keys = rt::mutableArray();
   d.titles = rt::mutableDictionary();
   d.results = rt::mutableDictionary();
@@ -80,17 +82,23 @@ void reloadContacts(Id self, SEL) {
     rt::send<void>(self, kFillSel, 0u, d.keys, d.titles, d.results);
   else
     fillSections(self, d.keys, d.titles, d.results);
-  d.starred = responds(self, "getFavourContactArray") ? rt::send<Id>(self, "getFavourContactArray") : rt::array({});
-  d.footerCount = responds(self, "getContactsArrayWith:") ? rt::count(rt::send<Id>(self, "getContactsArrayWith:", 1u))
-                                                          : rt::count(d.friends);
+  d.starred = responds(self, "getFavourContactArray") ? rt::send<Id>(self, "getFavourContactArray")
+                                                      : rt::array({});
+  d.footerCount = responds(self, "getContactsArrayWith:")
+                      ? rt::count(rt::send<Id>(self, "getContactsArrayWith:", 1u))
+                      : rt::count(d.friends);
 }
 
 // Type 1 is every friend; the other lists are empty here.
-Id getContactsArrayWith(Id, SEL, unsigned type) { return rt::array(type == 1 ? allFriends() : std::vector<Id>{}); }
+Id getContactsArrayWith(Id, SEL, unsigned type) {
+  return rt::array(type == 1 ? allFriends() : std::vector<Id>{});
+}
 
 // --- ContactsViewController
 
-Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
+Id ivar(Id obj, const char* name) {
+  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
+}
 void setIvar(Id obj, const char* name, Id value) {
   rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
 }
@@ -122,7 +130,8 @@ Id cellForRow(Id self, SEL, Id, Id ip) {
 }
 
 void viewDidLoad(Id self, SEL) {
-  if (rt::Class cls = rt::getClass("ContactsDataLogic")) setIvar(self, "m_contactsDataLogic", rt::send<Id>(cls, "new"));
+  if (rt::Class cls = rt::getClass("ContactsDataLogic"))
+    setIvar(self, "m_contactsDataLogic", rt::send<Id>(cls, "new"));
   Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
   setIvar(self, "m_tableView", table);
   rt::send<void>(table, "setDataSource:", self);
@@ -151,7 +160,9 @@ void defineContactsScreen(HostApp& app) {
 std::vector<std::string> contactsShown(HostApp& app) {
   std::vector<std::string> out;
   Id screen = app.contactsScreen();
-  Id table = screen ? rt::ivarObject(screen, rt::getInstanceVariable(rt::classOf(screen), "m_tableView")) : nullptr;
+  Id table =
+      screen ? rt::ivarObject(screen, rt::getInstanceVariable(rt::classOf(screen), "m_tableView"))
+             : nullptr;
   const sim::ViewState* v = table ? sim::viewState(table) : nullptr;
   if (!v) return out;
   for (const auto& section : v->shownRows)

@@ -41,12 +41,15 @@ bool onFilterContactCandidate(Id, SEL, Id contact) { return contact != nullptr; 
 // --- RecentForwardScrollView: through its select view when it can.
 Id contactsForRecentForwardMenu(Id self, SEL) {
   Id selectView = ivar(self, "m_selectView");
-  if (responds(selectView, "recentForwardContacts")) return rt::send<Id>(selectView, "recentForwardContacts");
+  if (responds(selectView, "recentForwardContacts"))
+    return rt::send<Id>(selectView, "recentForwardContacts");
   return recentChatContacts();
 }
 
 // --- SessionSelectController: the user's own account is not offered.
-bool onShouldFilterContact(Id, SEL, Id contact) { return !contact || contactUsername(contact) == model().me; }
+bool onShouldFilterContact(Id, SEL, Id contact) {
+  return !contact || contactUsername(contact) == model().me;
+}
 
 // Every chat: the host's sessions first, then the other friends and rooms.
 std::vector<Id> candidatePool() {
@@ -71,12 +74,14 @@ void selectViewDidLoad(Id self, SEL) {
   if (row) setIvar(row, "m_selectView", selectView);
   setIvar(self, "m_selectView", selectView);
   setIvar(self, "m_recentView", row);
-  Id recent =
-      responds(row, "contactsForRecentForwardMenu") ? rt::send<Id>(row, "contactsForRecentForwardMenu") : nullptr;
+  Id recent = responds(row, "contactsForRecentForwardMenu")
+                  ? rt::send<Id>(row, "contactsForRecentForwardMenu")
+                  : nullptr;
   setIvar(self, "m_recentContacts", rt::array(rt::elements(recent)));
   std::vector<Id> offered;
   for (Id c : candidatePool()) {
-    bool filtered = responds(self, "onShouldFilterContact:") && rt::send<bool>(self, "onShouldFilterContact:", c);
+    bool filtered = responds(self, "onShouldFilterContact:") &&
+                    rt::send<bool>(self, "onShouldFilterContact:", c);
     bool candidate = !responds(selectView, "onFilterContactCandidate:") ||
                      rt::send<bool>(selectView, "onFilterContactCandidate:", c);
     if (!filtered && candidate) offered.push_back(c);

@@ -22,7 +22,9 @@ void setIvar(Id obj, const char* name, Id value) {
   rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
 }
 
-Id itemUsername(Id self, SEL) { return rt::ivarObject(self, rt::getInstanceVariable(rt::classOf(self), "username")); }
+Id itemUsername(Id self, SEL) {
+  return rt::ivarObject(self, rt::getInstanceVariable(rt::classOf(self), "username"));
+}
 
 // One item object per timeline entry for the life of the process.
 struct TimelineCache {
@@ -63,7 +65,11 @@ void timelineViewDidLoad(Id self, SEL) {
 }  // namespace
 
 void defineMomentsClasses(HostApp& app) {
-  HostClass(app, "WCDataItem").ivar("username", "@").ivar("contentDesc", "@").method("username", itemUsername).build();
+  HostClass(app, "WCDataItem")
+      .ivar("username", "@")
+      .ivar("contentDesc", "@")
+      .method("username", itemUsername)
+      .build();
   HostClass(app, "WCFacade")
       .method("countOfTimelineDataItem", countOfTimelineDataItem)
       .method("getTimelineDataItemOfIndex:", getTimelineDataItemOfIndex)

@@ -20,7 +20,9 @@ namespace {
 using rt::Id;
 using rt::SEL;
 
-Id ivar(Id obj, const char* name) { return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)); }
+Id ivar(Id obj, const char* name) {
+  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
+}
 void setIvar(Id obj, const char* name, Id value) {
   rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
 }
@@ -42,7 +44,8 @@ void fillSectionResultForDicSearchResult(Id self, SEL) {
     if (matchesSearch(f, c, text)) found.push_back(c);
   }
   sortInContactsOrder(found);
-  setIvar(self, "m_dicSearchResult", rt::mutableDictionary({{rt::str("contact"), rt::mutableArray(found)}}));
+  setIvar(self, "m_dicSearchResult",
+          rt::mutableDictionary({{rt::str("contact"), rt::mutableArray(found)}}));
 }
 
 // --- FTSContactDataProvider: every friend, by section key. A mutable
@@ -68,7 +71,8 @@ std::vector<Id> fromContactLogic(const std::string& text) {
   if (rt::respondsTo(logic, rt::sel("fillSectionResultForDicSearchResult")))
     rt::send<void>(logic, "fillSectionResultForDicSearchResult");
   Id dict = ivar(logic, "m_dicSearchResult");
-  return rt::isDictionary(dict) ? rt::elements(rt::objectForKey(dict, "contact")) : std::vector<Id>{};
+  return rt::isDictionary(dict) ? rt::elements(rt::objectForKey(dict, "contact"))
+                                : std::vector<Id>{};
 }
 
 std::vector<Id> fromDataProvider(const std::string& text, const std::set<std::string>& listed) {

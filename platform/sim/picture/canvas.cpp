@@ -12,14 +12,20 @@ namespace {
 
 constexpr const char* kFamily = "Noto Sans CJK SC, Noto Sans, DejaVu Sans, sans-serif";
 
-void setColor(cairo_t* cr, ui::Color c) { cairo_set_source_rgba(cr, c.red, c.green, c.blue, c.alpha); }
+void setColor(cairo_t* cr, ui::Color c) {
+  cairo_set_source_rgba(cr, c.red, c.green, c.blue, c.alpha);
+}
 
 PangoWeight pangoWeight(ui::Weight w) {
   switch (w) {
-    case ui::Weight::Medium: return PANGO_WEIGHT_MEDIUM;
-    case ui::Weight::Semibold: return PANGO_WEIGHT_SEMIBOLD;
-    case ui::Weight::Bold: return PANGO_WEIGHT_BOLD;
-    default: return PANGO_WEIGHT_NORMAL;
+    case ui::Weight::Medium:
+      return PANGO_WEIGHT_MEDIUM;
+    case ui::Weight::Semibold:
+      return PANGO_WEIGHT_SEMIBOLD;
+    case ui::Weight::Bold:
+      return PANGO_WEIGHT_BOLD;
+    default:
+      return PANGO_WEIGHT_NORMAL;
   }
 }
 
@@ -34,8 +40,10 @@ struct Layout {
     pango_font_description_free(d);
     pango_layout_set_text(layout, s.c_str(), int(s.size()));
     pango_layout_set_width(layout, int(std::max(1.0, width) * PANGO_SCALE));
-    if (oneLine) pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
-    else pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+    if (oneLine)
+      pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    else
+      pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
   }
   ~Layout() { g_object_unref(layout); }
   double height() const {
@@ -107,8 +115,8 @@ void Canvas::circle(rt::CGPoint centre, double radius, ui::Color c) {
   cairo_fill(cr_);
 }
 
-void Canvas::text(const std::string& s, rt::CGRect r, const ui::Font& f, ui::Color c, Align a, bool oneLine,
-                  bool middle) {
+void Canvas::text(const std::string& s, rt::CGRect r, const ui::Font& f, ui::Color c, Align a,
+                  bool oneLine, bool middle) {
   if (s.empty()) return;
   Layout l(cr_, s, f, r.size.width, oneLine);
   pango_layout_set_alignment(l.layout, a == Align::Center  ? PANGO_ALIGN_CENTER

@@ -32,8 +32,8 @@ class Canvas {
   void circle(rt::CGPoint centre, double radius, ui::Color c);
   // Text wrapped to the rect's width (one line, ellipsized, when `oneLine`),
   // vertically centred in the rect when `middle`.
-  void text(const std::string& s, rt::CGRect r, const ui::Font& f, ui::Color c, Align a = Align::Left,
-            bool oneLine = false, bool middle = false);
+  void text(const std::string& s, rt::CGRect r, const ui::Font& f, ui::Color c,
+            Align a = Align::Left, bool oneLine = false, bool middle = false);
   // The height of `s` wrapped to `width`.
   double measure(const std::string& s, const ui::Font& f, double width);
   // The stand-in of a system symbol in `r`; the name is remembered.

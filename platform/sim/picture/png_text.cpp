@@ -38,7 +38,8 @@ std::uint32_t get32(const std::string& s, std::size_t at) {
 
 }  // namespace
 
-std::string withTextChunks(const std::string& png, const std::map<std::string, std::string>& chunks) {
+std::string withTextChunks(const std::string& png,
+                           const std::map<std::string, std::string>& chunks) {
   if (png.size() < kSignature + 12) return png;
   std::size_t afterHeader = kSignature + 12 + get32(png, kSignature);
   std::string inserted;

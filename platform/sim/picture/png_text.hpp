@@ -7,7 +7,8 @@
 namespace sim::picture {
 
 // `png` with a tEXt chunk for each key (Latin-1 keys of 1 to 79 characters).
-std::string withTextChunks(const std::string& png, const std::map<std::string, std::string>& chunks);
+std::string withTextChunks(const std::string& png,
+                           const std::map<std::string, std::string>& chunks);
 // The tEXt chunks of `png`.
 std::map<std::string, std::string> textChunks(const std::string& png);
 

@@ -32,7 +32,9 @@ constexpr ui::Color kAlertBackground{242 / 255.0, 242 / 255.0, 242 / 255.0, 1};
 constexpr ui::Color kDim{0, 0, 0, 0.2};
 
 rt::CGRect rect(double x, double y, double w, double h) { return {{x, y}, {w, h}}; }
-rt::CGRect offset(rt::CGRect r, double dx, double dy) { return {{r.origin.x + dx, r.origin.y + dy}, r.size}; }
+rt::CGRect offset(rt::CGRect r, double dx, double dy) {
+  return {{r.origin.x + dx, r.origin.y + dy}, r.size};
+}
 double bottom(rt::CGRect r) { return r.origin.y + r.size.height; }
 
 struct Painter {
@@ -40,7 +42,8 @@ struct Painter {
   std::vector<DrawnRow> rows;
 
   MeasureText measure() {
-    return [this](const std::string& s, const ui::Font& f, double w) { return cv.measure(s, f, w); };
+    return
+        [this](const std::string& s, const ui::Font& f, double w) { return cv.measure(s, f, w); };
   }
 
   // --- images: what was drawn into them, or the symbol they stand for
@@ -56,9 +59,11 @@ struct Painter {
     cv.translate(r.origin.x, r.origin.y);
     cv.scale(r.size.width / s->size.width, r.size.height / s->size.height);
     for (const ui::DrawOp& op : s->ops) {
-      if (const auto* f = std::get_if<ui::FillRect>(&op)) cv.fill(f->rect, f->color, f->cornerRadius);
+      if (const auto* f = std::get_if<ui::FillRect>(&op))
+        cv.fill(f->rect, f->color, f->cornerRadius);
       if (const auto* t = std::get_if<ui::DrawText>(&op))
-        cv.text(t->text, rect(t->origin.x, t->origin.y, s->size.width, t->font.size * 1.5), t->font, t->color);
+        cv.text(t->text, rect(t->origin.x, t->origin.y, s->size.width, t->font.size * 1.5), t->font,
+                t->color);
       if (const auto* d = std::get_if<ui::DrawImage>(&op)) {
         cv.save();
         cv.clip(d->rect, d->clipRadius);
@@ -66,7 +71,8 @@ struct Painter {
         cv.restore();
       }
     }
-    if (s->ops.empty() && s->source.rfind("file:", 0) == 0) cv.fill(rect(0, 0, r.size.width, r.size.height), kFill);
+    if (s->ops.empty() && s->source.rfind("file:", 0) == 0)
+      cv.fill(rect(0, 0, r.size.width, r.size.height), kFill);
     cv.restore();
   }
 
@@ -77,10 +83,17 @@ struct Painter {
     rt::CGRect f = offset(s.frame, origin.x, origin.y);
     if (rt::isKindOf(v, "UILabel")) {
       // A label nobody styled has UILabel's defaults.
-      const ui::LabelStyle l = s.style.empty() ? ui::LabelStyle{{17, ui::Weight::Regular}, ui::kLabel, {0, 0, 0, 0}, false, 0, false, 1} : s.look;
+      const ui::LabelStyle l = s.style.empty() ? ui::LabelStyle{{17, ui::Weight::Regular},
+                                                                ui::kLabel,
+                                                                {0, 0, 0, 0},
+                                                                false,
+                                                                0,
+                                                                false,
+                                                                1}
+                                               : s.look;
       if (l.background.alpha > 0) cv.fill(f, l.background, l.cornerRadius);
-      cv.text(s.text, rect(f.origin.x + 4, f.origin.y, f.size.width - 8, f.size.height), l.font, l.textColor,
-              l.centered ? Align::Center : Align::Left, l.numberOfLines == 1, true);
+      cv.text(s.text, rect(f.origin.x + 4, f.origin.y, f.size.width - 8, f.size.height), l.font,
+              l.textColor, l.centered ? Align::Center : Align::Left, l.numberOfLines == 1, true);
     }
     for (Id sub : s.subviews) view(sub, f.origin);
   }
@@ -89,8 +102,10 @@ struct Painter {
     char clock[8];
     int minutes = int(secondOfDay / 60);
     std::snprintf(clock, sizeof clock, "%d:%02d", minutes / 60 % 24, minutes % 60);
-    cv.text(clock, rect(40, top + 14, 80, 22), {17, ui::Weight::Semibold}, ui::kLabel, Align::Center);
-    for (int i = 0; i < 4; ++i) cv.fill(rect(292 + 6 * i, top + 27 - 3 * i, 4, 4 + 3 * i), ui::kLabel, 1);
+    cv.text(clock, rect(40, top + 14, 80, 22), {17, ui::Weight::Semibold}, ui::kLabel,
+            Align::Center);
+    for (int i = 0; i < 4; ++i)
+      cv.fill(rect(292 + 6 * i, top + 27 - 3 * i, 4, 4 + 3 * i), ui::kLabel, 1);
     cv.stroke(rect(326, top + 18, 25, 12), withAlpha(ui::kLabel, 0.4), 1, 3.5);
     cv.fill(rect(328, top + 20, 18, 8), ui::kLabel, 2);
   }
@@ -98,24 +113,26 @@ struct Painter {
   void navBar(Id nav, Id top, double y, bool underStatus) {
     rt::CGRect bar = rect(0, y, kScreenWidth, kNavBarHeight);
     viewState(rt::send<Id>(nav, "navigationBar"))->frame = bar;
-    if (underStatus) cv.fill(rect(0, y - kStatusBarHeight, kScreenWidth, kStatusBarHeight), kBarBackground);
+    if (underStatus)
+      cv.fill(rect(0, y - kStatusBarHeight, kScreenWidth, kStatusBarHeight), kBarBackground);
     cv.fill(bar, kBarBackground);
     cv.line({0, bottom(bar)}, {kScreenWidth, bottom(bar)}, kSeparator, 0.33);
     std::string title = controllerState(top)->title;
     if (title.empty()) title = controllerState(nav)->title;
-    cv.text(title, rect(90, y, kScreenWidth - 180, kNavBarHeight), {17, ui::Weight::Semibold}, ui::kLabel,
-            Align::Center, true, true);
+    cv.text(title, rect(90, y, kScreenWidth - 180, kNavBarHeight), {17, ui::Weight::Semibold},
+            ui::kLabel, Align::Center, true, true);
     ScreenState* navLook = findExtra<ScreenState>(nav);
     ui::Color tint = navLook && navLook->tint.alpha > 0 ? navLook->tint : ui::kSystemBlue;
     const std::vector<Id>& stack = controllerState(nav)->viewControllers;
     ScreenState* look = findExtra<ScreenState>(top);
     if (look && !look->leftTitle.empty()) {
-      cv.text(look->leftTitle, rect(16, y, 90, kNavBarHeight), {17, look->leftStyle == 2 ? ui::Weight::Semibold : ui::Weight::Regular},
-              tint, Align::Left, true, true);
+      cv.text(look->leftTitle, rect(16, y, 90, kNavBarHeight),
+              {17, look->leftStyle == 2 ? ui::Weight::Semibold : ui::Weight::Regular}, tint,
+              Align::Left, true, true);
     } else if (stack.size() > 1) {
       cv.symbol("chevron.backward", rect(8, y + 12, 12, 20), tint);
-      cv.text(controllerState(stack[stack.size() - 2])->title, rect(24, y, 80, kNavBarHeight), {17, ui::Weight::Regular},
-              tint, Align::Left, true, true);
+      cv.text(controllerState(stack[stack.size() - 2])->title, rect(24, y, 80, kNavBarHeight),
+              {17, ui::Weight::Regular}, tint, Align::Left, true, true);
     }
   }
 
@@ -125,12 +142,14 @@ struct Painter {
     cv.fill(rect(16, y + 8, kScreenWidth - 32, 36), kFill, 10);
     cv.symbol("magnifyingglass", rect(24, y + 17, 18, 18), ui::kSystemGray);
     bool empty = !s || s->text.empty();
-    cv.text(empty ? (s ? s->spec.placeholder : "") : s->text, rect(48, y + 8, kScreenWidth - 80, 36), {17, ui::Weight::Regular},
+    cv.text(empty ? (s ? s->spec.placeholder : "") : s->text,
+            rect(48, y + 8, kScreenWidth - 80, 36), {17, ui::Weight::Regular},
             empty ? ui::kSecondaryLabel : ui::kLabel, Align::Left, true, true);
   }
 
   void tabBar(Id tabs, rt::CGRect area) {
-    rt::CGRect bar = rect(area.origin.x, bottom(area) - kTabBarHeight, area.size.width, kTabBarHeight);
+    rt::CGRect bar =
+        rect(area.origin.x, bottom(area) - kTabBarHeight, area.size.width, kTabBarHeight);
     cv.fill(bar, kBarBackground);
     cv.line(bar.origin, {bar.origin.x + bar.size.width, bar.origin.y}, kSeparator, 0.33);
     const ControllerState& t = *controllerState(tabs);
@@ -138,10 +157,12 @@ struct Painter {
     for (std::size_t i = 0; i < t.viewControllers.size(); ++i) {
       Id vc = t.viewControllers[i];
       const std::vector<Id>& stack = controllerState(vc)->viewControllers;
-      std::string title = stack.empty() ? controllerState(vc)->title : controllerState(stack.front())->title;
+      std::string title =
+          stack.empty() ? controllerState(vc)->title : controllerState(stack.front())->title;
       ui::Color c = long(i) == t.selectedIndex ? ui::kSystemGreen : ui::kSystemGray;
       cv.fill(rect(bar.origin.x + w * double(i) + w / 2 - 12, bar.origin.y + 7, 24, 20), c, 6);
-      cv.text(title, rect(bar.origin.x + w * double(i), bar.origin.y + 29, w, 14), {10, ui::Weight::Medium}, c, Align::Center, true);
+      cv.text(title, rect(bar.origin.x + w * double(i), bar.origin.y + 29, w, 14),
+              {10, ui::Weight::Medium}, c, Align::Center, true);
     }
   }
 
@@ -152,15 +173,16 @@ struct Painter {
     if (rt::isKindOf(c, "UITabBarController")) {
       const ControllerState& t = *controllerState(c);
       if (t.selectedIndex >= 0 && t.selectedIndex < long(t.viewControllers.size()))
-        controller(t.viewControllers[std::size_t(t.selectedIndex)], area, underStatus, kTabBarHeight);
+        controller(t.viewControllers[std::size_t(t.selectedIndex)], area, underStatus,
+                   kTabBarHeight);
       tabBar(c, area);
       return;
     }
     if (rt::isKindOf(c, "UINavigationController") && !controllerState(c)->viewControllers.empty()) {
       Id top = controllerState(c)->viewControllers.back();
       double y = area.origin.y + (underStatus ? kStatusBarHeight : 0);
-      rt::CGRect content =
-          rect(area.origin.x, y + kNavBarHeight, area.size.width, bottom(area) - bottomBar - y - kNavBarHeight);
+      rt::CGRect content = rect(area.origin.x, y + kNavBarHeight, area.size.width,
+                                bottom(area) - bottomBar - y - kNavBarHeight);
       ScreenState* look = findExtra<ScreenState>(top);
       if (look && look->searchController) {
         searchBar(look->searchController, content.origin.y);
@@ -171,7 +193,8 @@ struct Painter {
       navBar(c, top, y, underStatus);
       return;
     }
-    leaf(c, rect(area.origin.x, area.origin.y, area.size.width, area.size.height - bottomBar), area);
+    leaf(c, rect(area.origin.x, area.origin.y, area.size.width, area.size.height - bottomBar),
+         area);
   }
 
   // A screen's view fills `full`, under the bars; what it shows is in `area`.
@@ -200,10 +223,13 @@ struct Painter {
     if (state.headerView) view(state.headerView, area.origin);
     double dx = full.origin.x, dy = full.origin.y;
     for (const SectionFrame& s : f.sections) {
-      cv.text(s.header, offset(s.headerFrame, dx, dy), {13, ui::Weight::Regular}, ui::kSecondaryLabel);
+      cv.text(s.header, offset(s.headerFrame, dx, dy), {13, ui::Weight::Regular},
+              ui::kSecondaryLabel);
       if (f.insetGrouped && !s.rows.empty()) cv.fill(offset(s.group, dx, dy), ui::kWhite, 10);
-      for (const RowFrame& r : s.rows) row(r, dx, dy, f.insetGrouped, state.look.separatorInsetLeft);
-      cv.text(s.footer, offset(s.footerFrame, dx, dy), {13, ui::Weight::Regular}, ui::kSecondaryLabel);
+      for (const RowFrame& r : s.rows)
+        row(r, dx, dy, f.insetGrouped, state.look.separatorInsetLeft);
+      cv.text(s.footer, offset(s.footerFrame, dx, dy), {13, ui::Weight::Regular},
+              ui::kSecondaryLabel);
     }
     cv.restore();
   }
@@ -217,7 +243,8 @@ struct Painter {
     double x = frame.origin.x + 16, right = acc.origin.x - (acc.size.width > 0 ? 8 : 0);
     if (spec.image) {
       rt::CGSize size = imageState(spec.image)->size;
-      rt::CGRect ir = rect(x, frame.origin.y + (frame.size.height - size.height) / 2, size.width, size.height);
+      rt::CGRect ir =
+          rect(x, frame.origin.y + (frame.size.height - size.height) / 2, size.width, size.height);
       cv.save();
       cv.clip(ir, spec.imageCornerRadius);
       image(spec.image, ir);
@@ -230,14 +257,16 @@ struct Painter {
     double dh = below ? cv.measure(spec.detail, spec.detailFont, width) + 2 : 0;
     double ty = frame.origin.y + (frame.size.height - th - dh) / 2;
     cv.text(spec.title, rect(x, ty, width, th), spec.titleFont, spec.titleColor);
-    if (below) cv.text(spec.detail, rect(x, ty + th + 2, width, dh), spec.detailFont, spec.detailColor);
+    if (below)
+      cv.text(spec.detail, rect(x, ty + th + 2, width, dh), spec.detailFont, spec.detailColor);
     else if (!spec.detail.empty())
-      cv.text(spec.detail, rect(x, frame.origin.y, width, frame.size.height), spec.titleFont, ui::kSecondaryLabel,
-              Align::Right, true, true);
+      cv.text(spec.detail, rect(x, frame.origin.y, width, frame.size.height), spec.titleFont,
+              ui::kSecondaryLabel, Align::Right, true, true);
     accessory(spec, acc);
     if (!r.lastInGroup || !inset) {
       double from = spec.image ? x : frame.origin.x + std::max(16.0, separatorInset);
-      cv.line({from, bottom(frame)}, {frame.origin.x + frame.size.width, bottom(frame)}, kSeparator, 0.33);
+      cv.line({from, bottom(frame)}, {frame.origin.x + frame.size.width, bottom(frame)}, kSeparator,
+              0.33);
     }
   }
 
@@ -245,7 +274,10 @@ struct Painter {
     ui::Color tint = spec.hasTint ? spec.tint : ui::kSystemBlue;
     if (spec.accessoryView && rt::isKindOf(spec.accessoryView, "UISwitch")) {
       const SwitchState& s = extra<SwitchState>(spec.accessoryView);
-      cv.fill(acc, s.on ? (s.onTint.alpha > 0 ? s.onTint : ui::kSystemGreen) : withAlpha(kFill, 0.16 / 0.12 * 0.12 + 0.04), 15.5);
+      cv.fill(acc,
+              s.on ? (s.onTint.alpha > 0 ? s.onTint : ui::kSystemGreen)
+                   : withAlpha(kFill, 0.16 / 0.12 * 0.12 + 0.04),
+              15.5);
       double knobX = s.on ? acc.origin.x + acc.size.width - 15.5 : acc.origin.x + 15.5;
       cv.circle({knobX, acc.origin.y + 15.5}, 13.5, withAlpha(ui::kLabel, 0.08));
       cv.circle({knobX, acc.origin.y + 15.5}, 13, ui::kWhite);
@@ -259,14 +291,17 @@ struct Painter {
   // --- presented controllers
   void sheet(Id nav) {
     cv.fill(rect(0, 0, kScreenWidth, kScreenHeight), kDim);
-    rt::CGRect area = rect(0, kStatusBarHeight + 10, kScreenWidth, kScreenHeight - kStatusBarHeight - 10);
+    rt::CGRect area =
+        rect(0, kStatusBarHeight + 10, kScreenWidth, kScreenHeight - kStatusBarHeight - 10);
     cv.save();
     cv.clip(area, 10);
     cv.fill(area, ui::kWhite);
     controller(nav, area, false);
     cv.restore();
     ScreenState* s = findExtra<ScreenState>(nav);
-    if (s && s->grabberVisible) cv.fill(rect(kScreenWidth / 2 - 18, area.origin.y + 5, 36, 5), withAlpha(ui::kSystemGray, 0.6), 2.5);
+    if (s && s->grabberVisible)
+      cv.fill(rect(kScreenWidth / 2 - 18, area.origin.y + 5, 36, 5),
+              withAlpha(ui::kSystemGray, 0.6), 2.5);
   }
 
   void alert(Id a) {
@@ -275,17 +310,22 @@ struct Painter {
     cv.fill(rect(0, 0, kScreenWidth, kScreenHeight), kDim);
     double dx = f.box.origin.x, dy = f.box.origin.y;
     cv.fill(f.box, kAlertBackground, 14);
-    cv.text(s->title, offset(f.title, dx, dy), {17, ui::Weight::Semibold}, ui::kLabel, Align::Center);
-    cv.text(s->message, offset(f.message, dx, dy), {13, ui::Weight::Regular}, ui::kLabel, Align::Center);
+    cv.text(s->title, offset(f.title, dx, dy), {17, ui::Weight::Semibold}, ui::kLabel,
+            Align::Center);
+    cv.text(s->message, offset(f.message, dx, dy), {13, ui::Weight::Regular}, ui::kLabel,
+            Align::Center);
     for (std::size_t i = 0; i < f.fields.size(); ++i) field(s, i, offset(f.fields[i], dx, dy));
-    if (Id picker = alertTimePicker(a)) wheels(extra<DatePickerState>(picker), offset(f.picker, dx, dy));
+    if (Id picker = alertTimePicker(a))
+      wheels(extra<DatePickerState>(picker), offset(f.picker, dx, dy));
     for (std::size_t i = 0; i < f.buttons.size(); ++i) {
       rt::CGRect b = offset(f.buttons[i], dx, dy);
       cv.line(b.origin, {b.origin.x + b.size.width, b.origin.y}, kSeparator, 0.5);
-      if (f.buttons.size() == 2 && i == 1) cv.line(b.origin, {b.origin.x, bottom(b)}, kSeparator, 0.5);
+      if (f.buttons.size() == 2 && i == 1)
+        cv.line(b.origin, {b.origin.x, bottom(b)}, kSeparator, 0.5);
       const AlertAction& action = s->actions[i];
       ui::Color c = action.style == ui::ActionStyle::Destructive ? kSystemRed : ui::kSystemBlue;
-      ui::Weight w = action.style == ui::ActionStyle::Cancel ? ui::Weight::Semibold : ui::Weight::Regular;
+      ui::Weight w =
+          action.style == ui::ActionStyle::Cancel ? ui::Weight::Semibold : ui::Weight::Regular;
       cv.text(action.title, b, {17, w}, c, Align::Center, true, true);
     }
   }
@@ -295,14 +335,18 @@ struct Painter {
     cv.stroke(r, kSeparator, 0.5, 6);
     std::string text = viewState(s->textFields[i])->text;
     const ui::TextFieldSpec& spec = s->fieldSpecs[i];
-    if (spec.secure) text = [&] {
-      std::string dots;
-      for (std::size_t n = 0; n < text.size(); ++n) dots += "•";
-      return dots;
-    }();
+    if (spec.secure)
+      text = [&] {
+        std::string dots;
+        for (std::size_t n = 0; n < text.size(); ++n) dots += "•";
+        return dots;
+      }();
     rt::CGRect inner = rect(r.origin.x + 6, r.origin.y, r.size.width - 12, r.size.height);
-    if (text.empty()) cv.text(spec.placeholder, inner, {13, ui::Weight::Regular}, ui::kTertiaryLabel, Align::Left, true, true);
-    else cv.text(text, inner, {13, ui::Weight::Regular}, ui::kLabel, Align::Left, true, true);
+    if (text.empty())
+      cv.text(spec.placeholder, inner, {13, ui::Weight::Regular}, ui::kTertiaryLabel, Align::Left,
+              true, true);
+    else
+      cv.text(text, inner, {13, ui::Weight::Regular}, ui::kLabel, Align::Left, true, true);
   }
 
   // The time wheel: the chosen hour and minute in the band, their
@@ -318,22 +362,28 @@ struct Painter {
       std::snprintf(hour, sizeof hour, "%02ld", (p.hour + d + 24) % 24);
       std::snprintf(minute, sizeof minute, "%02ld", (p.minute + d + 60) % 60);
       ui::Font font{d == 0 ? 21.0 : 18.0, ui::Weight::Regular};
-      cv.text(hour, rect(r.origin.x + r.size.width / 2 - 70, y, 60, rowH), font, c, Align::Right, true, true);
-      cv.text(minute, rect(r.origin.x + r.size.width / 2 + 10, y, 60, rowH), font, c, Align::Left, true, true);
+      cv.text(hour, rect(r.origin.x + r.size.width / 2 - 70, y, 60, rowH), font, c, Align::Right,
+              true, true);
+      cv.text(minute, rect(r.origin.x + r.size.width / 2 + 10, y, 60, rowH), font, c, Align::Left,
+              true, true);
     }
-    cv.text(":", rect(r.origin.x, mid - rowH / 2, r.size.width, rowH), {21, ui::Weight::Regular}, ui::kLabel, Align::Center, true, true);
+    cv.text(":", rect(r.origin.x, mid - rowH / 2, r.size.width, rowH), {21, ui::Weight::Regular},
+            ui::kLabel, Align::Center, true, true);
   }
 
   void presented(Id root) {
     for (Id c = root; c;) {
       ControllerState& s = *controllerState(c);
       if (Id p = s.presented) {
-        if (alertState(p)) alert(p);
-        else sheet(p);
+        if (alertState(p))
+          alert(p);
+        else
+          sheet(p);
         c = p;
       } else if (rt::isKindOf(c, "UINavigationController") && !s.viewControllers.empty()) {
         c = s.viewControllers.back();
-      } else if (rt::isKindOf(c, "UITabBarController") && s.selectedIndex >= 0 && s.selectedIndex < long(s.viewControllers.size())) {
+      } else if (rt::isKindOf(c, "UITabBarController") && s.selectedIndex >= 0 &&
+                 s.selectedIndex < long(s.viewControllers.size())) {
         c = s.viewControllers[std::size_t(s.selectedIndex)];
       } else {
         break;

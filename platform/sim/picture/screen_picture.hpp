@@ -22,12 +22,12 @@ struct DrawnRow {
 struct Picture {
   int width = 0, height = 0;  // pixels
   double scale = 3;
-  long unknownGlyphs = 0;     // glyphs no font had: drawn as boxes
+  long unknownGlyphs = 0;  // glyphs no font had: drawn as boxes
   std::set<std::string> symbols;
   std::vector<std::string> texts;
   std::vector<DrawnRow> rows;
-  std::vector<std::uint32_t> pixels;  // ARGB, row by row
-  std::string png;                    // with the symbols' names in a tEXt chunk
+  std::vector<std::uint32_t> pixels;              // ARGB, row by row
+  std::string png;                                // with the symbols' names in a tEXt chunk
   std::uint32_t pixel(double x, double y) const;  // at a point
 };
 

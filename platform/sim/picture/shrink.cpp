@@ -38,7 +38,8 @@ std::string shrunk(const std::string& png, int width) {
   if (cairo_surface_status(source) == CAIRO_STATUS_SUCCESS && width > 0) {
     int w = cairo_image_surface_get_width(source), h = cairo_image_surface_get_height(source);
     double factor = double(width) / w;
-    cairo_surface_t* target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, int(h * factor + 0.5));
+    cairo_surface_t* target =
+        cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, int(h * factor + 0.5));
     cairo_t* cr = cairo_create(target);
     cairo_scale(cr, factor, factor);
     cairo_set_source_surface(cr, source, 0, 0);

@@ -38,9 +38,12 @@ Id connectedScenes(Id self, SEL) { return rt::set({app(self).scene}); }
 Id applicationWindows(Id self, SEL) { return rt::array(app(self).windows); }
 long applicationState(Id, SEL) {
   switch (currentProcess().appState()) {
-    case AppState::Active: return 0;
-    case AppState::Background: return 2;
-    default: return 1;
+    case AppState::Active:
+      return 0;
+    case AppState::Background:
+      return 2;
+    default:
+      return 1;
   }
 }
 Id sceneWindows(Id, SEL) { return rt::array(app(sharedApplication()).windows); }
@@ -124,11 +127,15 @@ Id topController() {
     if (viewState(w)->keyWindow) top = viewState(w)->rootViewController;
   while (top) {
     ControllerState& s = *controllerState(top);
-    if (s.presented) top = s.presented;
-    else if (rt::isKindOf(top, "UINavigationController") && !s.viewControllers.empty()) top = s.viewControllers.back();
-    else if (rt::isKindOf(top, "UITabBarController") && s.selectedIndex < long(s.viewControllers.size()))
+    if (s.presented)
+      top = s.presented;
+    else if (rt::isKindOf(top, "UINavigationController") && !s.viewControllers.empty())
+      top = s.viewControllers.back();
+    else if (rt::isKindOf(top, "UITabBarController") &&
+             s.selectedIndex < long(s.viewControllers.size()))
       top = s.viewControllers[std::size_t(s.selectedIndex)];
-    else break;
+    else
+      break;
   }
   return top;
 }

@@ -67,7 +67,9 @@ Id initWithRootViewController(Id self, SEL, Id root) {
 }
 Id viewControllers(Id self, SEL) { return rt::array(c(self).viewControllers); }
 void setViewControllers(Id self, SEL, Id list) { setStack(self, rt::elements(list)); }
-Id topViewController(Id self, SEL) { return c(self).viewControllers.empty() ? nullptr : c(self).viewControllers.back(); }
+Id topViewController(Id self, SEL) {
+  return c(self).viewControllers.empty() ? nullptr : c(self).viewControllers.back();
+}
 Id visibleViewController(Id self, SEL) {
   if (Id p = c(self).presented) return p;
   return topViewController(self, nullptr);

@@ -46,7 +46,10 @@ long recognizerState(Id self, SEL) { return gestureOf(self).state; }
 void registerInteraction(Runtime&) {
   ClassBuilder("UIAlertController", "UIViewController").build();
   ClassBuilder("UIAlertAction").build();
-  ClassBuilder("UITextField", "UIView").method("text", textFieldText).method("setText:", setTextFieldText).build();
+  ClassBuilder("UITextField", "UIView")
+      .method("text", textFieldText)
+      .method("setText:", setTextFieldText)
+      .build();
   ClassBuilder("UIGestureRecognizer").method("state", recognizerState).build();
   ClassBuilder("UILongPressGestureRecognizer", "UIGestureRecognizer").build();
   ClassBuilder("UITapGestureRecognizer", "UIGestureRecognizer").build();
@@ -57,7 +60,8 @@ AlertState* alertState(Id alert) {
 }
 
 GestureState* gestureState(Id recognizer) {
-  return recognizer && rt::isKindOf(recognizer, "UIGestureRecognizer") ? &gestureOf(recognizer) : nullptr;
+  return recognizer && rt::isKindOf(recognizer, "UIGestureRecognizer") ? &gestureOf(recognizer)
+                                                                       : nullptr;
 }
 
 void dismissPresented(Id controller) {
@@ -67,7 +71,8 @@ void dismissPresented(Id controller) {
     c.presenting = nullptr;
     disappear(controller);
     AlertState* a = alertState(controller);
-    if (a && !a->actionTaken && a->onGoneWithoutAction) std::exchange(a->onGoneWithoutAction, nullptr)();
+    if (a && !a->actionTaken && a->onGoneWithoutAction)
+      std::exchange(a->onGoneWithoutAction, nullptr)();
   }
 }
 
@@ -110,7 +115,8 @@ void addTextField(rt::Id alert, const TextFieldSpec& spec) {
   a.fieldSpecs.push_back(spec);
 }
 
-void addAction(rt::Id alert, const std::string& title, ActionStyle style, std::function<void()> handler) {
+void addAction(rt::Id alert, const std::string& title, ActionStyle style,
+               std::function<void()> handler) {
   sim::alertOf(alert).actions.push_back({title, style, std::move(handler)});
 }
 
@@ -122,7 +128,9 @@ std::string textFieldText(rt::Id alert, long index) {
 
 bool present(rt::Id presenter, rt::Id controller, bool) {
   if (!presenter) return false;
-  if (!controller) rt::raise("NSInvalidArgumentException", "Application tried to present a nil modal view controller");
+  if (!controller)
+    rt::raise("NSInvalidArgumentException",
+              "Application tried to present a nil modal view controller");
   // UIKit refuses to present on a controller that is already presenting.
   const sim::ControllerState& target = *sim::controllerState(presenter);
   if (target.presented || target.inTransition) return false;
@@ -138,7 +146,9 @@ void impact(ImpactStyle style) {
   sim::currentProcess().platform().haptics.push_back("impact " + std::to_string(int(style)));
 }
 
-bool canEvaluateBiometrics() { return sim::currentProcess().device().biometrics != sim::Biometrics::None; }
+bool canEvaluateBiometrics() {
+  return sim::currentProcess().device().biometrics != sim::Biometrics::None;
+}
 
 void evaluateBiometrics(const BiometricRequest& request, std::function<void(bool success)> reply) {
   sim::PlatformState& p = sim::currentProcess().platform();

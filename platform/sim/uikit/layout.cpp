@@ -16,7 +16,7 @@ namespace {
 
 using rt::Id;
 
-constexpr double kInset = 16;             // an inset group's margin
+constexpr double kInset = 16;  // an inset group's margin
 constexpr ui::Font kSectionText{13, ui::Weight::Regular};
 constexpr double kAlertWidth = 270;
 
@@ -90,13 +90,15 @@ TableFrame layoutTable(Id table, rt::CGRect frame, double topInset, const Measur
       RowFrame rf;
       rf.row = s.rows[i];
       double aw = accessoryWidth(rf.row);
-      double textWidth = width - 2 * kInset - (aw > 0 ? aw + 8 : 0) - (rf.row.cell && findExtra<CellState>(rf.row.cell) &&
-                                                                             findExtra<CellState>(rf.row.cell)->spec.image
-                                                                         ? 44
-                                                                         : 0);
+      double textWidth = width - 2 * kInset - (aw > 0 ? aw + 8 : 0) -
+                         (rf.row.cell && findExtra<CellState>(rf.row.cell) &&
+                                  findExtra<CellState>(rf.row.cell)->spec.image
+                              ? 44
+                              : 0);
       double h = rowHeight(rf.row, textWidth, measure);
       rf.frame = rect(margin, y, width, h);
-      rf.accessory = rect(margin + width - kInset - aw, y + (h - (aw > 14 ? 31 : 14)) / 2, aw, aw > 14 ? 31 : 14);
+      rf.accessory = rect(margin + width - kInset - aw, y + (h - (aw > 14 ? 31 : 14)) / 2, aw,
+                          aw > 14 ? 31 : 14);
       rf.firstInGroup = i == 0;
       rf.lastInGroup = i + 1 == s.rows.size();
       if (rf.row.cell) viewState(rf.row.cell)->frame = rf.frame;
@@ -144,8 +146,10 @@ AlertFrame layoutAlert(Id alert, const MeasureText& measure) {
   if (!a->textFields.empty()) y += 8;
   std::size_t n = a->actions.size();
   for (std::size_t i = 0; i < n; ++i) {
-    if (n == 2) f.buttons.push_back(rect(i * kAlertWidth / 2, y, kAlertWidth / 2, 44));
-    else f.buttons.push_back(rect(0, y + 44 * double(i), kAlertWidth, 44));
+    if (n == 2)
+      f.buttons.push_back(rect(i * kAlertWidth / 2, y, kAlertWidth / 2, 44));
+    else
+      f.buttons.push_back(rect(0, y + 44 * double(i), kAlertWidth, 44));
   }
   y += n == 2 ? 44 : 44 * double(n);
   if (y < minHeight) {

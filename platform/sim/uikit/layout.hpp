@@ -21,7 +21,8 @@ inline constexpr double kStatusBarHeight = 47, kNavBarHeight = 44, kTabBarHeight
 inline constexpr double kSearchBarHeight = 52;
 
 // The height `text` takes in `font` wrapped to `width` points.
-using MeasureText = std::function<double(const std::string& text, const ui::Font& font, double width)>;
+using MeasureText =
+    std::function<double(const std::string& text, const ui::Font& font, double width)>;
 
 struct RowFrame {
   ShownRow row;
@@ -48,11 +49,11 @@ struct TableFrame {
 TableFrame layoutTable(rt::Id table, rt::CGRect frame, double topInset, const MeasureText& measure);
 
 struct AlertFrame {
-  rt::CGRect box;                     // centred on the screen
+  rt::CGRect box;  // centred on the screen
   rt::CGRect title, message;
   std::vector<rt::CGRect> fields;
-  rt::CGRect picker;                  // empty without a time wheel
-  std::vector<rt::CGRect> buttons;    // side by side for two, stacked otherwise
+  rt::CGRect picker;                // empty without a time wheel
+  std::vector<rt::CGRect> buttons;  // side by side for two, stacked otherwise
 };
 AlertFrame layoutAlert(rt::Id alert, const MeasureText& measure);
 

@@ -37,7 +37,8 @@ rt::CGPoint absoluteOrigin(Id view) {
 Id hitTest(Id view, rt::CGPoint point) {
   ViewState& v = *viewState(view);
   if (v.hidden || v.alpha < 0.01 || !v.userInteraction) return nullptr;
-  if (point.x < 0 || point.y < 0 || point.x > v.frame.size.width || point.y > v.frame.size.height) return nullptr;
+  if (point.x < 0 || point.y < 0 || point.x > v.frame.size.width || point.y > v.frame.size.height)
+    return nullptr;
   for (auto it = v.subviews.rbegin(); it != v.subviews.rend(); ++it) {
     rt::CGRect f = viewState(*it)->frame;
     if (Id hit = hitTest(*it, {point.x - f.origin.x, point.y - f.origin.y})) return hit;
@@ -111,7 +112,9 @@ void registerScreens() {
 namespace ui {
 
 void presentPageSheet(rt::Id presenter, rt::Id navigation, const SheetSpec& spec, bool animated) {
-  if (!navigation) rt::raise("NSInvalidArgumentException", "Application tried to present a nil modal view controller");
+  if (!navigation)
+    rt::raise("NSInvalidArgumentException",
+              "Application tried to present a nil modal view controller");
   sim::ScreenState& s = sim::extra<sim::ScreenState>(navigation);
   s.modalPresentationStyle = 1;  // UIModalPresentationPageSheet
   s.largeDetentOnly = spec.largeDetentOnly;
@@ -130,7 +133,8 @@ void dismiss(rt::Id controller, bool animated, std::function<void()> completion)
   if (completion) sys::after(animated ? 0.3 : 0, std::move(completion));
 }
 
-void setLeftBarButton(rt::Id controller, const std::string& title, BarButtonStyle style, std::function<void()> action) {
+void setLeftBarButton(rt::Id controller, const std::string& title, BarButtonStyle style,
+                      std::function<void()> action) {
   sim::ScreenState& s = sim::extra<sim::ScreenState>(controller);
   s.leftTitle = title;
   s.leftStyle = long(style);
@@ -141,7 +145,9 @@ void setNavigationTint(rt::Id navigation, Color tint) {
   if (navigation) sim::extra<sim::ScreenState>(navigation).tint = tint;
 }
 
-void setViewBackground(rt::Id controller, Color color) { sim::extra<sim::ScreenState>(controller).background = color; }
+void setViewBackground(rt::Id controller, Color color) {
+  sim::extra<sim::ScreenState>(controller).background = color;
+}
 
 double screenWidth() { return 390; }
 double screenScale() { return 3; }
@@ -168,7 +174,8 @@ void addPickerToAlert(rt::Id alert, rt::Id picker, const PickerLayout& layout) {
   sim::viewState(picker)->frame = rt::CGRect{{(270 - 320) / 2.0, layout.top}, {320, layout.height}};
 }
 
-rt::Id installSearch(rt::Id controller, const SearchSpec& spec, std::function<void(const std::string&)> update) {
+rt::Id installSearch(rt::Id controller, const SearchSpec& spec,
+                     std::function<void(const std::string&)> update) {
   rt::Id search = sim::newObject("UISearchController");
   sim::SearchState& s = sim::extra<sim::SearchState>(search);
   s.spec = spec;
@@ -177,7 +184,8 @@ rt::Id installSearch(rt::Id controller, const SearchSpec& spec, std::function<vo
   return search;
 }
 
-rt::Id addTap(rt::Id view, bool cancelsTouchesInView, std::function<void(rt::Id recognizer)> action) {
+rt::Id addTap(rt::Id view, bool cancelsTouchesInView,
+              std::function<void(rt::Id recognizer)> action) {
   rt::Id g = sim::newObject("UITapGestureRecognizer");
   sim::GestureState& s = *sim::gestureState(g);
   s.cancelsTouchesInView = cancelsTouchesInView;

@@ -49,12 +49,14 @@ Id dequeueReusable(Id, SEL, Id) { return nullptr; }  // a fresh table has nothin
 
 rt::IMP hostReloadData = nullptr;
 long askRows(Id table, long section) {
-  return rt::send<long>(rt::send<Id>(table, "dataSource"), "tableView:numberOfRowsInSection:", table, section);
+  return rt::send<long>(rt::send<Id>(table, "dataSource"),
+                        "tableView:numberOfRowsInSection:", table, section);
 }
 long askSections(Id table) {
   Id ds = rt::send<Id>(table, "dataSource");
-  return rt::respondsTo(ds, rt::sel("numberOfSectionsInTableView:")) ? rt::send<long>(ds, "numberOfSectionsInTableView:", table)
-                                                                      : 1;
+  return rt::respondsTo(ds, rt::sel("numberOfSectionsInTableView:"))
+             ? rt::send<long>(ds, "numberOfSectionsInTableView:", table)
+             : 1;
 }
 void recordCounts(Id table) {
   TableState& t = extra<TableState>(table);
@@ -74,7 +76,8 @@ void setSwitchOn(Id self, SEL, bool on) { extra<SwitchState>(self).on = on; }
 std::string mismatch(long section, long before, long after, long deleted) {
   char buf[200];
   std::snprintf(buf, sizeof buf,
-                "Invalid update: invalid number of rows in section %ld. The number of rows contained in an existing "
+                "Invalid update: invalid number of rows in section %ld. The number of rows "
+                "contained in an existing "
                 "section after the update (%ld) must be equal to %ld minus %ld deleted",
                 section, after, before, deleted);
   return buf;
@@ -96,7 +99,10 @@ void registerTables() {
       .build();
   ClassBuilder("UITableViewCell", "UIView").build();
   ClassBuilder("UIControl", "UIView").build();
-  ClassBuilder("UISwitch", "UIControl").method("isOn", switchOn).method("setOn:", setSwitchOn).build();
+  ClassBuilder("UISwitch", "UIControl")
+      .method("isOn", switchOn)
+      .method("setOn:", setSwitchOn)
+      .build();
   ClassBuilder("UIContextualAction").build();
   ClassBuilder("UISwipeActionsConfiguration").build();
   rt::Class table = rt::getClass("UITableView");
@@ -122,12 +128,16 @@ rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id 
   base::decodeUtf8(title, first);
   std::uint32_t hash = 2166136261u;
   for (unsigned char ch : detail.empty() ? title : detail) hash = (hash ^ ch) * 16777619u;
-  ui::Color tint{0.35 + 0.4 * double(hash % 7) / 6, 0.55 + 0.3 * double(hash / 7 % 5) / 4, 0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
+  ui::Color tint{0.35 + 0.4 * double(hash % 7) / 6, 0.55 + 0.3 * double(hash / 7 % 5) / 4,
+                 0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
   ui::Font initialFont{16, ui::Weight::Semibold};
   rt::CGSize size = ui::textSize(title.substr(0, first), initialFont);
   c.spec.image = ui::renderImage({34, 34}, 0, true,
                                  {ui::FillRect{{{0, 0}, {34, 34}}, tint, 6},
-                                  ui::DrawText{title.substr(0, first), {(34 - size.width) / 2, (34 - size.height) / 2}, initialFont, ui::kWhite}});
+                                  ui::DrawText{title.substr(0, first),
+                                               {(34 - size.width) / 2, (34 - size.height) / 2},
+                                               initialFont,
+                                               ui::kWhite}});
   return cell;
 }
 
@@ -150,9 +160,11 @@ std::vector<ShownSection> showTable(rt::Id table) {
   for (long s = 0, n = askSections(table); s < n; ++s) {
     ShownSection sec;
     if (rt::respondsTo(ds, rt::sel("tableView:titleForHeaderInSection:")))
-      sec.header = rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, s)).value_or("");
+      sec.header = rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, s))
+                       .value_or("");
     if (rt::respondsTo(ds, rt::sel("tableView:titleForFooterInSection:")))
-      sec.footer = rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, s)).value_or("");
+      sec.footer = rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, s))
+                       .value_or("");
     for (long r = 0, rows = askRows(table, s); r < rows; ++r) {
       ShownRow row;
       Id ip = indexPathOf(s, r);
@@ -160,7 +172,8 @@ std::vector<ShownSection> showTable(rt::Id table) {
                        ? rt::send<double>(dl, "tableView:heightForRowAtIndexPath:", table, ip)
                        : (t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44);
       row.cell = rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", table, ip);
-      if (!row.cell) rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
+      if (!row.cell)
+        rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
       const ui::CellSpec& spec = extra<CellState>(row.cell).spec;
       row.title = spec.title;
       row.detail = spec.detail;
@@ -186,8 +199,8 @@ bool selectRow(rt::Id table, long section, long row) {
 
 bool flipSwitch(rt::Id table, long section, long row, bool on) {
   if (!rowExists(table, section, row)) return false;
-  Id cell = rt::send<Id>(rt::send<Id>(table, "dataSource"), "tableView:cellForRowAtIndexPath:", table,
-                         indexPathOf(section, row));
+  Id cell = rt::send<Id>(rt::send<Id>(table, "dataSource"),
+                         "tableView:cellForRowAtIndexPath:", table, indexPathOf(section, row));
   CellState* c = findExtra<CellState>(cell);
   Id sw = c ? c->spec.accessoryView : nullptr;
   if (!sw || !rt::isKindOf(sw, "UISwitch")) return false;
@@ -208,9 +221,11 @@ bool swipeDelete(rt::Id table, long section, long row) {
                       ? rt::send<bool>(ds, "tableView:canEditRowAtIndexPath:", table, ip)
                       : commits;
   if (!editable) return false;
-  Id config = rt::respondsTo(dl, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"))
-                  ? rt::send<Id>(dl, "tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:", table, ip)
-                  : nullptr;
+  Id config =
+      rt::respondsTo(dl, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"))
+          ? rt::send<Id>(dl, "tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:", table,
+                         ip)
+          : nullptr;
   if (SwipeState* swipe = findExtra<SwipeState>(config)) {
     if (auto handler = swipe->handler) handler([](bool) {});
     return true;
@@ -264,31 +279,39 @@ void reloadSection(rt::Id table, long section, RowAnimation) {
   if (t.countsKnown && sections != long(t.rowCounts.size()))
     rt::raise("NSInternalInconsistencyException", "Invalid update: invalid number of sections");
   if (section < 0 || section >= sections)
-    rt::raise("NSInternalInconsistencyException", "attempt to reload section " + std::to_string(section) + " that does not exist");
+    rt::raise("NSInternalInconsistencyException",
+              "attempt to reload section " + std::to_string(section) + " that does not exist");
   sim::recordCounts(table);
 }
 
 void deleteRow(rt::Id table, long section, long row, RowAnimation) {
   sim::TableState& t = sim::extra<sim::TableState>(table);
-  if (!t.countsKnown || section >= long(t.rowCounts.size()) || row < 0 || row >= t.rowCounts[std::size_t(section)])
-    rt::raise("NSInternalInconsistencyException", "attempt to delete row " + std::to_string(row) + " from section " +
-                                                      std::to_string(section) + " which does not exist");
+  if (!t.countsKnown || section >= long(t.rowCounts.size()) || row < 0 ||
+      row >= t.rowCounts[std::size_t(section)])
+    rt::raise("NSInternalInconsistencyException", "attempt to delete row " + std::to_string(row) +
+                                                      " from section " + std::to_string(section) +
+                                                      " which does not exist");
   long before = t.rowCounts[std::size_t(section)];
   long after = sim::askRows(table, section);
-  if (after != before - 1) rt::raise("NSInternalInconsistencyException", sim::mismatch(section, before, after, 1));
+  if (after != before - 1)
+    rt::raise("NSInternalInconsistencyException", sim::mismatch(section, before, after, 1));
   sim::recordCounts(table);
 }
 
-void styleTable(rt::Id table, const TableLook& look) { sim::extra<sim::TableState>(table).look = look; }
+void styleTable(rt::Id table, const TableLook& look) {
+  sim::extra<sim::TableState>(table).look = look;
+}
 
-rt::Id setStackedHeader(rt::Id table, double width, double margin, const std::vector<HeaderLine>& lines) {
+rt::Id setStackedHeader(rt::Id table, double width, double margin,
+                        const std::vector<HeaderLine>& lines) {
   rt::Id header = sim::newObject("UIView");
   sim::TableState& t = sim::extra<sim::TableState>(table);
   t.headerLines.clear();
   double height = 0;
   for (const HeaderLine& l : lines) {
     rt::Id label = makeLabel(l.text, LabelStyle{l.font, l.color, {0, 0, 0, 0}, true, 0, false, 0});
-    rt::send<void>(label, "setFrame:", rt::CGRect{{margin, height}, {width - 2 * margin, l.font.size * 1.2}});
+    rt::send<void>(
+        label, "setFrame:", rt::CGRect{{margin, height}, {width - 2 * margin, l.font.size * 1.2}});
     rt::send<void>(header, "addSubview:", label);
     height += textSize(l.text, l.font).height + 4;
     t.headerLines.push_back(l.text);

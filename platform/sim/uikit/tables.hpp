@@ -57,7 +57,7 @@ struct TableState {
   std::vector<long> rowCounts;  // as last asked: the basis of UIKit's update checks
   bool countsKnown = false;
 };
-struct ScreenState {  // a view controller's navigation item and presentation
+struct ScreenState {                 // a view controller's navigation item and presentation
   long modalPresentationStyle = -2;  // UIModalPresentationAutomatic
   bool largeDetentOnly = false, grabberVisible = false, prefersLargeTitles = true;
   std::string leftTitle;

@@ -26,9 +26,9 @@ struct ViewState {
   rt::Id superview = nullptr;
   std::vector<rt::Id> subviews;
   std::vector<rt::Id> gestureRecognizers;
-  std::string text;                  // UILabel
-  std::string style;                 // a label's look, as the system set it
-  ui::LabelStyle look;               // the same look, for drawing
+  std::string text;                     // UILabel
+  std::string style;                    // a label's look, as the system set it
+  ui::LabelStyle look;                  // the same look, for drawing
   rt::Id rootViewController = nullptr;  // UIWindow
   bool keyWindow = false;               // UIWindow
   // UITableView

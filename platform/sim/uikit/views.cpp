@@ -36,9 +36,12 @@ double alpha(Id self, SEL) { return v(self).alpha; }
 void setAlpha(Id self, SEL, double a) { v(self).alpha = a; }
 bool isUserInteractionEnabled(Id self, SEL) { return v(self).userInteraction; }
 void setUserInteractionEnabled(Id self, SEL, bool on) { v(self).userInteraction = on; }
-Id gestureRecognizers(Id self, SEL) { return v(self).gestureRecognizers.empty() ? nullptr : rt::array(v(self).gestureRecognizers); }
+Id gestureRecognizers(Id self, SEL) {
+  return v(self).gestureRecognizers.empty() ? nullptr : rt::array(v(self).gestureRecognizers);
+}
 void addGestureRecognizer(Id self, SEL, Id g) {
-  if (g && std::find(v(self).gestureRecognizers.begin(), v(self).gestureRecognizers.end(), g) == v(self).gestureRecognizers.end())
+  if (g && std::find(v(self).gestureRecognizers.begin(), v(self).gestureRecognizers.end(), g) ==
+               v(self).gestureRecognizers.end())
     v(self).gestureRecognizers.push_back(g);
 }
 void removeGestureRecognizer(Id self, SEL, Id g) { std::erase(v(self).gestureRecognizers, g); }
@@ -91,7 +94,8 @@ void reloadData(Id self, SEL) {
     long rows = rt::send<long>(ds, "tableView:numberOfRowsInSection:", self, s);
     std::vector<Id> shown;
     for (long r = 0; r < rows && onScreen > 0; ++r, --onScreen)
-      shown.push_back(rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", self, rt::indexPath(r, s)));
+      shown.push_back(
+          rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", self, rt::indexPath(r, s)));
     t.shownRows.push_back(std::move(shown));
   }
 }
@@ -128,7 +132,10 @@ void registerViews(Runtime&) {
       .method("isKeyWindow", isKeyWindow)
       .method("makeKeyAndVisible", makeKeyAndVisible)
       .build();
-  ClassBuilder("UIScrollView", "UIView").method("isDragging", isDragging).method("isDecelerating", isDecelerating).build();
+  ClassBuilder("UIScrollView", "UIView")
+      .method("isDragging", isDragging)
+      .method("isDecelerating", isDecelerating)
+      .build();
   ClassBuilder("UITableView", "UIScrollView")
       .method("dataSource", dataSource)
       .method("setDataSource:", setDataSource)
