@@ -121,7 +121,7 @@ TEST_F(Entry, LabelsAreMatchedByHintWordsOrADottedNumber) {
   EXPECT_TRUE(QBEntryHooks::isVersionText("VeRsIoN", ""));
   EXPECT_TRUE(QBEntryHooks::isVersionText("v12.3", ""));
   EXPECT_TRUE(QBEntryHooks::isVersionText("release r42", "r42"));
-  EXPECT_FALSE(QBEntryHooks::isVersionText("微信 WeChat", "8.0.50"));
+  EXPECT_FALSE(QBEntryHooks::isVersionText("关于 About", "8.0.50"));
   EXPECT_FALSE(QBEntryHooks::isVersionText("2011-2026", ""));
   EXPECT_FALSE(QBEntryHooks::isVersionText("12", ""));
   EXPECT_FALSE(QBEntryHooks::isVersionText("", ""));
