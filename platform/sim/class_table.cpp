@@ -3,7 +3,7 @@
 namespace sim {
 
 rt::Class ClassTable::find(std::string_view name) const {
-  auto it = byName_.find(std::string(name));
+  auto it = byName_.find(name);
   return it != byName_.end() && it->second->registered ? it->second : nullptr;
 }
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "sim/object.hpp"
+#include "sim/string_map.hpp"
 
 namespace sim {
 
@@ -37,7 +38,7 @@ class ClassTable {
   rt::Class newRecord(std::string_view name, rt::Class super, bool meta);
 
   std::deque<rt::ClassData> classes_;
-  std::unordered_map<std::string, rt::Class> byName_;
+  StringMap<rt::Class> byName_;
   std::atomic<std::uint64_t>& serials_;
 };
 

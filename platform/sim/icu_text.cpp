@@ -69,8 +69,30 @@ UCollator* collatorFor(const std::string& locale) {
 
 }  // namespace
 
-std::string icuLowercase(std::string_view utf8) { return mapCase(utf8, u_strToLower); }
-std::string icuUppercase(std::string_view utf8) { return mapCase(utf8, u_strToUpper); }
+// ASCII text maps the same under the root locale and is the common case (keys,
+// identifiers, English words), so it skips the round trip through UTF-16.
+template <typename Ascii>
+bool mapAscii(std::string_view utf8, std::string& out, Ascii ascii) {
+  for (char c : utf8)
+    if (static_cast<unsigned char>(c) >= 0x80) return false;
+  out.resize(utf8.size());
+  for (std::size_t i = 0; i < utf8.size(); ++i) out[i] = ascii(utf8[i]);
+  return true;
+}
+
+std::string icuLowercase(std::string_view utf8) {
+  std::string out;
+  if (mapAscii(utf8, out, [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; }))
+    return out;
+  return mapCase(utf8, u_strToLower);
+}
+
+std::string icuUppercase(std::string_view utf8) {
+  std::string out;
+  if (mapAscii(utf8, out, [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; }))
+    return out;
+  return mapCase(utf8, u_strToUpper);
+}
 
 int icuStandardCompare(std::string_view a, std::string_view b, const std::string& locale) {
   UErrorCode err = U_ZERO_ERROR;

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "sim/object.hpp"
+#include "sim/string_map.hpp"
 
 namespace sim {
 
@@ -37,8 +38,12 @@ class ObjectHeap {
   mutable std::mutex objectsMutex_;
   std::vector<std::unique_ptr<rt::Object>> objects_;
 
+  static std::uint64_t nextGeneration();
+
+  // Tells this heap's entries in the per-thread intern cache from a dead one's.
+  const std::uint64_t generation_ = nextGeneration();
   std::mutex internMutex_;
-  std::unordered_map<std::string, rt::Id> strings_;
+  StringMap<rt::Id> strings_;  // never erased: the cache points at its keys
   rt::Id null_ = nullptr, yes_ = nullptr, no_ = nullptr;
   std::unordered_map<long, rt::Id> smallIntegers_;
   std::map<std::pair<long, long>, rt::Id> indexPaths_;

@@ -1,6 +1,7 @@
 // The runtime facade on the simulated runtime: class and selector lookup,
 // method records, instance variables, class definition.
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include "rt/runtime.hpp"
 #include "sim/runtime.hpp"
+#include "sim/string_map.hpp"
 
 namespace rt {
 namespace {
@@ -16,7 +18,7 @@ namespace {
 // so they outlive any one simulated process.
 struct SelectorTable {
   std::mutex mutex;
-  std::unordered_map<std::string, std::unique_ptr<Selector>> byName;
+  sim::StringMap<std::unique_ptr<Selector>> byName;
 };
 
 SelectorTable& selectors() {
@@ -24,21 +26,37 @@ SelectorTable& selectors() {
   return table;
 }
 
-}  // namespace
-
-Class getClass(std::string_view name) { return sim::runtime().findClass(name); }
-
-SEL sel(std::string_view name) {
-  if (name.empty()) return nullptr;
+SEL registeredSel(std::string_view name) {
   SelectorTable& t = selectors();
   std::lock_guard lock(t.mutex);
-  auto it = t.byName.find(std::string(name));
+  auto it = t.byName.find(name);
   if (it != t.byName.end()) return it->second.get();
   auto s = std::make_unique<Selector>();
   s->name = std::string(name);
   SEL result = s.get();
   t.byName.emplace(std::string(name), std::move(s));
   return result;
+}
+
+}  // namespace
+
+Class getClass(std::string_view name) { return sim::runtime().findClass(name); }
+
+// Most names come from literals at the call site, so a per-thread cache keyed
+// by where the text lives skips the lock and the hash; a hit still compares
+// the text, so a reused buffer can never give the wrong selector.
+SEL sel(std::string_view name) {
+  if (name.empty()) return nullptr;
+  struct Slot {
+    const char* data = nullptr;
+    SEL sel = nullptr;
+  };
+  thread_local Slot cache[512];
+  Slot& slot = cache[(reinterpret_cast<std::uintptr_t>(name.data()) >> 3) % 512];
+  if (slot.data == name.data() && slot.sel->name == name) return slot.sel;
+  SEL s = registeredSel(name);
+  slot = {name.data(), s};
+  return s;
 }
 
 std::string_view selName(SEL s) { return s ? std::string_view(s->name) : std::string_view(); }

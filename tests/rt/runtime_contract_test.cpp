@@ -2,6 +2,8 @@
 // method exchange: before, after, with null arguments, and exchanged back.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -197,6 +199,34 @@ TEST_F(RuntimeContract, SelectorsAreUniqueAndOutliveProcesses) {
   EXPECT_EQ(rt::selName(nullptr), "");
 }
 
+// Selectors and strings are looked up by where their text lives; a buffer
+// that is reused for another name must still give that name.
+TEST_F(RuntimeContract, NamesInAReusedBufferGiveTheirOwnSelectorAndString) {
+  char buffer[32] = "one";
+  SEL one = rt::sel(std::string_view(buffer));
+  Id oneText = rt::str(std::string_view(buffer));
+  std::snprintf(buffer, sizeof buffer, "two");
+  EXPECT_EQ(rt::sel(std::string_view(buffer)), rt::sel("two"));
+  EXPECT_NE(rt::sel(std::string_view(buffer)), one);
+  EXPECT_EQ(rt::asString(rt::str(std::string_view(buffer))), "two");
+  EXPECT_NE(rt::str(std::string_view(buffer)), oneText);
+  EXPECT_EQ(rt::str(std::string_view(buffer, 2)), rt::str("tw")) << "same start, other length";
+}
+
+// A miss is remembered by the lookup caches; a method added afterwards, here
+// or on a superclass, must still be found.
+TEST_F(RuntimeContract, MethodsAddedAfterAMissAreFound) {
+  SEL late = rt::sel("late");
+  EXPECT_FALSE(rt::respondsTo(d, late));
+  EXPECT_FALSE(rt::respondsTo(d, late));
+  ASSERT_TRUE(rt::addMethod(base, late, reinterpret_cast<rt::IMP>(answerTen), "q16@0:8"));
+  EXPECT_TRUE(rt::respondsTo(d, late));
+  EXPECT_EQ(ask(d, "late"), 10);
+  ASSERT_TRUE(rt::addMethod(derived, late, reinterpret_cast<rt::IMP>(answerThree), "q16@0:8"));
+  EXPECT_EQ(ask(d, "late"), 3);
+  EXPECT_EQ(ask(b, "late"), 10);
+}
+
 TEST(RuntimeProcesses, EveryProcessStartsWithAnUnhookedRuntime) {
   sim::Device device;
   {
@@ -210,6 +240,30 @@ TEST(RuntimeProcesses, EveryProcessStartsWithAnUnhookedRuntime) {
   EXPECT_EQ(rt::getClass("Host"), nullptr);
   rt::Class c = sim::ClassBuilder("Host").method("one", answerOne).build();
   EXPECT_EQ(rt::send<long>(rt::send<Id>(c, "new"), "one"), 1);
+}
+
+// Caches that outlive a process must not hand its objects to the next one.
+// The processes are nested, so the first one's objects are still alive and
+// a stale answer would be a live, wrong object.
+TEST(RuntimeProcesses, InternedStringsAndLookupsBelongToTheirProcess) {
+  sim::Device device;
+  auto text = [] { return rt::str("interned"); };
+  sim::Process first(device);
+  Id firstText = text();
+  rt::Class firstHost = sim::ClassBuilder("Host").method("one", answerOne).build();
+  EXPECT_TRUE(rt::respondsTo(rt::send<Id>(firstHost, "new"), rt::sel("one")));
+  {
+    sim::Process second(device);
+    Id secondText = text();
+    EXPECT_NE(secondText, firstText);
+    EXPECT_TRUE(rt::isKindOf(secondText, "NSString"));
+    rt::Class host = sim::ClassBuilder("Host").method("two", answerOne).build();
+    Id obj = rt::send<Id>(host, "new");
+    EXPECT_FALSE(rt::respondsTo(obj, rt::sel("one")));
+    EXPECT_TRUE(rt::respondsTo(obj, rt::sel("two")));
+  }
+  EXPECT_EQ(text(), firstText);
+  EXPECT_FALSE(rt::respondsTo(rt::send<Id>(firstHost, "new"), rt::sel("two")));
 }
 
 }  // namespace
