@@ -29,7 +29,7 @@ for f in sorted(os.listdir(out)):
     for b in json.load(open(os.path.join(out, f)))["benchmarks"]:
         if b.get("aggregate_name") != "median":
             continue
-        name = b["run_name"]
+        name = b["run_name"].split("/iterations:")[0]  # a fixed count is not part of the name
         scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}[b["time_unit"]]
         median[name] = b["cpu_time"] * scale
         counters[name] = {k: v for k, v in b.items() if k in ("vs_host",)}
