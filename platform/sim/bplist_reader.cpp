@@ -1,7 +1,7 @@
 #include "sim/bplist_reader.hpp"
 
-#include <cstdint>
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -10,13 +10,18 @@
 namespace sim {
 namespace {
 
-struct Refused {};
-
 // Shared references can make a small file expand enormously; a settings file
 // never holds this many values.
 constexpr std::size_t kMaxValues = 2'000'000;
 constexpr int kMaxDepth = 512;
+// A count is only a claim until its items are read; damaged files claim large
+// ones and fail early, so room beyond this grows as items actually arrive.
+constexpr std::size_t kMaxReserve = 64;
 
+// A refusal is sticky rather than thrown: fuzzing feeds this mostly broken
+// files, and unwinding up to 512 frames of half-built containers for each of
+// them cost more than reading them. Every step returns early once `failed_`
+// is set, and the caller only looks at the result when it is not.
 class Reader {
  public:
   // Every value but the root is reached through a reference of at least one
@@ -24,75 +29,93 @@ class Reader {
   // multiply itself.
   explicit Reader(std::string_view b) : b_(b), maxValues_(std::min(kMaxValues, b.size())) {}
 
-  base::Value read() {
-    if (b_.size() < 8 + 32 || b_.substr(0, 8) != "bplist00") throw Refused{};
+  std::optional<base::Value> read() {
+    if (b_.size() < 8 + 32 || b_.substr(0, 8) != "bplist00") return std::nullopt;
     std::size_t t = b_.size() - 32;
     offsetSize_ = byte(t + 6);
     refSize_ = byte(t + 7);
     objects_ = unsignedAt(t + 8, 8);
     std::uint64_t top = unsignedAt(t + 16, 8);
     tableAt_ = unsignedAt(t + 24, 8);
-    if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1 || refSize_ > 8) throw Refused{};
-    if (objects_ == 0 || top >= objects_ || tableAt_ < 8 || tableAt_ >= t) throw Refused{};
-    if (objects_ > (t - tableAt_) / offsetSize_) throw Refused{};
-    return object(top, 0);
+    if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1 || refSize_ > 8) return std::nullopt;
+    if (objects_ == 0 || top >= objects_ || tableAt_ < 8 || tableAt_ >= t) return std::nullopt;
+    if (objects_ > (t - tableAt_) / offsetSize_) return std::nullopt;
+    base::Value root = object(top, 0);
+    if (failed_) return std::nullopt;
+    return root;
   }
 
  private:
-  unsigned byte(std::size_t at) const {
-    if (at >= b_.size()) throw Refused{};
+  base::Value refuse() { return fail(base::Value()); }
+
+  template <typename T>
+  T fail(T nothing) {
+    failed_ = true;
+    return nothing;
+  }
+
+  unsigned byte(std::size_t at) {
+    if (at >= b_.size()) return fail(0u);
     return static_cast<unsigned char>(b_[at]);
   }
 
-  std::uint64_t unsignedAt(std::size_t at, std::size_t n) const {
-    if (at > b_.size() || n > b_.size() - at) throw Refused{};
+  std::uint64_t unsignedAt(std::size_t at, std::size_t n) {
+    if (at > b_.size() || n > b_.size() - at) return fail<std::uint64_t>(0);
     std::uint64_t v = 0;
     for (std::size_t i = 0; i < n; ++i) v = (v << 8) | static_cast<unsigned char>(b_[at + i]);
     return v;
   }
 
-  std::size_t offsetOf(std::uint64_t ref) const {
-    if (ref >= objects_) throw Refused{};
+  // The offset of an object; 0 (never a valid offset) when refused.
+  std::size_t offsetOf(std::uint64_t ref) {
+    if (ref >= objects_) return fail<std::size_t>(0);
     std::uint64_t off = unsignedAt(tableAt_ + ref * offsetSize_, offsetSize_);
-    if (off < 8 || off >= tableAt_) throw Refused{};
+    if (failed_ || off < 8 || off >= tableAt_) return fail<std::size_t>(0);
     return static_cast<std::size_t>(off);
   }
 
   // The count of a collection or string: the low nibble, or an integer object after it.
-  std::uint64_t count(std::size_t& at, unsigned marker) const {
+  std::uint64_t count(std::size_t& at, unsigned marker) {
     std::uint64_t n = marker & 0x0F;
     ++at;
     if (n != 0x0F) return n;
     unsigned intMarker = byte(at);
-    if ((intMarker & 0xF0) != 0x10 || (intMarker & 0x0F) > 3) throw Refused{};
+    if ((intMarker & 0xF0) != 0x10 || (intMarker & 0x0F) > 3) return fail<std::uint64_t>(0);
     std::size_t width = std::size_t(1) << (intMarker & 0x0F);
     n = unsignedAt(at + 1, width);
     at += 1 + width;
     return n;
   }
 
-  void need(std::size_t at, std::uint64_t bytes) const {
-    if (at > tableAt_ || bytes > tableAt_ - at) throw Refused{};
+  bool fits(std::size_t at, std::uint64_t bytes) const {
+    return at <= tableAt_ && bytes <= tableAt_ - at;
+  }
+
+  // Where the object `ref` starts, counted against the limits; 0 when refused.
+  std::size_t enter(std::uint64_t ref, int depth) {
+    if (failed_ || depth > kMaxDepth || ++values_ > maxValues_) return fail<std::size_t>(0);
+    return offsetOf(ref);
   }
 
   base::Value object(std::uint64_t ref, int depth) {
-    if (depth > kMaxDepth || ++values_ > maxValues_) throw Refused{};
-    std::size_t at = offsetOf(ref);
+    std::size_t at = enter(ref, depth);
+    if (failed_) return base::Value();
     unsigned marker = byte(at);
     switch (marker >> 4) {
       case 0x0:
         if (marker == 0x08) return base::Value(false);
         if (marker == 0x09) return base::Value(true);
-        throw Refused{};  // null and fill bytes hold no settings value
+        return refuse();  // null and fill bytes hold no settings value
       case 0x1: {
         unsigned p = marker & 0x0F;
-        if (p > 4) throw Refused{};
+        if (p > 4) return refuse();
         std::size_t width = std::size_t(1) << p;
         if (width == 16) {  // 128-bit: only the low 64 bits can be a settings value
           std::uint64_t high = unsignedAt(at + 1, 8), low = unsignedAt(at + 9, 8);
+          if (failed_) return base::Value();
           if (high == 0 && low > std::uint64_t(INT64_MAX))
             return base::Value(static_cast<long long>(INT64_MAX));
-          if (high != 0 && high != ~std::uint64_t(0)) throw Refused{};
+          if (high != 0 && high != ~std::uint64_t(0)) return refuse();
           return base::Value(static_cast<long long>(low));
         }
         std::uint64_t v = unsignedAt(at + 1, width);
@@ -107,81 +130,102 @@ class Reader {
           std::memcpy(&f, &bits, 4);
           return base::Value(static_cast<double>(f));
         }
-        if (p != 3) throw Refused{};
+        if (p != 3) return refuse();
         return base::Value(realAt(at + 1));
       }
       case 0x3:
-        if (marker != 0x33) throw Refused{};
+        if (marker != 0x33) return refuse();
         return base::Value(base::Date{realAt(at + 1)});
       case 0x4: {
         std::uint64_t n = count(at, marker);
-        need(at, n);
+        if (failed_ || !fits(at, n)) return refuse();
         const auto* p = reinterpret_cast<const std::uint8_t*>(b_.data() + at);
         return base::Value(base::Data(p, p + n));
       }
-      case 0x5: {
-        std::uint64_t n = count(at, marker);
-        need(at, n);
-        std::string s(b_.substr(at, n));
-        for (char c : s)
-          if (static_cast<unsigned char>(c) > 0x7F) throw Refused{};
-        return base::Value(std::move(s));
-      }
+      case 0x5:
       case 0x6: {
-        std::uint64_t n = count(at, marker);
-        if (n > (tableAt_ - at) / 2) throw Refused{};
-        return base::Value(utf16(at, n));
+        std::string s;
+        if (!text(at, marker, s)) return refuse();
+        return base::Value(std::move(s));
       }
       case 0xA: {
         std::uint64_t n = count(at, marker);
-        if (n > (tableAt_ - at) / refSize_) throw Refused{};
+        if (failed_ || n > (tableAt_ - at) / refSize_) return refuse();
         base::Array items;
-        items.reserve(std::size_t(n));
-        for (std::uint64_t i = 0; i < n; ++i)
+        items.reserve(std::size_t(std::min<std::uint64_t>(n, kMaxReserve)));
+        for (std::uint64_t i = 0; i < n && !failed_; ++i)
           items.push_back(object(unsignedAt(at + i * refSize_, refSize_), depth + 1));
+        if (failed_) return base::Value();
         return base::Value(std::move(items));
       }
       case 0xD: {
         std::uint64_t n = count(at, marker);
-        if (n > (tableAt_ - at) / refSize_ / 2) throw Refused{};
+        if (failed_ || n > (tableAt_ - at) / refSize_ / 2) return refuse();
         base::Dictionary entries;
-        entries.reserve(std::size_t(n));
-        for (std::uint64_t i = 0; i < n; ++i) {
-          base::Value key = object(unsignedAt(at + i * refSize_, refSize_), depth + 1);
-          if (!key.isString()) throw Refused{};
+        entries.reserve(std::size_t(std::min<std::uint64_t>(n, kMaxReserve)));
+        for (std::uint64_t i = 0; i < n && !failed_; ++i) {
+          std::string key;
+          if (!keyAt(unsignedAt(at + i * refSize_, refSize_), depth + 1, key)) break;
           base::Value value = object(unsignedAt(at + (n + i) * refSize_, refSize_), depth + 1);
-          entries.emplace_back(*key.asString(), std::move(value));
+          entries.emplace_back(std::move(key), std::move(value));
         }
+        if (failed_) return base::Value();
         return base::Value(std::move(entries));
       }
       default:
-        throw Refused{};  // UIDs and sets are not settings values
+        return refuse();  // UIDs and sets are not settings values
     }
   }
 
-  double realAt(std::size_t at) const {
+  // A dictionary key: counted like any value, and it must be a string.
+  bool keyAt(std::uint64_t ref, int depth, std::string& out) {
+    std::size_t at = enter(ref, depth);
+    if (failed_) return false;
+    unsigned marker = byte(at);
+    if ((marker >> 4) != 0x5 && (marker >> 4) != 0x6) return fail(false);
+    return text(at, marker, out) || fail(false);
+  }
+
+  // An ASCII (0x5) or UTF-16 (0x6) string at `at`.
+  bool text(std::size_t at, unsigned marker, std::string& out) {
+    std::uint64_t n = count(at, marker);
+    if (failed_) return false;
+    if ((marker >> 4) == 0x6) {
+      if (n > (tableAt_ - at) / 2) return false;
+      return utf16(at, n, out);
+    }
+    if (!fits(at, n)) return false;
+    std::string_view s = b_.substr(at, n);
+    for (char c : s)
+      if (static_cast<unsigned char>(c) > 0x7F) return false;
+    out.assign(s);
+    return true;
+  }
+
+  double realAt(std::size_t at) {
     std::uint64_t bits = unsignedAt(at, 8);
     double d;
     std::memcpy(&d, &bits, 8);
     return d;
   }
 
-  std::string utf16(std::size_t at, std::uint64_t units) const {
-    std::string out;
+  bool utf16(std::size_t at, std::uint64_t units, std::string& out) {
+    out.reserve(std::size_t(units));
     for (std::uint64_t i = 0; i < units; ++i) {
       char32_t u = char32_t(unsignedAt(at + 2 * i, 2));
       if (u >= 0xD800 && u <= 0xDBFF) {
-        if (i + 1 >= units) throw Refused{};
+        if (i + 1 >= units) return false;
         char32_t low = char32_t(unsignedAt(at + 2 * (i + 1), 2));
-        if (low < 0xDC00 || low > 0xDFFF) throw Refused{};
+        if (low < 0xDC00 || low > 0xDFFF) return false;
         u = 0x10000 + ((u - 0xD800) << 10) + (low - 0xDC00);
         ++i;
       } else if (u >= 0xDC00 && u <= 0xDFFF) {
-        throw Refused{};
+        return false;
       }
+      if (failed_) return false;
       base::appendUtf8(out, u);
     }
-    return out;
+    return true;
   }
 
   std::string_view b_;
@@ -189,16 +233,11 @@ class Reader {
   std::uint64_t objects_ = 0, tableAt_ = 0;
   std::size_t values_ = 0;
   std::size_t maxValues_;
+  bool failed_ = false;
 };
 
 }  // namespace
 
-std::optional<base::Value> readBinaryPlist(std::string_view bytes) {
-  try {
-    return Reader(bytes).read();
-  } catch (const Refused&) {
-    return std::nullopt;
-  }
-}
+std::optional<base::Value> readBinaryPlist(std::string_view bytes) { return Reader(bytes).read(); }
 
 }  // namespace sim

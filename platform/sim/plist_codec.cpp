@@ -1,8 +1,9 @@
 // Property-list bytes to values and back. Binary lists are read by our own
 // bounds-checked reader; XML goes through libplist 2.2, whose parser copes
 // with any depth but whose free does not: it recurses once per level, so a
-// parsed tree is measured before anything recursive touches it. Writing is
-// libplist's in both forms.
+// parsed tree is measured before anything recursive touches it. Binary lists
+// are written by our own writer too (the reader's counterpart, and several
+// times faster than building a libplist tree); XML is written by libplist.
 #include "sim/plist_codec.hpp"
 
 #include <plist/plist.h>
@@ -18,6 +19,7 @@
 
 #include "base/utf8.hpp"
 #include "sim/bplist_reader.hpp"
+#include "sim/bplist_writer.hpp"
 
 namespace sim {
 namespace {
@@ -245,7 +247,7 @@ std::optional<base::Value> toValue(plist_t node, std::size_t depth) {
 }
 
 // ---------------------------------------------------------------------------
-// Values to libplist nodes.
+// Values to libplist nodes, for XML.
 
 // Text that is not UTF-8 would make the whole file unreadable to the reader
 // above; the bad bytes become U+FFFD instead.
@@ -267,7 +269,7 @@ plist_t dateNode(double seconds) {
   return plist_new_date(static_cast<int32_t>(whole), static_cast<int32_t>((seconds - whole) * 1e6));
 }
 
-plist_t fromValue(const base::Value& v, sys::PlistFormat format) {
+plist_t fromValue(const base::Value& v) {
   using T = base::Value::Type;
   switch (v.type()) {
     case T::Null:
@@ -287,20 +289,18 @@ plist_t fromValue(const base::Value& v, sys::PlistFormat format) {
     case T::Date: {
       // XML holds whole seconds and libplist would drop the fraction toward
       // zero, moving a date before 2001 into the next second.
-      double seconds = v.asDate()->seconds;
-      return dateNode(format == sys::PlistFormat::Xml ? std::floor(seconds) : seconds);
+      return dateNode(std::floor(v.asDate()->seconds));
     }
     case T::Array: {
       plist_t a = plist_new_array();
       for (const base::Value& e : *v.asArray())
-        if (plist_t item = fromValue(e, format)) plist_array_append_item(a, item);
+        if (plist_t item = fromValue(e)) plist_array_append_item(a, item);
       return a;
     }
     case T::Dictionary: {
       plist_t d = plist_new_dict();
       for (const auto& [k, e] : *v.asDictionary())
-        if (plist_t item = fromValue(e, format))
-          plist_dict_set_item(d, writableText(k).c_str(), item);
+        if (plist_t item = fromValue(e)) plist_dict_set_item(d, writableText(k).c_str(), item);
       return d;
     }
   }
@@ -330,21 +330,16 @@ std::optional<base::Value> decodePlist(std::string_view bytes) {
 }
 
 std::string encodePlist(const base::Value& value, sys::PlistFormat format) {
-  plist_t root = fromValue(value, format);
+  if (format == sys::PlistFormat::Binary) return writeBinaryPlist(value);
+  plist_t root = fromValue(value);
   if (!root) root = plist_new_dict();
   PlistPtr owner(root);
   char* out = nullptr;
   uint32_t len = 0;
   std::string bytes;
-  if (format == sys::PlistFormat::Binary) {
-    plist_to_bin(root, &out, &len);
-    if (out) bytes.assign(out, len);
-    plist_to_bin_free(out);
-  } else {
-    plist_to_xml(root, &out, &len);
-    if (out) bytes.assign(out, len);
-    plist_to_xml_free(out);
-  }
+  plist_to_xml(root, &out, &len);
+  if (out) bytes.assign(out, len);
+  plist_to_xml_free(out);
   return bytes;
 }
 

@@ -9,6 +9,8 @@
 #include <limits>
 #include <random>
 
+#include <plist/plist.h>
+
 #include "sim/plist_codec.hpp"
 #include "support/value_printer.hpp"
 
@@ -132,6 +134,44 @@ TEST(PlistRoundTrip, DatesKeepWhatEachFormHolds) {
     EXPECT_EQ(roundTrip(Value(base::Date{s}), PlistFormat::Binary), Value(base::Date{s})) << s;
   EXPECT_EQ(roundTrip(Value(base::Date{-86400.75}), PlistFormat::Xml), Value(base::Date{-86401}))
       << "XML dates hold whole seconds";
+}
+
+// Our binary files must be readable by another reader, not only our own:
+// libplist's parser reads them (through its XML output) to the same values.
+TEST(PlistRoundTrip, BinaryWeWriteIsWhatAnotherReaderReads) {
+  base::Array many;
+  for (int i = 0; i < 300; ++i)
+    many.emplace_back(i % 3 ? Value(i * 977) : Value("n" + std::to_string(i)));
+  const Value v(base::Dictionary{
+      {"widths", Value(base::Array{Value(0), Value(255), Value(256), Value(65535), Value(65536),
+                                   Value(4294967295LL), Value(4294967296LL), Value(-1)})},
+      {"a key longer than fifteen bytes", Value(std::string(70000, 'x'))},
+      {"utf16 😀 密友", Value("surrogates 😀 and 密友")},
+      {"many", Value(many)},
+      {"data", Value(base::Data(300, 7))},
+      {"date", Value(base::Date{817128000})},
+      {"real", Value(0.1)},
+      {"fifteen: counts", Value(base::Array(15, Value("fifteen bytes!!")))},
+  });
+  std::string bytes = sim::encodePlist(v, PlistFormat::Binary);
+  plist_t parsed = nullptr;
+  plist_from_bin(bytes.data(), std::uint32_t(bytes.size()), &parsed);
+  ASSERT_NE(parsed, nullptr);
+  char* xml = nullptr;
+  std::uint32_t len = 0;
+  plist_to_xml(parsed, &xml, &len);
+  plist_free(parsed);
+  ASSERT_NE(xml, nullptr);
+  std::optional<Value> read = sim::decodePlist(std::string_view(xml, len));
+  plist_to_xml_free(xml);
+  EXPECT_EQ(read, v);
+}
+
+TEST(PlistRoundTrip, RepeatedKeysKeepTheirFirstPlaceAndLastValue) {
+  const Value v(
+      base::Dictionary{{"a", Value(1)}, {"b", Value(2)}, {"a", Value(3)}, {"b", Value()}});
+  for (PlistFormat f : kForms)
+    EXPECT_EQ(roundTrip(v, f), Value(base::Dictionary{{"a", Value(3)}, {"b", Value(2)}})) << int(f);
 }
 
 TEST(PlistReading, XmlTextAsAnotherWriterWouldLeaveIt) {
