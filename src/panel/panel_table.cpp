@@ -341,10 +341,16 @@ void deleteRow(rt::Id panel, long section, long row, const std::function<void(bo
     done(true);
     return;
   }
+  long shown = ui::shownRowCount(table, section);
   config().removeSecretUser(secretAtRow(row));
   notify::QBNotifyHooks::syncVoipAutoIgnore();
   hiding::QBSessionHooks::refreshFilterCache();
-  ui::deleteRow(table, section, row, ui::RowAnimation::Automatic);
+  // A list changed behind the table's back (not through this panel) cannot
+  // lose one row cleanly, and UIKit would throw into the host: show it anew.
+  if (shown == rowsInSection(kSecrets) + 1)
+    ui::deleteRow(table, section, row, ui::RowAnimation::Automatic);
+  else
+    ui::reloadSection(table, section, ui::RowAnimation::Automatic);
   done(true);
 }
 

@@ -69,6 +69,9 @@ rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler);
 // Reloads one section, or removes one row, of a table.
 void reloadSection(rt::Id table, long section, RowAnimation animation);
 void deleteRow(rt::Id table, long section, long row, RowAnimation animation);
+// The rows the table shows in a section: its count as of its last update,
+// which a row deletion must leave one lower than the data source's new count.
+long shownRowCount(rt::Id table, long section);
 
 struct TableLook {
   Color background = kGroupedBackground;

@@ -79,6 +79,22 @@ TEST_F(Panel, OnlyWindowsBeyondTheLastOneAndSecretsCanBeSwiped) {
   EXPECT_FALSE(process->crashed());
 }
 
+// A secret added behind the open panel's back leaves the table one row
+// short; deleting a row then must not throw UIKit's inconsistency into the host.
+TEST_F(Panel, DeletingASecretAfterTheListChangedBehindTheTableKeepsTheHostAlive) {
+  config().addSecretUser("bob");
+  rt::Id p = openPanel();
+  ASSERT_TRUE(tap(p, 0, 0));  // the table shows its rows
+  config().addSecretUser("carol");
+  EXPECT_TRUE(swipe(p, 7, 1));
+  EXPECT_FALSE(process->crashed()) << process->crashReason();
+  EXPECT_EQ(config().secretCount(), 1);
+  EXPECT_EQ(shown(p)[7].rows.size(), 2u);
+  EXPECT_TRUE(swipe(p, 7, 1));  // the table is in step again
+  EXPECT_EQ(config().secretCount(), 0);
+  EXPECT_FALSE(process->crashed()) << process->crashReason();
+}
+
 TEST_F(Panel, NotifyRowsSetTheModeAndTheBackgroundFlagAndSaveAtOnce) {
   rt::Id p = openPanel();
   tap(p, 3, 0);

@@ -1,5 +1,8 @@
 #include "swarm_checker.hpp"
 
+#include <algorithm>
+#include <tuple>
+
 #include "sim/plist_codec.hpp"
 #include "swarm_faults.hpp"
 
@@ -257,6 +260,22 @@ std::optional<Breach> Checker::judgeFile(const Observation& o) {
     if (boolean(key) != on) return mismatch(key, on ? "true" : "false");
   for (const auto& [key, mode] : settings_.modes)
     if (integer(key.c_str()) != mode) return mismatch(key, std::to_string(mode));
+  if (settings_.windowsKnown) {
+    using Span = std::tuple<long, long, bool>;
+    std::vector<Span> want, onDisk;
+    for (const Window& w : settings_.windows) want.emplace_back(w.start, w.end, w.hide);
+    if (const base::Value* list = v->find("dailyWindows"); list && list->isArray())
+      for (const base::Value& e : *list->asArray()) {
+        auto field = [&](const char* key) {
+          const base::Value* x = e.find(key);
+          return x ? x->integerValue().value_or(-1) : -1;
+        };
+        onDisk.emplace_back(field("start"), field("end"), field("mode") == 1);
+      }
+    std::sort(want.begin(), want.end());
+    std::sort(onDisk.begin(), onDisk.end());
+    if (want != onDisk) return mismatch("dailyWindows", std::to_string(want.size()) + " windows");
+  }
   return std::nullopt;
 }
 

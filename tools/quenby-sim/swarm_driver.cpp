@@ -19,6 +19,7 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "sim/plist_codec.hpp"
+#include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "swarm.hpp"
 #include "swarm_checker.hpp"
@@ -67,6 +68,36 @@ std::string screenName(Session& s) {
   if (cls == "QBPanelController") return "panel";
   if (cls == "QBContactPickController") return "picker";
   return std::string(cls);
+}
+
+// Whether two windows share a minute; a window whose ends are equal holds none.
+bool clash(const Window& a, const Window& b) {
+  auto in = [](const Window& x, long m) {
+    if (x.start == x.end) return false;
+    return x.start < x.end ? x.start <= m && m < x.end : m >= x.start || m < x.end;
+  };
+  for (long m = 0; m < 1440; ++m)
+    if (in(a, m) && in(b, m)) return true;
+  return false;
+}
+
+// What the panel accepts: one to three windows, each with two different ends,
+// none sharing a minute with another.
+bool acceptable(const std::vector<Window>& w) {
+  if (w.empty() || w.size() > 3) return false;
+  for (std::size_t i = 0; i < w.size(); ++i) {
+    if (w[i].start == w[i].end) return false;
+    for (std::size_t j = 0; j < i; ++j)
+      if (clash(w[i], w[j])) return false;
+  }
+  return true;
+}
+
+// As the panel lists them, and as the file keeps them: by start.
+std::vector<Window> byStart(std::vector<Window> w) {
+  std::stable_sort(w.begin(), w.end(),
+                   [](const Window& a, const Window& b) { return a.start < b.start; });
+  return w;
 }
 
 long tableReloads(rt::Id screen) {
@@ -383,7 +414,16 @@ class Day {
     long row = long(pick(2));
     bool on = chance(50);
     std::string onOff = on ? " on" : " off";
-    switch (pick(8)) {
+    int kind = int(pick(11));
+    // The rarer rows are worth the way in when the panel is not open.
+    if (kind >= 8 && !panelOnTop() && chance(50)) openPanel();
+    switch (kind) {
+      case 8:
+        return passwordRow();
+      case 9:
+        return windowEditor();
+      case 10:
+        return swipeDelete();
       case 0:
         line = "panel tap 0 " + std::to_string(row), next.manual = row == 0;
         break;
@@ -421,6 +461,106 @@ class Day {
       model_ = next;
       checker_->saved(model_, session_.device().elapsed());
     });
+  }
+
+  // Runs the lines in order while each applies; true when all did.
+  bool sequence(std::initializer_list<std::string> lines) {
+    for (const std::string& line : lines)
+      if (!exec(line)) return false;
+    return true;
+  }
+
+  void savedNow(const Settings& next) {
+    model_ = next;
+    checker_->saved(model_, session_.device().elapsed());
+  }
+
+  // The panel's password row: a dialog for the new one; a short one is dropped.
+  void passwordRow() {
+    std::string pw = oneOf({"7351", "2468", "abc", "98765", "1357"});
+    if (!sequence({"panel tap 5 2", "wait 0.5", "type " + pw})) return;
+    bool confirm = chance(85);
+    exec(confirm ? "press 确定" : "press 取消", [&] {
+      if (!confirm || pw.size() < 4) return;
+      Settings next = model_;
+      next.password = pw;
+      savedNow(next);
+    });
+  }
+
+  // The daily-window editor, in schedule mode: change a window or add one,
+  // through its three dialogs (start, end, show or hide).
+  void windowEditor() {
+    if (model_.manual || !model_.windowsKnown) return;
+    std::vector<Window> rows = byStart(model_.windows);
+    long n = long(rows.size());
+    long row = long(pick(std::uint64_t(n < 3 ? n + 1 : n)));
+    long start = long(pick(24 * 60));
+    long end = chance(10) ? start : (start + 1 + long(pick(240))) % 1440;
+    bool hide = chance(40);
+    if (!sequence({"panel tap 2 " + std::to_string(row), "wait 0.5", "time " + clock(start),
+                   "press 确定", "wait 0.5", "time " + clock(end), "press 确定", "wait 0.5"}))
+      return;
+    std::vector<Window> after = rows;
+    if (row < n)
+      after[std::size_t(row)] = Window{start, end, hide};
+    else
+      after.push_back(Window{start, end, hide});
+    bool ok = acceptable(after);
+    bool cancel = chance(10);
+    bool pressed = exec(cancel ? "press 取消"
+                        : hide ? "press 隐藏"
+                               : "press 显示",
+                        [&] {
+                          if (cancel || !ok) return;
+                          Settings next = model_;
+                          next.windows = byStart(after);
+                          savedNow(next);
+                        });
+    if (pressed && !cancel && !ok) exec("press 好");  // the tip that says why
+  }
+
+  // Swipe-delete: a secret's row (the row shows whose it is), or a window in
+  // schedule mode (the last one cannot go).
+  void swipeDelete() {
+    if (chance(50) && !model_.manual && model_.windowsKnown) {
+      std::vector<Window> rows = byStart(model_.windows);
+      long row = long(pick(rows.size() + 1));
+      exec("panel delete 2 " + std::to_string(row), [&] {
+        Settings next = model_;
+        rows.erase(rows.begin() + row);
+        next.windows = rows;
+        savedNow(next);
+      });
+      return;
+    }
+    long row = 1 + long(pick(model_.secrets.size() + 1));
+    std::string who = panelRowDetail(7, row);
+    exec("panel delete 7 " + std::to_string(row), [&] {
+      Settings next = model_;
+      next.secrets.erase(who);
+      savedNow(next);
+    });
+  }
+
+  bool panelOnTop() {
+    rt::Id top = session_.process() ? sim::topController() : nullptr;
+    return top && rt::className(top) == "QBPanelController";
+  }
+
+  // The small print under a panel row's title, as shown (empty when the
+  // panel or the row is not there).
+  std::string panelRowDetail(long section, long row) {
+    sim::Process* p = session_.process();
+    if (!p || !panelOnTop()) return "";
+    rt::Id top = sim::topController();
+    std::string detail;
+    p->runGuarded([&] {
+      std::vector<sim::ShownSection> sections = sim::showTable(sim::tableOf(top));
+      if (section < long(sections.size()) && row < long(sections[std::size_t(section)].rows.size()))
+        detail = sections[std::size_t(section)].rows[std::size_t(row)].detail;
+    });
+    return detail;
   }
 
   // A change of the secret list or a setting: on success the model learns it.

@@ -107,6 +107,12 @@ void deleteRow(rt::Id table, long section, long row, RowAnimation animation) {
   });
 }
 
+long shownRowCount(rt::Id table, long section) {
+  long rows = 0;
+  ios::translating([&] { rows = long([tableOf(table) numberOfRowsInSection:section]); });
+  return rows;
+}
+
 void styleTable(rt::Id table, const TableLook& look) {
   UITableView* t = tableOf(table);
   t.backgroundColor = ios::color(look.background);

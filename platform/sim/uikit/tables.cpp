@@ -83,7 +83,10 @@ std::string mismatch(long section, long before, long after, long deleted) {
   return buf;
 }
 
+// A row the user can touch is on screen, and showing the table asked its
+// counts: that is UIKit's basis for the updates that follow.
 bool rowExists(Id table, long section, long row) {
+  if (!extra<TableState>(table).countsKnown) recordCounts(table);
   return section >= 0 && section < askSections(table) && row >= 0 && row < askRows(table, section);
 }
 
@@ -296,6 +299,12 @@ void deleteRow(rt::Id table, long section, long row, RowAnimation) {
   if (after != before - 1)
     rt::raise("NSInternalInconsistencyException", sim::mismatch(section, before, after, 1));
   sim::recordCounts(table);
+}
+
+long shownRowCount(rt::Id table, long section) {
+  sim::TableState& t = sim::extra<sim::TableState>(table);
+  if (!t.countsKnown) return sim::askRows(table, section);
+  return section >= 0 && section < long(t.rowCounts.size()) ? t.rowCounts[std::size_t(section)] : 0;
 }
 
 void styleTable(rt::Id table, const TableLook& look) {

@@ -374,6 +374,7 @@ extern "C" const CGFloat UITableViewAutomaticDimension;
 - (UITableViewCell *)dequeueReusableCellWithIdentifier:(NSString *)identifier;
 - (void)reloadSections:(NSIndexSet *)sections withRowAnimation:(UITableViewRowAnimation)animation;
 - (void)deleteRowsAtIndexPaths:(NSArray *)indexPaths withRowAnimation:(UITableViewRowAnimation)animation;
+- (NSInteger)numberOfRowsInSection:(NSInteger)section;
 @property (nonatomic) UIEdgeInsets separatorInset;
 @property (nonatomic) CGFloat rowHeight;
 @property (nonatomic) CGFloat estimatedRowHeight;
