@@ -16,7 +16,7 @@ constexpr std::size_t kMaxValues = 2'000'000;
 constexpr int kMaxDepth = 512;
 // A count is only a claim until its items are read; damaged files claim large
 // ones and fail early, so room beyond this grows as items actually arrive.
-constexpr std::size_t kMaxReserve = 64;
+constexpr std::size_t kMaxReserve = 16;
 
 // A refusal is sticky rather than thrown: fuzzing feeds this mostly broken
 // files, and unwinding up to 512 frames of half-built containers for each of
@@ -210,7 +210,7 @@ class Reader {
   }
 
   bool utf16(std::size_t at, std::uint64_t units, std::string& out) {
-    out.reserve(std::size_t(units));
+    out.reserve(std::size_t(units) * 3);  // a unit is at most three bytes of UTF-8
     for (std::uint64_t i = 0; i < units; ++i) {
       char32_t u = char32_t(unsignedAt(at + 2 * i, 2));
       if (u >= 0xD800 && u <= 0xDBFF) {

@@ -82,10 +82,14 @@ class Writer {
  public:
   std::string write(const base::Value& root) {
     static const base::Value kEmpty{base::Dictionary{}};
+    items_.reserve(64);
+    refs_.reserve(64);
     add(root.isNull() ? kEmpty : root);
     refWidth_ = widthFor(items_.size() - 1);
 
-    std::string out = "bplist00";
+    std::string out;
+    out.reserve(256);
+    out = "bplist00";
     std::vector<std::uint64_t> offsets;
     offsets.reserve(items_.size());
     for (const Item& item : items_) {
