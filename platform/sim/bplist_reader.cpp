@@ -40,6 +40,7 @@ class Reader {
     if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1 || refSize_ > 8) return std::nullopt;
     if (objects_ == 0 || top >= objects_ || tableAt_ < 8 || tableAt_ >= t) return std::nullopt;
     if (objects_ > (t - tableAt_) / offsetSize_) return std::nullopt;
+    if (!withinLimits(top)) return std::nullopt;
     base::Value root = object(top, 0);
     if (failed_) return std::nullopt;
     return root;
@@ -61,8 +62,20 @@ class Reader {
 
   std::uint64_t unsignedAt(std::size_t at, std::size_t n) {
     if (at > b_.size() || n > b_.size() - at) return fail<std::uint64_t>(0);
+    auto u = [&](std::size_t k) { return std::uint64_t(static_cast<unsigned char>(b_[at + k])); };
+    switch (n) {  // the widths files use, without a loop
+      case 1:
+        return u(0);
+      case 2:
+        return u(0) << 8 | u(1);
+      case 4:
+        return u(0) << 24 | u(1) << 16 | u(2) << 8 | u(3);
+      case 8:
+        return (u(0) << 24 | u(1) << 16 | u(2) << 8 | u(3)) << 32 |
+               (u(4) << 24 | u(5) << 16 | u(6) << 8 | u(7));
+    }
     std::uint64_t v = 0;
-    for (std::size_t i = 0; i < n; ++i) v = (v << 8) | static_cast<unsigned char>(b_[at + i]);
+    for (std::size_t i = 0; i < n; ++i) v = (v << 8) | u(i);
     return v;
   }
 
@@ -177,6 +190,47 @@ class Reader {
     }
   }
 
+  // How many values the file unfolds to through its shared references, and
+  // how deep, from the containers' references alone: a file built to multiply
+  // itself past the limits is refused before any of it is built. Reading
+  // would refuse it anyway, having built up to the limit first.
+  bool withinLimits(std::uint64_t top) {
+    shape_.assign(std::size_t(objects_), Shape{});
+    Shape s = measure(top, 0);
+    return !failed_ && s.values <= maxValues_ && s.height <= std::size_t(kMaxDepth);
+  }
+
+  struct Shape {
+    std::size_t values = 0, height = 0;  // values = 0: not measured yet
+    bool open = false;                   // on the path being measured: a cycle
+  };
+
+  Shape measure(std::uint64_t ref, std::size_t depth) {
+    if (failed_ || depth > std::size_t(kMaxDepth) || ref >= objects_) return fail(Shape{});
+    Shape& memo = shape_[std::size_t(ref)];
+    if (memo.open) return fail(Shape{});  // unfolds without end
+    if (memo.values) return memo;
+    std::size_t at = offsetOf(ref);
+    unsigned marker = byte(at);
+    Shape s{1, 0, false};
+    unsigned kind = marker >> 4;
+    if (!failed_ && (kind == 0xA || kind == 0xD)) {
+      std::uint64_t n = count(at, marker);
+      std::uint64_t refs = kind == 0xD ? 2 * n : n;
+      if (failed_ || n > (tableAt_ - at) / refSize_ / (kind == 0xD ? 2 : 1)) return fail(Shape{});
+      shape_[std::size_t(ref)].open = true;
+      for (std::uint64_t i = 0; i < refs && !failed_; ++i) {
+        Shape child = measure(unsignedAt(at + i * refSize_, refSize_), depth + 1);
+        s.values = std::min(s.values + child.values, maxValues_ + 1);
+        s.height = std::max(s.height, child.height + 1);
+      }
+      shape_[std::size_t(ref)].open = false;
+    }
+    if (failed_) return Shape{};
+    shape_[std::size_t(ref)] = s;
+    return s;
+  }
+
   // A dictionary key: counted like any value, and it must be a string.
   bool keyAt(std::uint64_t ref, int depth, std::string& out) {
     std::size_t at = enter(ref, depth);
@@ -196,8 +250,7 @@ class Reader {
     }
     if (!fits(at, n)) return false;
     std::string_view s = b_.substr(at, n);
-    for (char c : s)
-      if (static_cast<unsigned char>(c) > 0x7F) return false;
+    if (!base::isAscii(s)) return false;
     out.assign(s);
     return true;
   }
@@ -234,6 +287,7 @@ class Reader {
   std::size_t values_ = 0;
   std::size_t maxValues_;
   bool failed_ = false;
+  std::vector<Shape> shape_;  // by object reference
 };
 
 }  // namespace

@@ -46,8 +46,7 @@ void appendHeader(std::string& out, unsigned kind, std::uint64_t n) {
 }
 
 void appendText(std::string& out, std::string_view s) {
-  if (std::all_of(s.begin(), s.end(),
-                  [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+  if (base::isAscii(s)) {
     appendHeader(out, 0x5, s.size());
     out.append(s);
     return;

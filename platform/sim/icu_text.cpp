@@ -8,6 +8,8 @@
 #include <mutex>
 #include <vector>
 
+#include "base/utf8.hpp"
+
 namespace sim {
 namespace {
 
@@ -73,8 +75,7 @@ UCollator* collatorFor(const std::string& locale) {
 // identifiers, English words), so it skips the round trip through UTF-16.
 template <typename Ascii>
 bool mapAscii(std::string_view utf8, std::string& out, Ascii ascii) {
-  for (char c : utf8)
-    if (static_cast<unsigned char>(c) >= 0x80) return false;
+  if (!base::isAscii(utf8)) return false;
   out.resize(utf8.size());
   for (std::size_t i = 0; i < utf8.size(); ++i) out[i] = ascii(utf8[i]);
   return true;

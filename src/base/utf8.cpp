@@ -2,6 +2,9 @@
 // texts and names use.
 #include "base/utf8.hpp"
 
+#include <cstdint>
+#include <cstring>
+
 namespace base {
 
 char32_t decodeUtf8(std::string_view s, std::size_t& i) {
@@ -59,6 +62,19 @@ void appendUtf8(std::string& out, char32_t cp) {
     out += char(0x80 | ((cp >> 6) & 0x3F));
     out += char(0x80 | (cp & 0x3F));
   }
+}
+
+// Eight bytes at a time: file parsing asks this of every string it reads.
+bool isAscii(std::string_view s) {
+  std::size_t i = 0;
+  for (; i + 8 <= s.size(); i += 8) {
+    std::uint64_t word;
+    std::memcpy(&word, s.data() + i, 8);
+    if (word & 0x8080808080808080ULL) return false;
+  }
+  unsigned char rest = 0;
+  for (; i < s.size(); ++i) rest |= static_cast<unsigned char>(s[i]);
+  return rest < 0x80;
 }
 
 bool isValidUtf8(std::string_view s) {

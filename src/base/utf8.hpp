@@ -17,6 +17,8 @@ void appendUtf8(std::string& out, char32_t cp);
 std::size_t codePointCount(std::string_view s);
 // True when every byte sequence is a well-formed UTF-8 code point.
 bool isValidUtf8(std::string_view s);
+// True when every byte is below 0x80.
+bool isAscii(std::string_view s);
 
 // Simple (one-to-one) case mapping for Latin (ASCII, Latin-1, Latin
 // Extended-A), Greek and Cyrillic; other characters are unchanged. Enough for

@@ -76,4 +76,20 @@ TEST(Utf8, FirstCharacterAndContains) {
   EXPECT_FALSE(base::startsWith("g", "gh_"));
 }
 
+// Read eight bytes at a time: a high byte must be seen wherever it falls,
+// in the whole words and in the tail.
+TEST(Utf8, AsciiIsJudgedAtEveryPositionAndLength) {
+  EXPECT_TRUE(base::isAscii(""));
+  for (std::size_t len = 1; len <= 19; ++len) {
+    std::string s(len, '\x7F');
+    EXPECT_TRUE(base::isAscii(s)) << len;
+    for (std::size_t at = 0; at < len; ++at) {
+      std::string t = s;
+      t[at] = '\x80';
+      EXPECT_FALSE(base::isAscii(t)) << len << " " << at;
+    }
+  }
+  EXPECT_FALSE(base::isAscii("密友"));
+}
+
 }  // namespace

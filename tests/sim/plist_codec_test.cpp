@@ -329,6 +329,22 @@ TEST(PlistHostile, SharedAndCyclicReferences) {
   const std::string layered = binaryList(runs, 4);
   onSmallStack([&] { EXPECT_EQ(sim::decodePlist(layered), std::nullopt); });
 
+  // A file may unfold to as many values as it has bytes, and no more: here
+  // 100 references to one array of 99 references to `true`, padded by an
+  // unused blob to exactly that size, then one byte short of it.
+  auto unfolding = [](std::size_t pad) {
+    return binaryList({arrayObject(std::vector<std::uint64_t>(100, 1)),
+                       arrayObject(std::vector<std::uint64_t>(99, 2)), "\x09",
+                       "\x4F\x12" + bigEndian(pad, 4) + std::string(pad, 'x')});
+  };
+  const std::size_t values = 1 + 100 * (1 + 99);
+  std::size_t pad = values - unfolding(0).size();
+  while (unfolding(pad).size() > values) --pad;
+  while (unfolding(pad).size() < values) ++pad;
+  ASSERT_EQ(unfolding(pad).size(), values);
+  EXPECT_TRUE(sim::decodePlist(unfolding(pad)));
+  EXPECT_EQ(sim::decodePlist(unfolding(pad - 1)), std::nullopt);
+
   // Shared leaves, as every writer produces them, are fine.
   EXPECT_EQ(sim::decodePlist(binaryList({arrayObject({1, 1, 1}), "\x51x"})),
             Value(base::Array{Value("x"), Value("x"), Value("x")}));
