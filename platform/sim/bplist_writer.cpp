@@ -22,6 +22,11 @@ unsigned widthFor(std::uint64_t v) {
   return 8;
 }
 
+// The marker of an integer object `width` bytes wide (1, 2, 4 or 8).
+char integerMarker(unsigned width) {
+  return static_cast<char>(0x10 | (width == 1 ? 0 : width == 2 ? 1 : width == 4 ? 2 : 3));
+}
+
 void appendBigEndian(std::string& out, std::uint64_t v, unsigned width) {
   for (unsigned i = width; i-- > 0;) out.push_back(static_cast<char>((v >> (8 * i)) & 0xFF));
 }
@@ -41,7 +46,7 @@ void appendHeader(std::string& out, unsigned kind, std::uint64_t n) {
   }
   out.push_back(static_cast<char>((kind << 4) | 0xF));
   unsigned w = widthFor(n);
-  out.push_back(static_cast<char>(0x10 | (w == 1 ? 0 : w == 2 ? 1 : w == 4 ? 2 : 3)));
+  out.push_back(integerMarker(w));
   appendBigEndian(out, n, w);
 }
 
@@ -180,7 +185,7 @@ class Writer {
         // 1, 2 and 4-byte integers are unsigned; negative ones take 8 bytes.
         long long n = *v.asInteger();
         unsigned w = n < 0 ? 8 : widthFor(static_cast<std::uint64_t>(n));
-        out.push_back(static_cast<char>(0x10 | (w == 1 ? 0 : w == 2 ? 1 : w == 4 ? 2 : 3)));
+        out.push_back(integerMarker(w));
         appendBigEndian(out, static_cast<std::uint64_t>(n), w);
         break;
       }

@@ -240,14 +240,7 @@ class Day {
     if (chance(50)) {
       long b = (w[0].end + 1 + long(pick(300))) % 1440, blen = 2 + long(pick(120));
       Window second{b, (b + blen) % 1440, chance(50)};
-      bool clear = true;
-      for (long m = 0; m < 1440 && clear; ++m) {
-        auto in = [m](const Window& x) {
-          return x.start < x.end ? x.start <= m && m < x.end : m >= x.start || m < x.end;
-        };
-        if (in(w[0]) && in(second)) clear = false;
-      }
-      if (clear) {
+      if (!clash(w[0], second)) {
         w.push_back(second);
         line +=
             " " + clock(second.start) + "-" + clock(second.end) + (second.hide ? " hide" : " show");
