@@ -4,6 +4,7 @@
 // the secret items skipped. Any failure of the filtering answers with the
 // host's own value, so a failure shows a secret rather than breaking a screen.
 #include "hiding/extra_hooks.hpp"
+#include "hiding/session_hooks.hpp"
 
 #include <algorithm>
 #include <string>
@@ -50,7 +51,7 @@ struct ExtraHooksState {
 
 ExtraHooksState& extraState() { return sys::state<ExtraHooksState>(); }
 
-bool hiding() { return core::QBConfig::shared().shouldHideSecrets(); }
+bool hiding() { return hiding::QBSessionHooks::listsHideSecrets(); }
 
 // --- The forward picker asks two opposite questions; both answers keep a
 // secret out.

@@ -92,6 +92,31 @@ void qbMainViewDidAppear(Id self, SEL cmd, bool animated) {
       self, cmd, animated);
 }
 
+// The system pictures the screen for the app switcher once the background
+// notifications are handled, and shows that picture until the app is opened
+// again: the lists must already leave the secrets out by then, in any mode.
+void hideListsWhileAway() {
+  SessionHooksState& s = sessionState();
+  if (s.away) return;  // the application's and the scene's notice of one departure
+  s.away = true;
+  // Reloaded even when hidden: a lock a moment ago (the resign-active before
+  // this) or a secret just added may not have reached the list yet.
+  if (QBConfig::shared().secretCount() <= 0) return;
+  QBSessionHooks::refreshFilterCache();
+  QBSessionHooks::softReloadMainFrameForce(true);
+}
+
+// Back in the foreground, by which time the schedule has had its say: the
+// lists follow the reveal state again.
+void showListsOnReturn() {
+  SessionHooksState& s = sessionState();
+  if (!s.away) return;
+  s.away = false;
+  QBSessionHooks::refreshFilterCache();
+  if (!QBSessionHooks::listsHideSecrets() && QBConfig::shared().secretCount() > 0)
+    QBSessionHooks::revealSecretsNow();
+}
+
 void installObservers() {
   sys::addObserver(core::kSecretStateChanged, [](const sys::Notification&) {
     QBSessionHooks::refreshFilterCache();
@@ -106,7 +131,10 @@ void installObservers() {
       if (bothSuppressClear(QBConfig::shared())) QBSessionHooks::softReloadMainFrame();
     });
   });
+  for (const char* name : {sys::kSceneDidEnterBackground, sys::kDidEnterBackground})
+    sys::addObserver(name, [](const sys::Notification&) { hideListsWhileAway(); });
   sys::addObserver(sys::kDidBecomeActive, [](const sys::Notification&) {
+    showListsOnReturn();
     QBConfig& c = QBConfig::shared();
     if (!bothSuppressClear(c)) {
       QBSessionHooks::refreshFilterCache();
@@ -145,6 +173,11 @@ void QBSessionHooks::install() {
   } catch (...) {
     sys::log("[QB] install FATAL: %@", rt::describeCurrentException());
   }
+}
+
+bool QBSessionHooks::listsHideSecrets() {
+  QBConfig& c = QBConfig::shared();
+  return c.shouldHideSecrets() || (sessionState().away && c.secretCount() > 0);
 }
 
 void QBSessionHooks::softReloadMainFrame() { softReloadMainFrameForce(false); }
@@ -206,7 +239,7 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
 void QBSessionHooks::revealSecretsNow() {
   try {
     refreshFilterCache();
-    if (QBConfig::shared().shouldHideSecrets()) {
+    if (listsHideSecrets()) {
       sys::log("[QB] reveal skipped still hidden");
       return;
     }
@@ -255,7 +288,7 @@ void QBSessionHooks::forceApplyVisibility() {
   try {
     refreshFilterCache();
     if (c.secretCount() > 0) {
-      if (c.shouldHideSecrets())
+      if (listsHideSecrets())
         softReloadMainFrameForce(true);
       else
         revealSecretsNow();

@@ -191,7 +191,7 @@ void QBSessionHooks::refreshFilterCache() {
   SessionHooksState& s = sessionState();
   core::QBConfig& config = core::QBConfig::shared();
   s.snapshot = config.secretSnapshot();
-  s.filterActive = !s.snapshot.empty() && !config.unlocked();
+  s.filterActive = !s.snapshot.empty() && (!config.unlocked() || s.away);
   s.cachedSection = std::numeric_limits<std::int64_t>::max();
   s.cachedCount = -1;
 }

@@ -27,6 +27,11 @@ struct QBSessionHooks {
   static void softReloadMainFrameForce(bool force);
   static void revealSecretsNow();
   static void forceApplyVisibility();
+  // Whether the lists leave the secrets out: they are hidden, or the app is in
+  // the background. What the phone shows of an app that is away (its picture
+  // in the app switcher) must never show a secret, in any mode, while the
+  // reveal state and the message gating stay as they are.
+  static bool listsHideSecrets();
   // Announces that the hidden state was applied; deliberately does nothing.
   static void applyNativeHideState();
 

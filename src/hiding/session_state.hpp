@@ -37,6 +37,8 @@ struct SessionHooksState {
   std::string lastListPath = "?";
 
   bool installed = false;
+  // The app is in the background: the lists hide the secrets whatever the state.
+  bool away = false;
   bool reloadBusy = false;
   double lastSoftReloadAt = 0;
   bool applyBusy = false;

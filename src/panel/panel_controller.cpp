@@ -9,6 +9,7 @@
 #include "host/runtime_toolkit.hpp"
 #include "notify/notify_hooks.hpp"
 #include "panel/contact_pick_controller.hpp"
+#include "panel/panel_flow.hpp"
 #include "panel/panel_table.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -134,6 +135,7 @@ std::vector<PickItem> sessionItems() {
 
 void QBPanelController::registerRuntimeClass() {
   QBContactPickController::registerRuntimeClass();
+  installPanelDeparture();
   if (rt::getClass("QBPanelController")) return;
   rt::Class cls = rt::allocateClassPair(rt::getClass("UITableViewController"), "QBPanelController");
   if (!cls) return;
@@ -183,12 +185,21 @@ void QBPanelController::presentFrom(Id target) {
   QBConfig& c = QBConfig::shared();
   c.setSuppressAutoLock(true);
   c.setSuppressSessionApply(true);
-  triggers::QBAuth::authenticateForPanel([target](bool passed) {
-    if (!passed) {
-      clearSuppressFlags();
+  unsigned long flow = beginPanelFlow();
+  triggers::QBAuth::authenticateForPanel([target, flow](bool passed) {
+    if (!panelFlowCurrent(flow)) {
+      // The app left meanwhile and closed this flow: a check that passed
+      // after that must not leave the secrets shown.
+      if (passed) hideAfterEndedFlow();
       return;
     }
-    sys::after(kAuthDelay, [target] {
+    if (!passed) {
+      clearSuppressFlags();
+      endPanelFlow();
+      return;
+    }
+    sys::after(kAuthDelay, [target, flow] {
+      if (!panelFlowCurrent(flow)) return;
       try {
         Id window = host::QBRuntime::keyWindow();
         Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
@@ -203,6 +214,7 @@ void QBPanelController::presentFrom(Id target) {
       } catch (...) {
         sys::log("[QB] present ex: %@", rt::describeCurrentException());
         clearSuppressFlags();
+        endPanelFlow();
       }
     });
   });
@@ -210,10 +222,14 @@ void QBPanelController::presentFrom(Id target) {
 
 void QBPanelController::presentPanelOn(Id target) {
   if (!target) return;
+  // Opened without the five taps' check, it is still closed by leaving the app.
+  unsigned long flow = currentPanelFlow();
+  if (!flow) flow = beginPanelFlow();
   try {
     if (rt::send<Id>(target, "presentedViewController")) {
       // Busy presenting (an alert closing, another sheet): try again on whatever is on top then.
-      sys::after(kBusyRetry, [target] {
+      sys::after(kBusyRetry, [target, flow] {
+        if (!panelFlowCurrent(flow)) return;
         Id top = topVC();
         presentPanelOn(lastPresented(top ? top : target));
       });
@@ -224,25 +240,20 @@ void QBPanelController::presentPanelOn(Id target) {
     Id nav = rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
                           "initWithRootViewController:", panel);
     ui::presentPageSheet(target, nav, ui::SheetSpec{}, true);
+    panelShown(nav);
+    // Dragging the sheet away closes the panel as 完成 does.
+    ui::onDraggedAway(nav, [flow] { lockAfterPanel(flow); });
   } catch (...) {
     sys::log("[QB] presentPanel ex: %@", rt::describeCurrentException());
     clearSuppressFlags();
+    endPanelFlow();
   }
 }
 
 void QBPanelController::closeAndLock(Id self) {
   QBConfig::shared().setSuppressSessionApply(true);
-  ui::dismiss(self, true, [] {
-    clearSuppressFlags();
-    QBConfig& c = QBConfig::shared();
-    if (c.usesManualVisibility()) {
-      c.setUnlocked(false);
-      hiding::QBSessionHooks::refreshFilterCache();
-      sys::after(kCloseReloadDelay, [] { hiding::QBSessionHooks::softReloadMainFrameForce(true); });
-    } else {
-      triggers::QBSchedule::applyNow();
-    }
-  });
+  unsigned long flow = currentPanelFlow();
+  ui::dismiss(self, true, [flow] { lockAfterPanel(flow); });
 }
 
 void QBPanelController::reload(Id self) { rt::send<void>(tableOf(self), "reloadData"); }
@@ -271,12 +282,17 @@ void QBPanelController::pickFromSessions(Id self) {
   }
   Id picker = QBContactPickController::make(std::move(items), [self](const std::string& username) {
     QBConfig::shared().addSecretUser(username);
-    notify::QBNotifyHooks::syncVoipAutoIgnore();
-    hiding::QBSessionHooks::refreshFilterCache();
+    secretListChanged();
     reload(self);
   });
   rt::send<void>(rt::send<Id>(self, "navigationController"), "pushViewController:animated:", picker,
                  true);
+}
+
+void QBPanelController::secretListChanged() {
+  notify::QBNotifyHooks::syncVoipAutoIgnore();
+  hiding::QBSessionHooks::refreshFilterCache();
+  triggers::QBSchedule::applyNow();  // held back while the panel is up; its close applies
 }
 
 Id QBPanelController::iconImage(const std::string& symbol, ui::Color tint, ui::Color bg) {

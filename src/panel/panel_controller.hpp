@@ -32,6 +32,10 @@ struct QBPanelController {
   static void reload(rt::Id self);
   static void showTip(rt::Id self, const std::string& message);
   static void pickFromSessions(rt::Id self);
+  // After the secret list changed: the host's call auto-ignore, the lists'
+  // filter, and the schedule, which re-applies at once (a secret added while a
+  // stale reveal lingers must not show until the next tick).
+  static void secretListChanged();
   // A 30-point rounded square of `bg` with the symbol centred, in `tint`.
   static rt::Id iconImage(const std::string& symbol, ui::Color tint, ui::Color bg);
 

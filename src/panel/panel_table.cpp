@@ -343,8 +343,7 @@ void deleteRow(rt::Id panel, long section, long row, const std::function<void(bo
   }
   long shown = ui::shownRowCount(table, section);
   config().removeSecretUser(secretAtRow(row));
-  notify::QBNotifyHooks::syncVoipAutoIgnore();
-  hiding::QBSessionHooks::refreshFilterCache();
+  QBPanelController::secretListChanged();
   // A list changed behind the table's back (not through this panel) cannot
   // lose one row cleanly, and UIKit would throw into the host: show it anew.
   if (shown == rowsInSection(kSecrets) + 1)

@@ -5,6 +5,7 @@
 
 #include "core/config.hpp"
 #include "panel/panel_controller.hpp"
+#include "panel/panel_flow.hpp"
 #include "panel/panel_table.hpp"
 #include "rt/send.hpp"
 #include "sys/queue.hpp"
@@ -101,7 +102,11 @@ void QBPanelController::askText(rt::Id self, const std::string& title, bool secu
 
 void QBPanelController::presentNextAfterDelay(std::function<void()> block) {
   if (!block) return;
-  sys::after(kNextDialogDelay, std::move(block));
+  // The panel may have closed meanwhile (the app left): its next dialog has nowhere to go.
+  unsigned long flow = currentPanelFlow();
+  sys::after(kNextDialogDelay, [flow, block = std::move(block)] {
+    if (!flow || panelFlowCurrent(flow)) block();
+  });
 }
 
 }  // namespace panel

@@ -9,15 +9,28 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sys/process_state.hpp"
 #include "sys/queue.hpp"
 #include "triggers/reveal_settle.hpp"
 #include "ui/alerts.hpp"
 #include "ui/feedback.hpp"
+#include "ui/navigation.hpp"
 
 namespace triggers {
 namespace {
 
 using core::QBConfig;
+
+// The password prompt on screen, until it is answered.
+struct PromptState {
+  rt::Id alert = nullptr;
+};
+
+// The prompt has left the screen (a button, or taken away).
+void forgetPrompt(rt::Id alert) {
+  PromptState& p = sys::state<PromptState>();
+  if (p.alert == alert) p.alert = nullptr;
+}
 
 void suppressWhileOnScreen() {
   QBConfig& c = QBConfig::shared();
@@ -50,14 +63,16 @@ void QBAuth::askPassword(AuthCompletion completion) {
   // The answer comes exactly once, even when the alert never shows (the
   // presenter is busy) or is taken away without its buttons.
   auto answered = std::make_shared<bool>(false);
-  AuthCompletion once = [completion, answered](bool ok) {
+  rt::Id alert = ui::makeAlert("验证身份", "输入口令");
+  AuthCompletion once = [completion, answered, alert](bool ok) {
     if (std::exchange(*answered, true)) return;
+    forgetPrompt(alert);
     completion(ok);
   };
-  rt::Id alert = ui::makeAlert("验证身份", "输入口令");
   ui::addTextField(alert, ui::TextFieldSpec{"口令", true, true});
   ui::addAction(alert, "取消", ui::ActionStyle::Cancel, [once] { once(false); });
   ui::addAction(alert, "确定", ui::ActionStyle::Default, [once, alert] {
+    forgetPrompt(alert);
     bool ok = QBConfig::shared().tryUnlockSilentWithPassword(ui::textFieldText(alert, 0));
     if (ok) revealCheckSucceeded();
     sys::after(kPasswordResultDelay_s, [once, ok] { once(ok); });
@@ -65,7 +80,17 @@ void QBAuth::askPassword(AuthCompletion completion) {
   ui::onDismissedWithoutAction(alert, [once] { once(false); });
   bool shown = host::guarded(
       nullptr, [&] { return ui::present(top, alert, true); }, false);
-  if (!shown) once(false);
+  if (!shown) {
+    once(false);
+    return;
+  }
+  sys::state<PromptState>().alert = alert;
+}
+
+void QBAuth::cancelPrompt() {
+  rt::Id alert = std::exchange(sys::state<PromptState>().alert, nullptr);
+  // Dismissing it without a button answers NO through the prompt's own watch.
+  if (alert) ui::dismiss(alert, false, nullptr);
 }
 
 void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompletion completion) {

@@ -15,6 +15,10 @@ using AuthCompletion = std::function<void(bool passed)>;
 struct QBAuth {
   static rt::Id topVC();
   static void askPassword(AuthCompletion completion);
+  // Takes the password prompt off the screen, if one is up; its completion
+  // answers NO. Leaving the app must not leave a prompt waiting for whoever
+  // holds the phone next.
+  static void cancelPrompt();
   static void authenticateBiometricReason(const std::string& reason, AuthCompletion completion);
   // Mode 1 is the biometric check; any other value is the password.
   static void authenticateWithMode(long mode, const std::string& reason, AuthCompletion completion);

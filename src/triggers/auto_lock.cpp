@@ -19,21 +19,7 @@ namespace {
 
 struct AutoLockState {
   double lastAutoLockAt = 0;
-  bool listsHiddenThisDeparture = false;
 };
-
-// The system pictures the screen for the app switcher as soon as the
-// background notifications are handled: the lists on screen must already be
-// hidden by then, not 0.35 s later. Once per departure; the application's and
-// the scene's notifications of one departure reload once.
-void hideListsBeforeTheSnapshot() {
-  core::QBConfig& c = core::QBConfig::shared();
-  AutoLockState& s = sys::state<AutoLockState>();
-  if (!c.usesManualVisibility() || !c.shouldHideSecrets() || s.listsHiddenThisDeparture) return;
-  s.listsHiddenThisDeparture = true;
-  hiding::QBSessionHooks::refreshFilterCache();
-  hiding::QBSessionHooks::softReloadMainFrameForce(true);
-}
 
 bool isBackground(const std::string& name) {
   return name == sys::kDidEnterBackground || name == sys::kSceneDidEnterBackground;
@@ -54,12 +40,6 @@ void QBAutoLock::install() {
       } else {
         autoLockWithReason(reason);
       }
-      if (isBackground(n.name)) hideListsBeforeTheSnapshot();
-    });
-  }
-  for (const char* name : {sys::kWillEnterForeground, sys::kSceneWillEnterForeground}) {
-    sys::addObserver(name, [](const sys::Notification&) {
-      sys::state<AutoLockState>().listsHiddenThisDeparture = false;
     });
   }
   sys::log("[QB] auto-lock OK");

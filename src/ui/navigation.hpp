@@ -5,7 +5,8 @@
 // tintColor, presentViewController:animated:completion:,
 // dismissViewControllerAnimated:completion:, UIBarButtonItem
 // initWithTitle:style:target:action: (through a trampoline holding the block)
-// as navigationItem.leftBarButtonItem, view.backgroundColor, and
+// as navigationItem.leftBarButtonItem, presentationController.delegate
+// (UIAdaptivePresentationControllerDelegate presentationControllerDidDismiss:), view.backgroundColor, and
 // [UIScreen mainScreen] bounds and scale.
 #pragma once
 
@@ -28,6 +29,11 @@ void presentPageSheet(rt::Id presenter, rt::Id navigation, const SheetSpec& spec
 // Dismisses what `controller` presents, or `controller` itself when it is
 // presented; `completion` runs once the dismissal has finished.
 void dismiss(rt::Id controller, bool animated, std::function<void()> completion);
+// Runs `handler` once the user has dragged the presented sheet away, after the
+// dismissal has finished; never when code dismisses it. On iOS: the
+// presentation controller's delegate (held weakly by UIKit, so the object is
+// kept with the sheet) answering presentationControllerDidDismiss:.
+void onDraggedAway(rt::Id presented, std::function<void()> handler);
 
 enum class BarButtonStyle : long { Plain = 0, Done = 2 };
 void setLeftBarButton(rt::Id controller, const std::string& title, BarButtonStyle style,

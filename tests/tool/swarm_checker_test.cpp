@@ -1,7 +1,7 @@
 // The swarm's checker on its own, fed steps and observations by hand: it
 // names the promise a breach breaks, keeps quiet where the design says so
-// (a panel dragged away, a fault that feeds the surface, a change still
-// reaching the screen), and guards the settings file before and after saves.
+// (a fault that feeds the surface, a change still reaching the screen), and
+// guards the settings file before and after saves.
 #include <gtest/gtest.h>
 
 #include "base/value.hpp"
@@ -51,26 +51,46 @@ TEST(SwarmChecker, ASecretShownWithoutACredentialBreaksTheFirstPromiseOnceTheLis
   EXPECT_EQ(breachOf(c, l.at(1, {"bob", "alice"})), 1);
 }
 
-TEST(SwarmChecker, LeavingAfterACredentialHidesOnReturnUnlessThePanelWasDraggedAway) {
-  for (bool dragged : {false, true}) {
+TEST(SwarmChecker, LeavingAfterACredentialHidesOnReturnWithOrWithoutThePanelUp) {
+  // A prompt on screen holds the plain auto-lock back; the panel's sheet does
+  // not, whatever it shows on top.
+  for (bool panel : {false, true}) {
     Checker c(withBob(), std::nullopt, false, 0);
     Looks l;
     c.launched(0);
     breachOf(c, l.at(1, {"alice"}));
     c.credential(1.5);
-    EXPECT_EQ(breachOf(c, l.at(2, {"bob", "alice"})), 0);
-    if (dragged) c.panelDismissed();
-    c.background(3, false);
-    breachOf(c, l.at(3, {"bob"}, false));
+    EXPECT_EQ(breachOf(c, l.at(3, {"bob", "alice"})), 0);
+    c.background(4, /*somethingHeldOnScreen=*/panel, /*panelOnScreen=*/panel);
+    breachOf(c, l.at(4, {"bob"}, false));
     c.foreground(10);
     breachOf(c, l.at(10, {"bob"}));
-    EXPECT_EQ(breachOf(c, l.at(11, {"bob", "alice"})), dragged ? 0 : 3);
-    if (dragged) {
-      c.panelDone();
-      breachOf(c, l.at(12, {"bob"}));
-      EXPECT_EQ(breachOf(c, l.at(13, {"bob"})), 1) << "完成 ends the hold";
-    }
+    EXPECT_EQ(breachOf(c, l.at(11, {"bob", "alice"})), 3) << "panel " << panel;
   }
+}
+
+TEST(SwarmChecker, ClosingThePanelHidesWhetherByItsButtonOrByDraggingTheSheet) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  c.credential(1);
+  EXPECT_EQ(breachOf(c, l.at(2, {"bob"})), 0);
+  c.panelClosed();
+  breachOf(c, l.at(2, {"bob"}));
+  EXPECT_EQ(breachOf(c, l.at(3, {"bob"})), 1);
+}
+
+TEST(SwarmChecker, TheAppSwitcherPictureNeverShowsASecretUnlessAFaultFeedsThatList) {
+  Observation o = Looks{}.at(1, {"alice"});
+  o.snapshot = Observation::Picture{"main", {"alice", "bob"}};
+  Checker plain(withBob(), std::nullopt, false, 0);
+  EXPECT_EQ(breachOf(plain, o), 3) << "even while revealed: no credential is needed to look";
+  Checker fed(withBob(), std::nullopt, false, qbsim::swarm::kMainList);
+  EXPECT_EQ(breachOf(fed, o), 0);
+  o.snapshot = Observation::Picture{"contacts", {"bob"}};
+  EXPECT_EQ(breachOf(fed, o), 3) << "the contacts list is not fed by that fault";
+  o.snapshot = Observation::Picture{"main", {"alice"}};
+  EXPECT_EQ(breachOf(plain, o), 0);
 }
 
 TEST(SwarmChecker, AutoLockActsAtMostOncePerSpacingAndNotWithAPromptOnScreen) {

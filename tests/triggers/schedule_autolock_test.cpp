@@ -126,13 +126,20 @@ TEST_F(Drivers, LeavingHidesTheListsOnScreenAtOnceAndOncePerDeparture) {
     c.setUnlocked(true);
     wait(1);
   }
-  // In schedule mode leaving is no reason to touch the lists, hidden or not.
+  // In schedule mode a window that shows the secrets keeps showing them, but
+  // not in the picture; back in the app, they are on the list again.
   c.setVisibilityControlMode(1);
+  c.setDailyWindowsField({{0, 1439, 0}});
   c.setUnlocked(false);
-  wait(1);
-  std::size_t before = device.log().size();
+  wait(31);
+  ASSERT_TRUE(c.unlocked());
+  ASSERT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
   ASSERT_TRUE(process->enterBackground());
-  EXPECT_EQ(countLog("[QB] softReload", before), 0);
+  EXPECT_EQ(host.lastSnapshot().mainRows, (std::vector<std::string>{"a", "b"}));
+  EXPECT_TRUE(c.unlocked()) << "the schedule's state is not the picture's";
+  ASSERT_TRUE(process->enterForeground());
+  wait(1);
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
 }
 
 TEST_F(Drivers, AutoLockDebounceAndItsConditions) {

@@ -149,10 +149,10 @@ void addPanel(CommandTable& t) {
           if (what == "done")
             act(s, "panel done: the panel has no done button",
                 [&] { return sim::pressLeftBarButton(panel); });
-          // Dragging the sheet down only dismisses it: nothing of the panel's runs.
           else
-            s.process()->runGuarded(
-                [&] { sim::dismissPresented(rt::send<rt::Id>(panel, "navigationController")); });
+            act(s, "panel dismiss: the panel's sheet cannot be dragged", [&] {
+              return sim::dragAway(rt::send<rt::Id>(panel, "navigationController"));
+            });
           return;
         }
         std::size_t words = what == "switch" ? 5 : 4;

@@ -6,6 +6,7 @@
 #include "commands.hpp"
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
+#include "panel/panel_controller.hpp"
 #include "triggers/schedule.hpp"
 
 namespace qbsim {
@@ -115,7 +116,7 @@ void addStateCommands(CommandTable& t) {
                    requireWords(c, 2, 2, "secret USER");
                    s.withLibrary([&] {
                      QBConfig::shared().addSecretUser(c.words[1]);
-                     hiding::QBSessionHooks::refreshFilterCache();
+                     panel::QBPanelController::secretListChanged();
                      hiding::QBSessionHooks::softReloadMainFrame();
                    });
                  }};
@@ -123,7 +124,7 @@ void addStateCommands(CommandTable& t) {
                      requireWords(c, 2, 2, "unsecret USER");
                      s.withLibrary([&] {
                        QBConfig::shared().removeSecretUser(c.words[1]);
-                       hiding::QBSessionHooks::refreshFilterCache();
+                       panel::QBPanelController::secretListChanged();
                        hiding::QBSessionHooks::softReloadMainFrame();
                      });
                    }};

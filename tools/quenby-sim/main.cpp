@@ -6,9 +6,11 @@
 // Options: --container DIR, --trace, --pictures DIR; for swarm --seeds N | --seed S, --steps K.
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,26 +26,45 @@ int usage() {
   return qbsim::kScriptError;
 }
 
+// One line for a bad argument, exit 2 like any other script error.
+int badArgument(const std::string& what) {
+  std::cerr << "quenby-sim: " << what << "\n";
+  return qbsim::kScriptError;
+}
+
+// A whole number of digits only: strtoull alone would take "-5" as a huge count.
+std::optional<std::uint64_t> wholeNumber(const char* text) {
+  if (!*text) return std::nullopt;
+  for (const char* c = text; *c; ++c)
+    if (*c < '0' || *c > '9') return std::nullopt;
+  errno = 0;
+  std::uint64_t v = std::strtoull(text, nullptr, 10);
+  if (errno == ERANGE) return std::nullopt;
+  return v;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   qbsim::SimOptions options;
   qbsim::swarm::SwarmOptions swarm;
   std::vector<std::string> words;
-  auto number = [&](int& i, std::uint64_t& out) {
-    if (++i >= argc) return false;
-    char* end = nullptr;
-    out = std::strtoull(argv[i], &end, 10);
-    return *argv[i] && !*end;
-  };
+  bool seedsGiven = false, seedGiven = false;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
-    std::uint64_t n = 0;
     if (a == "--seeds" || a == "--seed" || a == "--steps") {
-      if (!number(i, n) || (a != "--seed" && n == 0)) return usage();
-      if (a == "--seeds") swarm.count = n;
-      if (a == "--seed") swarm.first = n, swarm.count = 1;
-      if (a == "--steps") swarm.steps = int(n);
+      std::optional<std::uint64_t> n = i + 1 < argc ? wholeNumber(argv[i + 1]) : std::nullopt;
+      std::uint64_t least = a == "--seed" ? 0 : 1;
+      std::uint64_t most = a == "--steps" ? 1000000 : UINT64_MAX;
+      if (!n || *n < least || *n > most)
+        return badArgument(a + " takes a whole number from " + std::to_string(least) +
+                           (a == "--steps" ? " to 1000000" : " up") + " (got '" +
+                           (i + 1 < argc ? argv[i + 1] : "") + "')");
+      ++i;
+      if (a == "--seeds") swarm.count = *n, seedsGiven = true;
+      if (a == "--seed") swarm.first = *n, swarm.count = 1, seedGiven = true;
+      if (a == "--steps") swarm.steps = int(*n);
+      if (seedsGiven && seedGiven) return badArgument("--seed and --seeds do not go together");
     } else if (a == "--trace") {
       options.trace = true;
     } else if (a == "--container") {

@@ -30,7 +30,8 @@ struct SwarmOptions {
   bool trace = false;
 };
 
-// Runs the seeds in turn, stops at the first failure. Returns the exit status.
+// Runs every seed asked for, printing each failure as it comes, then the failing
+// seeds and "N passed, N failed". Returns the exit status (1 if any failed).
 int runSwarm(const SwarmOptions& options, std::ostream& out);
 
 }  // namespace qbsim::swarm

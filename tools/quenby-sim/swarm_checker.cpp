@@ -45,18 +45,19 @@ void Checker::launched(double now) {
   running_ = true;
   credited_ = credentialSinceLaunch_ = false;
   hiddenBy_ = 1;
-  panelHold_ = false;
   modeSince_ = std::min(modeSince_, now);
 }
 
 void Checker::quit() { running_ = false; }
 
-void Checker::background(double now, bool somethingHeldOnScreen) {
-  // Leaving in manual mode hides, unless a prompt or the panel holds the
-  // auto-lock back, or the panel was dragged away (kept revealed by design).
+void Checker::background(double now, bool somethingHeldOnScreen, bool panelOnScreen) {
+  // Leaving in manual mode hides: at once when the panel is up, under
+  // whatever it shows; otherwise unless a prompt holds the auto-lock back, it
+  // acted a moment ago, or a check's result is still on its way.
+  bool plain = !somethingHeldOnScreen && now - lastBackgroundAt_ >= kAutoLockSpacing &&
+               now - lastCredentialAt_ >= kResultPending;
   if (running_ && settings_.manual && credited_ && !settings_.secrets.empty() &&
-      !somethingHeldOnScreen && !panelHold_ && now - lastBackgroundAt_ >= kAutoLockSpacing &&
-      now - lastCredentialAt_ >= kResultPending) {
+      (panelOnScreen || plain)) {
     credited_ = false;
     hiddenBy_ = 3;
   }
@@ -86,15 +87,12 @@ void Checker::saved(const Settings& now, double at) {
   saved_ = true;
 }
 
-void Checker::panelDone() {
+void Checker::panelClosed() {
   if (settings_.manual) {
     credited_ = false;
     hiddenBy_ = 1;
   }
-  panelHold_ = false;
 }
-
-void Checker::panelDismissed() { panelHold_ = true; }
 
 void Checker::opened(Screen screen, const std::vector<std::string>& dataThen) {
   Loaded& l = loaded_[screen];
@@ -121,12 +119,13 @@ bool Checker::scheduleVisible(long minute) const {
 bool Checker::hiddenForSure(const Observation& o) const {
   if (!running_ || !o.running || settings_.secrets.empty()) return false;
   if (settings_.manual) return !credited_;
-  return settings_.windowsKnown && !panelHold_ && o.now - modeSince_ > kScheduleSettle &&
+  return settings_.windowsKnown && o.now - modeSince_ > kScheduleSettle &&
          o.now - lastUnsureAt_ > kScheduleSettle && o.now - lastScheduleShowAt_ > kScheduleSettle;
 }
 
 std::optional<Breach> Checker::check(const Observation& o) {
   if (o.crash) return Breach{4, "the host app broke: " + *o.crash};
+  if (auto b = judgeSnapshot(o)) return b;
   if (isHeldScreen(o.screen)) lastUnsureAt_ = o.now;
   if (o.screen == "panel" || o.screen == "picker") {
     // The panel keeps the secrets shown while it is open, and opens only
@@ -184,6 +183,18 @@ std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) 
     if (auto r = find(*shown[s]))
       return Breach{2, "secret " + *r + " is on the " + names[s] + " while hidden"};
   }
+  return std::nullopt;
+}
+
+// The app switcher's picture never shows a secret, in any mode or state.
+std::optional<Breach> Checker::judgeSnapshot(const Observation& o) {
+  if (!o.snapshot) return std::nullopt;
+  unsigned fed = o.snapshot->screen == "main" ? kMainList : kContacts;
+  if (exempt_ & fed) return std::nullopt;
+  for (const auto& r : o.snapshot->rows)
+    if (settings_.secrets.count(r))
+      return Breach{3, "the app switcher's picture of the " + o.snapshot->screen +
+                           " list shows secret " + r};
   return std::nullopt;
 }
 

@@ -49,6 +49,13 @@ struct Observation {
   std::vector<sim::Announcement> announcements;  // the ones this step opened
   std::optional<std::string> file;               // the settings file's bytes
   std::optional<std::string> crash;              // the app crashed or broke a type rule
+  // The app switcher's picture, when this step left the app and the picture
+  // was of a list (the main or contacts list): the rows it showed.
+  struct Picture {
+    std::string screen;
+    std::vector<std::string> rows;
+  };
+  std::optional<Picture> snapshot;
 };
 
 struct Breach {
@@ -65,12 +72,12 @@ class Checker {
   // --- What the driver did.
   void launched(double now);
   void quit();
-  void background(double now, bool somethingHeldOnScreen);
+  // `panelOnScreen`: the panel's sheet was up, under whatever it showed.
+  void background(double now, bool somethingHeldOnScreen, bool panelOnScreen = false);
   void foreground(double now);
   void credential(double now);  // a right password confirmed, or a passed biometric check
   void saved(const Settings& now, double at);
-  void panelDone();
-  void panelDismissed();
+  void panelClosed();  // 完成, or the sheet dragged away
   enum Screen { Search, Moments, Forward, kScreens };
   void opened(Screen screen, const std::vector<std::string>& dataThen);
 
@@ -89,6 +96,7 @@ class Checker {
   bool scheduleVisible(long minute) const;
   std::optional<Breach> judgeScreens(const Observation& o, const Key& k);
   std::optional<Breach> judgeDrawn(const Observation& o);
+  std::optional<Breach> judgeSnapshot(const Observation& o);
   std::optional<Breach> judgeAnnouncements(const Observation& o, bool hidden);
   std::optional<Breach> judgeFile(const Observation& o);
   void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
@@ -104,7 +112,6 @@ class Checker {
   bool credited_ = false;
   bool credentialSinceLaunch_ = false;
   int hiddenBy_ = 1;  // which promise a breach breaks: 1 (never revealed) or 3 (hidden on return)
-  bool panelHold_ = false;
   double lastBackgroundAt_ = -1e9;
   double lastCredentialAt_ = -1e9;
   double lastUnsureAt_ = -1e9;  // schedule mode: a change or a screen that freezes it

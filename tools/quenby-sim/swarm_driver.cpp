@@ -70,6 +70,20 @@ std::string screenName(Session& s) {
   return std::string(cls);
 }
 
+// Whether the panel's sheet is on screen, under whatever it presents: what a
+// person sees of the app's presented screens, not the library's state.
+bool panelSheetUp(Session& s) {
+  if (!s.process()) return false;
+  for (rt::Id c = sim::topController(); c;) {
+    const sim::ControllerState& st = *sim::controllerState(c);
+    for (rt::Id vc : st.viewControllers)
+      if (rt::className(vc) == "QBPanelController") return true;
+    if (rt::className(c) == "QBPanelController") return true;
+    c = st.parent ? st.parent : st.presenting;
+  }
+  return false;
+}
+
 // Whether two windows share a minute; a window whose ends are equal holds none.
 bool clash(const Window& a, const Window& b) {
   auto in = [](const Window& x, long m) {
@@ -602,6 +616,7 @@ class Day {
   bool exec(const std::string& line, const std::function<void()>& applied = {}) {
     if (!run_.passed) return false;
     std::string held = screenName(session_);
+    panelWasUp_ = panelSheetUp(session_);
     std::size_t noticesBefore = session_.device().notices().all().size();
     Observation o;
     bool ok = true;
@@ -623,6 +638,11 @@ class Day {
     }
     if (session_.process() == nullptr && checker_ && !o.crash) checker_->quit();
     observe(o, noticesBefore, line);
+    if (ok && line == "background" && session_.process()) {
+      const auto& shot = session_.host().lastSnapshot();
+      if (shot.taken && (shot.screen == "main" || shot.screen == "contacts"))
+        o.snapshot = Observation::Picture{shot.screen, shot.rows};
+    }
     record(line + outcome);
     if (!checker_) return ok;
     if (auto b = checker_->check(o)) {
@@ -645,7 +665,7 @@ class Day {
     else if (cmd == "background") {
       bool held = heldBefore == "alert" || heldBefore == "biometric" || heldBefore == "panel" ||
                   heldBefore == "picker";
-      checker_->background(now, held);
+      checker_->background(now, held, panelWasUp_);
     } else if (cmd == "foreground")
       checker_->foreground(now);
     else if (cmd == "type")
@@ -655,10 +675,8 @@ class Day {
       typed_.reset();
     } else if (cmd == "biometric" && w[1] == "pass")
       checker_->credential(now);
-    else if (cmd == "panel" && w[1] == "done")
-      checker_->panelDone();
-    else if (cmd == "panel" && w[1] == "dismiss")
-      checker_->panelDismissed();
+    else if (cmd == "panel" && (w[1] == "done" || w[1] == "dismiss"))
+      checker_->panelClosed();
     else if (cmd == "open" && w[1] == "search") {
       std::vector<std::string> data;
       for (const auto& f : session_.host().model.friends)
@@ -712,6 +730,7 @@ class Day {
   Settings model_;
   std::optional<Checker> checker_;
   unsigned exempt_ = 0, gone_ = 0;
+  bool panelWasUp_ = false;
   std::vector<Window> pendingWindows_;
   std::optional<std::string> typed_;
   std::deque<std::string> recent_;
@@ -729,6 +748,8 @@ int runSwarm(const SwarmOptions& options, std::ostream& out) {
   auto started = std::chrono::steady_clock::now();
   long steps = 0;
   std::set<std::string> faults;
+  // Every seed asked for runs: a failure early on must not hide the ones after it.
+  std::vector<std::uint64_t> failed;
   for (std::uint64_t k = 0; k < options.count; ++k) {
     std::uint64_t seed = options.first + k;
     SeedRun r = runSeed(seed, options.steps, options.trace ? &out : nullptr);
@@ -736,14 +757,21 @@ int runSwarm(const SwarmOptions& options, std::ostream& out) {
     faults.insert(r.faults.begin(), r.faults.end());
     if (!r.passed) {
       out << r.failure;
-      return 1;
+      failed.push_back(seed);
     }
   }
   double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-  out << options.count << " seeds passed, " << steps << " steps, " << faults.size() << " of "
-      << hostFaults().size() << " host faults exercised\n";
-  if (options.count > 1) out << "wall time " << fmt(wall) << " s\n";
-  return 0;
+  out << steps << " steps, " << faults.size() << " of " << hostFaults().size()
+      << " host faults exercised";
+  if (options.count > 1) out << ", wall time " << fmt(wall) << " s";
+  out << "\n";
+  if (!failed.empty()) {
+    out << "failing seeds:";
+    for (std::uint64_t seed : failed) out << " " << seed;
+    out << "\n";
+  }
+  out << options.count - failed.size() << " passed, " << failed.size() << " failed\n";
+  return failed.empty() ? 0 : 1;
 }
 
 }  // namespace qbsim::swarm

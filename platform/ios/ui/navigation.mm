@@ -1,6 +1,7 @@
 // Sheets, navigation and bar buttons on iOS: a page sheet (with iOS 15's
 // sheet controller where there is one), UIKit's own dismissal, and a bar
-// button whose target is a trampoline kept alive by the item.
+// button whose target is a trampoline kept alive by the item; the sheet's
+// presentation delegate, likewise kept alive by the sheet.
 #include "ui/navigation.hpp"
 
 #import <UIKit/UIKit.h>
@@ -11,6 +12,15 @@
 #include "trampoline.h"
 #include "ui/alerts.hpp"
 #include "uikit_values.h"
+
+@interface QBSheetWatch : QBTrampoline <UIAdaptivePresentationControllerDelegate>
+@end
+
+@implementation QBSheetWatch
+- (void)presentationControllerDidDismiss:(UIPresentationController*)presentationController {
+  [self fire:presentationController];
+}
+@end
 
 namespace ui {
 namespace {
@@ -48,6 +58,15 @@ void dismiss(rt::Id controller, bool animated, std::function<void()> completion)
                                                      ios::shielded("dismissal", completion);
                                                  }];
   });
+}
+
+void onDraggedAway(rt::Id presented, std::function<void()> handler) {
+  UIViewController* sheet = controllerOf(presented);
+  QBSheetWatch* watch = ios::trampoline<QBSheetWatch>([handler = std::move(handler)](id) {
+    if (handler) handler();
+  });
+  ios::keepWith(sheet, watch);
+  sheet.presentationController.delegate = watch;
 }
 
 void setLeftBarButton(rt::Id controller, const std::string& title, BarButtonStyle style,

@@ -64,7 +64,20 @@ GestureState* gestureState(Id recognizer) {
                                                                        : nullptr;
 }
 
+namespace {
+
+// Whatever the controller or a controller it contains presents goes first,
+// as UIKit takes the whole stack above a dismissed controller with it.
+void dismissPresentedAbove(Id controller) {
+  ControllerState& c = *controllerState(controller);
+  if (c.presented) dismissPresented(c.presented);
+  for (Id child : std::vector<Id>(c.children)) dismissPresentedAbove(child);
+}
+
+}  // namespace
+
 void dismissPresented(Id controller) {
+  dismissPresentedAbove(controller);
   ControllerState& c = *controllerState(controller);
   if (Id presenter = c.presenting) {
     controllerState(presenter)->presented = nullptr;

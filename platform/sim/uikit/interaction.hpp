@@ -42,6 +42,11 @@ GestureState* gestureState(rt::Id recognizer);
 // handler runs. False when the alert has no such action.
 bool pressAlertAction(rt::Id alert, const std::string& title);
 void typeIntoAlert(rt::Id alert, const std::string& text);
+// Dismisses a presented controller, and first whatever is presented above it.
 void dismissPresented(rt::Id controller);
+// The user drags a presented page sheet down: it is dismissed, and once the
+// sheet has gone its presentation delegate hears of it. False when `presented`
+// is no sheet on screen.
+bool dragAway(rt::Id presented);
 
 }  // namespace sim

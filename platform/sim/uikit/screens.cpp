@@ -23,6 +23,9 @@ using rt::Id;
 
 Id newObject(const char* cls) { return rt::send<Id>(rt::getClass(cls), "new"); }
 
+// How long UIKit's sheet and alert transitions take.
+constexpr double kSheetAnimation_s = 0.3;
+
 // The view's origin in the coordinates of the root of its tree.
 rt::CGPoint absoluteOrigin(Id view) {
   rt::CGPoint p{0, 0};
@@ -65,6 +68,15 @@ void setPickerTime(rt::Id picker, long hour, long minute) {
   DatePickerState& p = extra<DatePickerState>(picker);
   p.hour = hour;
   p.minute = minute;
+}
+
+bool dragAway(rt::Id presented) {
+  ScreenState* s = findExtra<ScreenState>(presented);
+  // Only a sheet can be dragged; a full-screen presentation has nothing to drag.
+  if (!s || s->modalPresentationStyle != 1 || !controllerState(presented)->presenting) return false;
+  dismissPresented(presented);
+  if (s->draggedAway) sys::after(kSheetAnimation_s, s->draggedAway);
+  return true;
 }
 
 bool pressLeftBarButton(rt::Id controller) {
@@ -130,7 +142,11 @@ void dismiss(rt::Id controller, bool animated, std::function<void()> completion)
   rt::Id target = sim::controllerState(controller)->presented;
   if (!target) target = sim::presentedRoot(controller);
   if (target) sim::dismissPresented(target);
-  if (completion) sys::after(animated ? 0.3 : 0, std::move(completion));
+  if (completion) sys::after(animated ? sim::kSheetAnimation_s : 0, std::move(completion));
+}
+
+void onDraggedAway(rt::Id presented, std::function<void()> handler) {
+  sim::extra<sim::ScreenState>(presented).draggedAway = std::move(handler);
 }
 
 void setLeftBarButton(rt::Id controller, const std::string& title, BarButtonStyle style,

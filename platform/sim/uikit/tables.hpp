@@ -66,6 +66,7 @@ struct ScreenState {                 // a view controller's navigation item and 
   rt::Id searchController = nullptr;
   ui::Color background, tint;
   long tableStyle = 0;  // a table view controller's initWithStyle:
+  std::function<void()> draggedAway;  // the presentation delegate's did-dismiss
 };
 struct SearchState {
   ui::SearchSpec spec;

@@ -290,7 +290,14 @@ typedef enum UIBarButtonItemStyle : NSInteger {
 @property (nonatomic) BOOL prefersLargeTitles;
 @end
 
+@class UIPresentationController;
+@protocol UIAdaptivePresentationControllerDelegate <NSObject>
+@optional
+- (void)presentationControllerDidDismiss:(UIPresentationController *)presentationController;
+@end
+
 @interface UIPresentationController : NSObject
+@property (nonatomic, weak) id<UIAdaptivePresentationControllerDelegate> delegate;
 @end
 
 @interface UISheetPresentationControllerDetent : NSObject
@@ -312,6 +319,7 @@ typedef enum UIBarButtonItemStyle : NSInteger {
 @property (nonatomic, readonly, strong) UINavigationItem *navigationItem;
 @property (nonatomic) UIModalPresentationStyle modalPresentationStyle;
 @property (nonatomic, readonly) UISheetPresentationController *sheetPresentationController;
+@property (nonatomic, readonly) UIPresentationController *presentationController;
 @property (nonatomic) BOOL definesPresentationContext;
 - (void)viewDidDisappear:(BOOL)animated;
 @end
