@@ -45,3 +45,17 @@ expect revealed
 foreground
 wait 1
 expect main alice bob
+
+# The window ends while the app is away: the picture never showed the secret,
+# and the app comes back hidden.
+clock 12:00
+setting dailyWindows 12:00-12:02 show
+wait 31
+expect revealed
+background
+expect snapshot alice
+wait 120
+foreground
+wait 1
+expect hidden
+expect main alice

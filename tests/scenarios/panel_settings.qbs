@@ -1,6 +1,6 @@
 # The panel's rows save at once: notify modes, switches, the password, and a
 # secret swiped off the list; a cold start shows the same panel. Dragging the
-# sheet away leaves the secrets revealed (the panel's own close never runs).
+# sheet away closes the panel as 完成 does.
 friend alice nick=Alice
 friend bob nick=Bob
 session bob

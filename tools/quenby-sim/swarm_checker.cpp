@@ -158,7 +158,7 @@ std::optional<Breach> Checker::check(const Observation& o) {
     if (k.hidden)
       if (auto b = judgeScreens(o, k)) return b;
   }
-  if (auto b = judgeAnnouncements(o, k.hidden && o.now - changedAt_ >= kSettle)) return b;
+  if (auto b = judgeAnnouncements(o, k.hidden)) return b;
   return judgeFile(o);
 }
 
@@ -213,9 +213,13 @@ std::optional<Breach> Checker::judgeDrawn(const Observation& o) {
   return std::nullopt;
 }
 
-std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hidden) {
-  for (const sim::Announcement& a : o.announcements) {
+std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hiddenNow) {
+  for (std::size_t i = 0; i < o.announcements.size(); ++i) {
+    const sim::Announcement& a = o.announcements[i];
     if (!settings_.secrets.count(a.from)) continue;
+    // Judged by when it came: a sheet still closing, 0.3 s, was the state before.
+    double at = i < o.announcedAt.size() ? o.announcedAt[i] : o.now;
+    bool hidden = hiddenNow && at - changedAt_ >= kSettle;
     std::string what = a.kind + " from " + a.from + ": banner '" + a.banner + "', sound " +
                        std::to_string(a.sound) + ", vibrations " + std::to_string(a.vibrations) +
                        ", ringing " + std::to_string(a.ringing);

@@ -47,6 +47,7 @@ struct Observation {
   long contactsReloads = 0;
   std::vector<std::string> search, moments, forward;
   std::vector<sim::Announcement> announcements;  // the ones this step opened
+  std::vector<double> announcedAt;               // when each came, in device seconds
   std::optional<std::string> file;               // the settings file's bytes
   std::optional<std::string> crash;              // the app crashed or broke a type rule
   // The app switcher's picture, when this step left the app and the picture
@@ -97,7 +98,7 @@ class Checker {
   std::optional<Breach> judgeScreens(const Observation& o, const Key& k);
   std::optional<Breach> judgeDrawn(const Observation& o);
   std::optional<Breach> judgeSnapshot(const Observation& o);
-  std::optional<Breach> judgeAnnouncements(const Observation& o, bool hidden);
+  std::optional<Breach> judgeAnnouncements(const Observation& o, bool hiddenNow);
   std::optional<Breach> judgeFile(const Observation& o);
   void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
 

@@ -698,7 +698,13 @@ class Day {
     o.minuteOfDay = long(session_.device().localSecondOfDay() / 60) % 1440;
     o.file = readFile(session_.settingsPath());
     auto all = session_.device().notices().all();
-    for (std::size_t k = noticesBefore; k < all.size(); ++k) o.announcements.push_back(all[k]);
+    double secondOfDay = session_.device().localSecondOfDay();
+    for (std::size_t k = noticesBefore; k < all.size(); ++k) {
+      o.announcements.push_back(all[k]);
+      // Within one step, never a day ago: the wall clock only wraps at midnight.
+      double ago = std::fmod(secondOfDay - all[k].secondOfDay + 86400, 86400);
+      o.announcedAt.push_back(o.now - ago);
+    }
     if (!p) return;
     o.active = p->appState() == sim::AppState::Active;
     o.screen = screenName(session_);
