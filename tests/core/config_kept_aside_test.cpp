@@ -43,7 +43,9 @@ class KeptAside : public qbtest::SimWorld {
     std::map<std::string, std::string> out;
     for (const auto& e : fs::directory_iterator(folder()))
       if (e.path().filename() != "config.plist")
-        out[e.path().filename().string()] = sim::readWholeFile(e.path().string()).value_or("");
+        out[e.path().filename().string()] = fs::is_regular_file(e.symlink_status())
+                                                ? sim::readWholeFile(e.path().string()).value_or("")
+                                                : "";
     return out;
   }
   std::vector<std::string> logLines() {
