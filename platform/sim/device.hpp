@@ -36,6 +36,9 @@ struct Faults {
   // The next settings-style atomic write "crashes" after writing its temporary
   // file and before the rename.
   bool crashBeforeRename = false;
+  // The app container can be read but not changed: creating, writing and
+  // moving fail with EROFS, as on a read-only volume.
+  bool readOnlyContainer = false;
 };
 
 class Device {

@@ -1,5 +1,8 @@
 // The files facade on the simulated device's container: plain files on the
-// Linux disk, property lists through libplist.
+// Linux disk, property lists through libplist. A container the device's
+// faults make read-only refuses every change, as the phone's volume would.
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -9,12 +12,28 @@
 #include "sys/files.hpp"
 
 namespace sys {
+namespace {
+
+sim::Faults* deviceFaults() {
+  return sim::hasCurrentProcess() ? &sim::currentProcess().device().faults() : nullptr;
+}
+
+bool readOnly() {
+  sim::Faults* faults = deviceFaults();
+  return faults && faults->readOnlyContainer;
+}
+
+void describe(std::string* error, const std::string& path, int code) {
+  if (error) *error = path + ": " + std::strerror(code);
+}
+
+}  // namespace
 
 std::string documentsDirectory() { return sim::currentProcess().device().documentsPath(); }
 
 bool createDirectories(const std::string& path) {
   std::error_code ec;
-  std::filesystem::create_directories(path, ec);
+  if (!readOnly()) std::filesystem::create_directories(path, ec);
   return std::filesystem::is_directory(path, ec);
 }
 
@@ -23,22 +42,41 @@ bool fileExists(const std::string& path) {
   return std::filesystem::exists(path, ec);
 }
 
-std::optional<base::Value> readPropertyList(const std::string& path) {
-  auto bytes = sim::readWholeFile(path);
-  if (!bytes) return std::nullopt;
-  return sim::decodePlist(*bytes);
+PlistFile readPropertyListFile(const std::string& path) {
+  sim::FileBytes file = sim::readRegularFile(path);
+  switch (file.status) {
+    case sim::ReadStatus::Missing:
+      return {ReadStatus::Missing, {}};
+    case sim::ReadStatus::Unreadable:
+      return {ReadStatus::Unreadable, {}};
+    case sim::ReadStatus::Read:
+      break;
+  }
+  std::optional<base::Value> root = sim::decodePlist(file.bytes);
+  if (!root) return {ReadStatus::Damaged, {}};
+  return {ReadStatus::Read, std::move(*root)};
 }
 
-bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format) {
-  sim::WriteFault fault = sim::WriteFault::None;
-  if (sim::hasCurrentProcess()) {
-    sim::Faults& faults = sim::currentProcess().device().faults();
-    if (faults.crashBeforeRename) {
-      faults.crashBeforeRename = false;
-      fault = sim::WriteFault::CrashBeforeRename;
-    }
+MoveResult moveItem(const std::string& from, const std::string& to, std::string* error) {
+  int code = readOnly() ? EROFS : sim::renameWithoutReplacing(from, to);
+  if (code == 0) return MoveResult::Moved;
+  describe(error, from, code);
+  if (code == EEXIST) return MoveResult::TargetExists;
+  return code == ENOENT ? MoveResult::SourceMissing : MoveResult::Failed;
+}
+
+bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format,
+                       std::string* error) {
+  if (readOnly()) {
+    describe(error, path, EROFS);
+    return false;
   }
-  return sim::writeFileAtomically(path, sim::encodePlist(value, format), fault);
+  sim::WriteFault fault = sim::WriteFault::None;
+  if (sim::Faults* faults = deviceFaults(); faults && faults->crashBeforeRename) {
+    faults->crashBeforeRename = false;
+    fault = sim::WriteFault::CrashBeforeRename;
+  }
+  return sim::writeFileAtomically(path, sim::encodePlist(value, format), fault, error);
 }
 
 }  // namespace sys

@@ -2,8 +2,10 @@
 // finds there, and the 17 keys save writes.
 #include "core/config.hpp"
 
-#include "sys/process_state.hpp"
+#include "core/kept_aside.hpp"
 #include "sys/files.hpp"
+#include "sys/log.hpp"
+#include "sys/process_state.hpp"
 
 namespace core {
 namespace {
@@ -67,8 +69,21 @@ void QBConfig::setDailyWindowsField(DailyWindows v) {
 }
 
 void QBConfig::load() {
-  std::optional<base::Value> file = sys::readPropertyList(configURL());
-  applySettings(file ? *file : base::Value());
+  std::string path = configURL();
+  sys::PlistFile file = sys::readPropertyListFile(path);
+  bool usable = file.status == sys::ReadStatus::Read && file.value.isDictionary();
+  if (file.status != sys::ReadStatus::Missing && !usable) {
+    std::string error;
+    if (!moveUnusableAside(path, true, &error))
+      sys::log("[QB] config unreadable, left in place: %@", error);
+  }
+  applySettings(usable ? file.value : base::Value());
+}
+
+bool QBConfig::moveUnusableAside(const std::string& path, bool found, std::string* error) {
+  std::lock_guard lock(lock_);
+  unusableInPlace_ = (unusableInPlace_ || found) && !keepAside(path, error);
+  return !unusableInPlace_;
 }
 
 void QBConfig::applySettings(const base::Value& file) {
@@ -168,7 +183,11 @@ base::Value QBConfig::settingsDictionary() {
 void QBConfig::save() {
   // The snapshot is taken under the lock; the write happens outside it.
   base::Value dict = settingsDictionary();
-  sys::writePropertyList(configURL(), dict);
+  std::string path = configURL();
+  std::string error;
+  if (!moveUnusableAside(path, false, &error) ||
+      !sys::writePropertyList(path, dict, sys::PlistFormat::Xml, &error))
+    sys::log("[QB] config save failed: %@", error);
 }
 
 }  // namespace core

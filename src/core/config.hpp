@@ -28,9 +28,13 @@ class QBConfig {
   // Documents/Quenby/config.plist; creates the folder on every call.
   std::string configURL();
   // Replaces every persisted field from the file, with the migrations and
-  // repairs of old or damaged data. Called once, by shared().
+  // repairs of old or damaged data. Called once, by shared(). A file that
+  // cannot be read or is not a dictionary gives every default and is kept
+  // aside (logged).
   void load();
-  // Writes exactly the 17 keys. A failed write is silent.
+  // Writes exactly the 17 keys. A failed write logs one line and keeps the
+  // settings in memory; a file load could not keep aside is never written
+  // over (each save tries again to move it first).
   void save();
   // What save writes, in its order (also what the simulator shows).
   base::Value settingsDictionary();
@@ -120,6 +124,10 @@ class QBConfig {
   void notifyStateChangedDeferred();
 
  private:
+  // Sets aside the unusable file at `path` when one was `found` now or is
+  // still in place from before. False, with `error`, while it is in place.
+  bool moveUnusableAside(const std::string& path, bool found, std::string* error);
+
   mutable std::mutex lock_;  // the secret set, the two non-scalar settings, load and save
   std::unordered_set<std::string> secrets_;
   std::atomic<bool> unlocked_{false};
@@ -130,6 +138,7 @@ class QBConfig {
   std::atomic<long> panelAuthMode_{0}, revealAuthMode_{0}, visibilityControl_{0},
       secretNotifyMode_{0};
   DailyWindows dailyWindows_ = defaultDailyWindows();
+  bool unusableInPlace_ = false;  // a file load could not keep aside
 };
 
 }  // namespace core

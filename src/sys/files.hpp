@@ -1,7 +1,11 @@
-// The app container's files: the Documents folder and property-list files.
+// The app container's files: the Documents folder, property-list files and
+// moving an item within a folder. Primitive calls only: what to do with a
+// file that cannot be used is the caller's decision.
 // On iOS: NSFileManager URLsForDirectory:inDomains: (NSDocumentDirectory,
-// NSUserDomainMask), createDirectoryAtURL:withIntermediateDirectories:...,
-// NSDictionary dictionaryWithContentsOfURL: and writeToURL:atomically:YES.
+// NSUserDomainMask), createDirectoryAtPath:withIntermediateDirectories:...,
+// attributesOfItemAtPath:error: and moveItemAtPath:toPath:error:;
+// NSPropertyListSerialization for the XML and binary forms, and NSData's
+// writeToFile:options:error: with NSDataWritingAtomic.
 #pragma once
 
 #include <optional>
@@ -18,19 +22,52 @@ std::string documentsDirectory();
 // callers ignore them: true only when the folder exists afterwards.
 bool createDirectories(const std::string& path);
 
+// fileExistsAtPath: (a symbolic link is followed).
 bool fileExists(const std::string& path);
 
-// Reads a property list in XML or binary form. A missing, unreadable or
-// damaged file, or one whose content is not a property list, gives nullopt.
-// Any root type is returned; callers that need a dictionary check for one.
-std::optional<base::Value> readPropertyList(const std::string& path);
+enum class ReadStatus {
+  Missing,     // nothing at the path
+  Read,        // a property list, of any root type
+  Unreadable,  // something is there, but not a regular file, or its bytes could not be read
+  Damaged,     // the bytes were read but are not a property list
+};
+struct PlistFile {
+  ReadStatus status = ReadStatus::Missing;
+  base::Value value;  // the root, when Read
+};
+
+// attributesOfItemAtPath:error: first: only an NSFileType of
+// NSFileTypeRegular is read (a link is not followed). Then open(2) with
+// O_NONBLOCK | O_NOFOLLOW and fstat(2), so that an item swapped in meanwhile
+// is caught on the descriptor before a read could block on it; the bytes
+// through NSFileHandle readDataToEndOfFileAndReturnError:, the value through
+// NSPropertyListSerialization propertyListWithData:options:format:error:.
+PlistFile readPropertyListFile(const std::string& path);
+
+// The root of a readable property list at `path`; nullopt otherwise.
+inline std::optional<base::Value> readPropertyList(const std::string& path) {
+  PlistFile file = readPropertyListFile(path);
+  if (file.status != ReadStatus::Read) return std::nullopt;
+  return std::move(file.value);
+}
+
+enum class MoveResult { Moved, SourceMissing, TargetExists, Failed };
+
+// moveItemAtPath:toPath:error: within one volume: a file, folder or any other
+// item keeps its content under the new name. An item already at `to` is
+// never replaced (TargetExists, NSFileWriteFileExistsError); nothing at
+// `from` is SourceMissing (NSFileNoSuchFileError). On failure `error`, when
+// given, gets the error's localizedDescription.
+MoveResult moveItem(const std::string& from, const std::string& to, std::string* error = nullptr);
 
 enum class PlistFormat { Xml, Binary };
 
 // Writes atomically: a temporary file beside the target, then a rename, so
 // that the target is either the old file or the complete new one. Returns
-// false on failure (and leaves the old file in place).
+// false on failure, with `error` (when given) set to the error's
+// localizedDescription; the old file is left in place and no temporary file
+// is left behind.
 bool writePropertyList(const std::string& path, const base::Value& value,
-                       PlistFormat format = PlistFormat::Xml);
+                       PlistFormat format = PlistFormat::Xml, std::string* error = nullptr);
 
 }  // namespace sys

@@ -1,12 +1,11 @@
 // Loading and saving the settings file: defaults, every migration and repair
-// step, damaged files, and the exact keys written.
+// step, and the exact keys written (damaged files: config_kept_aside_test).
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "core/config.hpp"
-#include "sim/atomic_file.hpp"
 #include "sim/plist_codec.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
@@ -64,29 +63,6 @@ TEST_F(ConfigFile, NoFileGivesEveryDefaultAndWritesNothing) {
   EXPECT_FALSE(std::filesystem::exists(path())) << "load never saves";
   EXPECT_TRUE(std::filesystem::is_directory(device.documentsPath() + "/Quenby"))
       << "configURL makes the folder";
-}
-
-TEST_F(ConfigFile, DamagedFilesFallBackToDefaultsWithoutTouchingThem) {
-  const std::string binary = sim::encodePlist(
-      base::Value(base::Dictionary{{"password", base::Value("1111")}}), sys::PlistFormat::Binary);
-  std::string brokenOffsets = binary;
-  for (std::size_t i = brokenOffsets.size() - 26; i < brokenOffsets.size(); ++i)
-    brokenOffsets[i] = '\xff';
-  const std::string cases[] = {
-      "",
-      "garbage that is not a property list",
-      binary.substr(0, binary.size() / 2),
-      brokenOffsets,
-      "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>password</key><string>9",
-      sim::encodePlist(base::Value(base::Array{base::Value("7351")}), sys::PlistFormat::Xml),
-      sim::encodePlist(base::Value("a string root"), sys::PlistFormat::Binary),
-  };
-  for (const std::string& bytes : cases) {
-    writeRaw(bytes);
-    auto c = loaded();
-    expectDefaults(*c);
-    EXPECT_EQ(sim::readWholeFile(path()), bytes) << "the damaged file is left as it was";
-  }
 }
 
 TEST_F(ConfigFile, WronglyTypedAndOutOfRangeValues) {

@@ -55,6 +55,8 @@ libsystem=(
   _memcpy _memmove _memset _memcmp _memchr _bzero
   _strlen _strcmp _strncmp _strchr _strrchr _strstr _strpbrk _strtol _strtoll _strtod
   _snprintf _vsnprintf _abort
+  # reading the settings file without blocking on what is not a regular file
+  _open _fstat _close
   ___stack_chk_fail ___stack_chk_guard
   dyld_stub_binder
   # thread_local storage (the per-thread key-value search memo), from dyld

@@ -2,7 +2,10 @@
 // simulated crash leaves the old one, errors are reported, not hidden, and a
 // property list on disk reads back.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 #include <algorithm>
 #include <filesystem>
@@ -71,6 +74,33 @@ TEST_F(AtomicFile, FailuresAreReportedAndLeaveNothing) {
   EXPECT_EQ(entries(), std::vector<std::string>{"folder"});
   EXPECT_EQ(sim::readWholeFile(path("absent")), std::nullopt);
   EXPECT_EQ(sim::readWholeFile(path("folder")), std::nullopt);
+}
+
+TEST_F(AtomicFile, OnlyARegularFileIsRead) {
+  ASSERT_TRUE(sim::writeFileAtomically(path("real"), "bytes"));
+  fs::create_symlink(path("real"), dir_ / "link");
+  ASSERT_EQ(::mkfifo(path("fifo").c_str(), 0644), 0);
+  fs::create_directory(dir_ / "folder");
+  EXPECT_EQ(sim::readRegularFile(path("real")).status, sim::ReadStatus::Read);
+  EXPECT_EQ(sim::readRegularFile(path("real")).bytes, "bytes");
+  EXPECT_EQ(sim::readRegularFile(path("absent")).status, sim::ReadStatus::Missing);
+  for (const char* other : {"link", "fifo", "folder"}) {
+    sim::FileBytes read = sim::readRegularFile(path(other));
+    EXPECT_EQ(read.status, sim::ReadStatus::Unreadable) << other;
+    EXPECT_EQ(read.bytes, "") << other;
+  }
+}
+
+TEST_F(AtomicFile, AMoveNeverReplaces) {
+  ASSERT_TRUE(sim::writeFileAtomically(path("a"), "first"));
+  ASSERT_TRUE(sim::writeFileAtomically(path("b"), "second"));
+  EXPECT_EQ(sim::renameWithoutReplacing(path("a"), path("b")), EEXIST);
+  EXPECT_EQ(sim::readWholeFile(path("a")), "first");
+  EXPECT_EQ(sim::readWholeFile(path("b")), "second");
+  EXPECT_EQ(sim::renameWithoutReplacing(path("absent"), path("c")), ENOENT);
+  EXPECT_EQ(sim::renameWithoutReplacing(path("a"), path("c")), 0);
+  EXPECT_EQ(entries(), (std::vector<std::string>{"b", "c"}));
+  EXPECT_EQ(sim::readWholeFile(path("c")), "first");
 }
 
 TEST_F(AtomicFile, APropertyListOnDiskReadsBack) {

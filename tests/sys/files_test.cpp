@@ -60,6 +60,44 @@ TEST_F(ContainerFiles, ADamagedFileReadsAsNothing) {
   EXPECT_EQ(sys::readPropertyList(file()), std::nullopt);
 }
 
+TEST_F(ContainerFiles, AReadTellsMissingFromUnreadableFromDamaged) {
+  sys::createDirectories(folder());
+  EXPECT_EQ(sys::readPropertyListFile(file()).status, sys::ReadStatus::Missing);
+  ASSERT_TRUE(sys::writePropertyList(file(), base::Value("a string root")));
+  sys::PlistFile read = sys::readPropertyListFile(file());
+  EXPECT_EQ(read.status, sys::ReadStatus::Read);
+  EXPECT_EQ(read.value, base::Value("a string root")) << "any root: the caller judges it";
+  std::ofstream(file()) << "not a property list";
+  EXPECT_EQ(sys::readPropertyListFile(file()).status, sys::ReadStatus::Damaged);
+  EXPECT_EQ(sys::readPropertyListFile(folder()).status, sys::ReadStatus::Unreadable);
+}
+
+TEST_F(ContainerFiles, MovesKeepWhatIsAlreadyThere) {
+  sys::createDirectories(folder());
+  ASSERT_TRUE(sys::writePropertyList(file(), settings("a")));
+  ASSERT_TRUE(sys::writePropertyList(folder() + "/b.plist", settings("b")));
+  EXPECT_EQ(sys::moveItem(file(), folder() + "/b.plist"), sys::MoveResult::TargetExists);
+  EXPECT_EQ(sys::readPropertyList(folder() + "/b.plist"), settings("b"));
+  EXPECT_EQ(sys::moveItem(folder() + "/none", folder() + "/c.plist"),
+            sys::MoveResult::SourceMissing);
+  EXPECT_EQ(sys::moveItem(file(), folder() + "/c.plist"), sys::MoveResult::Moved);
+  EXPECT_EQ(sys::readPropertyList(folder() + "/c.plist"), settings("a"));
+  EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(ContainerFiles, AReadOnlyContainerChangesNothing) {
+  sys::createDirectories(folder());
+  ASSERT_TRUE(sys::writePropertyList(file(), settings("old")));
+  device.faults().readOnlyContainer = true;
+  std::string error;
+  EXPECT_FALSE(sys::writePropertyList(file(), settings("new"), sys::PlistFormat::Xml, &error));
+  EXPECT_EQ(error, file() + ": Read-only file system");
+  EXPECT_EQ(sys::moveItem(file(), folder() + "/b.plist"), sys::MoveResult::Failed);
+  EXPECT_FALSE(sys::createDirectories(folder() + "/sub"));
+  EXPECT_EQ(sys::readPropertyList(file()), settings("old")) << "still readable";
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder()), {}), 1);
+}
+
 TEST(PlistCodec, TextThatIsNotUtf8IsNotAPropertyList) {
   std::string xml = sim::encodePlist(
       base::Value(base::Dictionary{{"password", base::Value("alice")}}), sys::PlistFormat::Xml);

@@ -1,7 +1,7 @@
 // The swarm's checker on its own, fed steps and observations by hand: it
 // names the promise a breach breaks, keeps quiet where the design says so
 // (a fault that feeds the surface, a change still reaching the screen), and
-// guards the settings file before and after saves.
+// guards the settings file before and after saves, and a damaged one kept aside.
 #include <gtest/gtest.h>
 
 #include "base/value.hpp"
@@ -176,14 +176,15 @@ TEST(SwarmChecker, NotificationsFollowTheModeWhileHiddenAndCallsTheirSwitchesInT
 }
 
 TEST(SwarmChecker, TheFileStaysAsItWasUntilTheFirstSaveThenHoldsWhatWasSaved) {
-  std::string damaged = "bplist00\x01garbage";
-  Checker c(Settings{}, damaged, false, 0);
+  std::string legacy = sim::encodePlist(
+      base::Value(base::Dictionary{{"authMode", base::Value(1L)}}), sys::PlistFormat::Xml);
+  Checker c(Settings{}, legacy, false, 0);
   Looks l;
   c.launched(0);
   Observation o = l.at(1, {});
-  o.file = damaged;
+  o.file = legacy;
   EXPECT_EQ(breachOf(c, o), 0);
-  o.file = damaged + " ";
+  o.file = legacy + " ";
   EXPECT_EQ(breachOf(c, o), 5);
   Settings saved = withBob();
   c.saved(saved, 2);
@@ -199,11 +200,41 @@ TEST(SwarmChecker, TheFileStaysAsItWasUntilTheFirstSaveThenHoldsWhatWasSaved) {
   o = l.at(3, {});
   o.file = sim::encodePlist(base::Value(d), sys::PlistFormat::Xml);
   EXPECT_EQ(breachOf(c, o), 0);
+  o.besideFile["config.plist.tmp.1.0"] = "";
+  EXPECT_EQ(breachOf(c, o), 5) << "nothing is left beside a usable file";
+  o.besideFile.clear();
   saved.voice = true;
   c.saved(saved, 4);
   EXPECT_EQ(breachOf(c, o), 5) << "the file must follow the last save";
-  o.file = damaged;
+  o.file = legacy;
   EXPECT_EQ(breachOf(c, o), 5);
+}
+
+TEST(SwarmChecker, ADamagedFileIsKeptAsideWholeFromTheFirstLaunch) {
+  std::string damaged = "bplist00\x01garbage";
+  Checker c(Settings{}, damaged, false, 0);
+  Looks l;
+  Observation before;
+  before.file = damaged;
+  EXPECT_EQ(breachOf(c, before), 0);
+  c.launched(0);
+  Observation o = l.at(1, {});
+  o.file = damaged;
+  EXPECT_EQ(breachOf(c, o), 5) << "still in place after launch";
+  o.file.reset();
+  EXPECT_EQ(breachOf(c, o), 5) << "gone, not kept";
+  o.besideFile["config-2025-11-25-031700.plist"] = damaged;
+  EXPECT_EQ(breachOf(c, o), 0);
+  o.besideFile["config-2025-11-25-031700.plist"] = "";
+  EXPECT_EQ(breachOf(c, o), 5) << "its bytes are the user's";
+  o.besideFile.clear();
+  o.besideFile["config-old.plist"] = damaged;
+  EXPECT_EQ(breachOf(c, o), 5) << "named for the date and time";
+  o.besideFile.clear();
+  o.besideFile["config-2025-11-25-031700.plist"] = damaged;
+  c.quit();
+  c.launched(5);
+  EXPECT_EQ(breachOf(c, l.at(6, {})), 5) << "a later launch does not lose it";
 }
 
 TEST(SwarmChecker, ACrashIsAlwaysABreach) {

@@ -1,6 +1,7 @@
 #include "swarm_checker.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <tuple>
 
 #include "sim/plist_codec.hpp"
@@ -25,6 +26,15 @@ bool isHeldScreen(const std::string& s) {
   return s == "alert" || s == "biometric" || s == "panel" || s == "picker";
 }
 
+// "config-2025-11-25-031700.plist": the date and time, digits where digits go.
+bool datedName(const std::string& name) {
+  const std::string shape = "config-0000-00-00-000000.plist";
+  if (name.size() != shape.size()) return false;
+  for (std::size_t i = 0; i < shape.size(); ++i)
+    if (shape[i] == '0' ? !std::isdigit((unsigned char)name[i]) : name[i] != shape[i]) return false;
+  return true;
+}
+
 std::string csv(const std::set<std::string>& s) {
   std::string out;
   for (const auto& u : s) out += (out.empty() ? "" : " ") + u;
@@ -39,10 +49,15 @@ Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool 
       initialFile_(std::move(initialFile)),
       saved_(savedAlready),
       exempt_(exempt),
-      gone_(gone) {}
+      gone_(gone) {
+  if (initialFile_) {
+    std::optional<base::Value> v = sim::decodePlist(*initialFile_);
+    damaged_ = !v || !v->isDictionary();
+  }
+}
 
 void Checker::launched(double now) {
-  running_ = true;
+  running_ = launchedOnce_ = true;
   credited_ = credentialSinceLaunch_ = false;
   hiddenBy_ = 1;
   modeSince_ = std::min(modeSince_, now);
@@ -237,10 +252,29 @@ std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hid
   return std::nullopt;
 }
 
+// What cannot be read is the user's data all the same: the first launch moves
+// it aside whole, under a dated name beside it, and nothing else is ever left
+// there (no temporary file).
+std::optional<Breach> Checker::judgeKeptAside(const Observation& o) const {
+  bool kept = damaged_ && launchedOnce_;
+  if (o.besideFile.size() != (kept ? 1u : 0u))
+    return Breach{5, std::to_string(o.besideFile.size()) + " items beside the settings file" +
+                         (o.besideFile.empty() ? "" : ", first " + o.besideFile.begin()->first)};
+  if (!kept) return std::nullopt;
+  const auto& [name, bytes] = *o.besideFile.begin();
+  if (!datedName(name)) return Breach{5, "the damaged settings file is kept aside as " + name};
+  if (bytes != *initialFile_) return Breach{5, "the damaged settings file lost bytes aside"};
+  return std::nullopt;
+}
+
 std::optional<Breach> Checker::judgeFile(const Observation& o) {
+  if (auto b = judgeKeptAside(o)) return b;
   if (!saved_) {
-    if (o.file != initialFile_)
+    if (damaged_ && launchedOnce_) {
+      if (o.file) return Breach{5, "the damaged settings file is still in place after launch"};
+    } else if (o.file != initialFile_) {
       return Breach{5, "the settings file changed before anything was saved"};
+    }
     return std::nullopt;
   }
   if (!o.file) return Breach{5, "the settings file is gone after a save"};

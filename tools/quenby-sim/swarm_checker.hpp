@@ -46,10 +46,11 @@ struct Observation {
   std::vector<std::string> contactsRows;
   long contactsReloads = 0;
   std::vector<std::string> search, moments, forward;
-  std::vector<sim::Announcement> announcements;  // the ones this step opened
-  std::vector<double> announcedAt;               // when each came, in device seconds
-  std::optional<std::string> file;               // the settings file's bytes
-  std::optional<std::string> crash;              // the app crashed or broke a type rule
+  std::vector<sim::Announcement> announcements;   // the ones this step opened
+  std::vector<double> announcedAt;                // when each came, in device seconds
+  std::optional<std::string> file;                // the settings file's bytes
+  std::map<std::string, std::string> besideFile;  // the folder's other items: name → bytes
+  std::optional<std::string> crash;               // the app crashed or broke a type rule
   // The app switcher's picture, when this step left the app and the picture
   // was of a list (the main or contacts list): the rows it showed.
   struct Picture {
@@ -100,10 +101,13 @@ class Checker {
   std::optional<Breach> judgeSnapshot(const Observation& o);
   std::optional<Breach> judgeAnnouncements(const Observation& o, bool hiddenNow);
   std::optional<Breach> judgeFile(const Observation& o);
+  std::optional<Breach> judgeKeptAside(const Observation& o) const;
   void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
 
   Settings settings_;
   std::optional<std::string> initialFile_;
+  bool damaged_ = false;  // the file at start is no dictionary: the first launch keeps it aside
+  bool launchedOnce_ = false;
   bool saved_ = false;
   unsigned exempt_ = 0, gone_ = 0;
 

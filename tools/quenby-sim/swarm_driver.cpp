@@ -697,6 +697,11 @@ class Day {
     o.now = session_.device().elapsed();
     o.minuteOfDay = long(session_.device().localSecondOfDay() / 60) % 1440;
     o.file = readFile(session_.settingsPath());
+    std::filesystem::path settings(session_.settingsPath());
+    std::error_code ec;
+    for (const auto& e : std::filesystem::directory_iterator(settings.parent_path(), ec))
+      if (e.path() != settings)
+        o.besideFile[e.path().filename().string()] = readFile(e.path().string()).value_or("");
     auto all = session_.device().notices().all();
     double secondOfDay = session_.device().localSecondOfDay();
     for (std::size_t k = noticesBefore; k < all.size(); ++k) {

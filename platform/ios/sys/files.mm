@@ -1,14 +1,43 @@
-// The app container on iOS: NSFileManager for the Documents folder and
-// folders, NSPropertyListSerialization for the XML and binary codecs, and an
-// atomic NSData write (a temporary file, then a rename).
+// The app container on iOS: NSFileManager for the Documents folder, folders,
+// an item's type and moves; open(2) and fstat(2) to read only a regular file
+// without blocking; NSPropertyListSerialization for the XML and binary
+// codecs, and an atomic NSData write (a temporary file, then a rename).
 #include "sys/files.hpp"
 
 #import <Foundation/Foundation.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "bridge.h"
 #include "rt/foundation.hpp"
 
 namespace sys {
+namespace {
+
+bool isCocoaError(NSError* error, NSInteger code) {
+  return error && [error.domain isEqual:NSCocoaErrorDomain] && error.code == code;
+}
+
+void describe(std::string* out, NSError* error) {
+  if (out) *out = error ? ios::utf8(error.localizedDescription) : "unknown error";
+}
+
+// The bytes of the regular file at `path`, or nil. The descriptor is checked
+// again, since another item may have been put there after the type was read.
+NSData* readRegular(const std::string& path) {
+  int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+  if (fd < 0) return nil;
+  struct stat st {};
+  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    close(fd);
+    return nil;
+  }
+  NSFileHandle* handle = [[NSFileHandle alloc] initWithFileDescriptor:fd closeOnDealloc:YES];
+  return [handle readDataToEndOfFileAndReturnError:nil];
+}
+
+}  // namespace
 
 std::string documentsDirectory() {
   NSArray* urls = [[NSFileManager defaultManager] URLsForDirectory:NSDocumentDirectory
@@ -29,29 +58,59 @@ bool fileExists(const std::string& path) {
   return [[NSFileManager defaultManager] fileExistsAtPath:ios::ns(path)];
 }
 
-std::optional<base::Value> readPropertyList(const std::string& path) {
+PlistFile readPropertyListFile(const std::string& path) {
   @autoreleasepool {
-    NSData* data = [NSData dataWithContentsOfFile:ios::ns(path)];
-    if (!data) return std::nullopt;
+    NSError* error = nil;
+    NSDictionary* attributes = [[NSFileManager defaultManager] attributesOfItemAtPath:ios::ns(path)
+                                                                                error:&error];
+    if (!attributes) {
+      bool missing = isCocoaError(error, NSFileReadNoSuchFileError) ||
+                     isCocoaError(error, NSFileNoSuchFileError);
+      return {missing ? ReadStatus::Missing : ReadStatus::Unreadable, {}};
+    }
+    if (![[attributes objectForKey:NSFileType] isEqual:NSFileTypeRegular])
+      return {ReadStatus::Unreadable, {}};
+    NSData* data = readRegular(path);
+    if (!data) return {ReadStatus::Unreadable, {}};
     id plist = [NSPropertyListSerialization propertyListWithData:data
                                                          options:NSPropertyListImmutable
                                                           format:nullptr
                                                            error:nil];
-    if (!plist) return std::nullopt;
-    return rt::toValue(ios::handle(plist));
+    std::optional<base::Value> root = plist ? rt::toValue(ios::handle(plist)) : std::nullopt;
+    if (!root) return {ReadStatus::Damaged, {}};
+    return {ReadStatus::Read, std::move(*root)};
   }
 }
 
-bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format) {
+MoveResult moveItem(const std::string& from, const std::string& to, std::string* error) {
+  @autoreleasepool {
+    NSError* failure = nil;
+    if ([[NSFileManager defaultManager] moveItemAtPath:ios::ns(from)
+                                                toPath:ios::ns(to)
+                                                 error:&failure])
+      return MoveResult::Moved;
+    describe(error, failure);
+    if (isCocoaError(failure, NSFileWriteFileExistsError)) return MoveResult::TargetExists;
+    return isCocoaError(failure, NSFileNoSuchFileError) ? MoveResult::SourceMissing
+                                                        : MoveResult::Failed;
+  }
+}
+
+bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format,
+                       std::string* error) {
   @autoreleasepool {
     NSPropertyListFormat f = format == PlistFormat::Binary ? NSPropertyListBinaryFormat_v1_0
                                                            : NSPropertyListXMLFormat_v1_0;
+    NSError* failure = nil;
     NSData* data =
         [NSPropertyListSerialization dataWithPropertyList:ios::object(rt::fromValue(value))
                                                    format:f
                                                   options:0
-                                                    error:nil];
-    return data && [data writeToFile:ios::ns(path) options:NSDataWritingAtomic error:nil];
+                                                    error:&failure];
+    if (data && [data writeToFile:ios::ns(path) options:NSDataWritingAtomic error:&failure])
+      return true;
+    describe(error, failure);
+    return false;
   }
 }
 

@@ -150,7 +150,18 @@ extern "C" NSExceptionName const NSInvalidArgumentException;
 @property (readonly, copy) NSString *reason;
 @end
 
+typedef NSString *NSErrorDomain;
+extern "C" NSErrorDomain const NSCocoaErrorDomain;
+enum : NSInteger {
+  NSFileNoSuchFileError = 4,
+  NSFileReadNoSuchFileError = 260,
+  NSFileWriteFileExistsError = 516,
+};
+
 @interface NSError : NSObject
+@property (readonly, copy) NSErrorDomain domain;
+@property (readonly) NSInteger code;
+@property (readonly, copy) NSString *localizedDescription;
 @end
 
 @interface NSURL : NSObject <NSCopying>
@@ -198,6 +209,9 @@ extern "C" NSRunLoopMode const NSRunLoopCommonModes;
 typedef enum NSSearchPathDirectory : NSUInteger { NSDocumentDirectory = 9 } NSSearchPathDirectory;
 typedef enum NSSearchPathDomainMask : NSUInteger { NSUserDomainMask = 1 } NSSearchPathDomainMask;
 typedef NSString *NSFileAttributeKey;
+typedef NSString *NSFileAttributeType;
+extern "C" NSFileAttributeKey const NSFileType;
+extern "C" NSFileAttributeType const NSFileTypeRegular;
 
 @interface NSFileManager : NSObject
 @property (class, readonly, strong) NSFileManager *defaultManager;
@@ -205,6 +219,13 @@ typedef NSString *NSFileAttributeKey;
 - (BOOL)createDirectoryAtPath:(NSString *)path withIntermediateDirectories:(BOOL)createIntermediates attributes:(NSDictionary *)attributes error:(NSError **)error;
 - (BOOL)fileExistsAtPath:(NSString *)path;
 - (BOOL)fileExistsAtPath:(NSString *)path isDirectory:(BOOL *)isDirectory;
+- (NSDictionary *)attributesOfItemAtPath:(NSString *)path error:(NSError **)error;
+- (BOOL)moveItemAtPath:(NSString *)srcPath toPath:(NSString *)dstPath error:(NSError **)error;
+@end
+
+@interface NSFileHandle : NSObject
+- (instancetype)initWithFileDescriptor:(int)fd closeOnDealloc:(BOOL)closeopt;
+- (NSData *)readDataToEndOfFileAndReturnError:(NSError **)error;
 @end
 
 typedef enum NSPropertyListFormat : NSUInteger {
