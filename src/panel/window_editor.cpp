@@ -5,7 +5,6 @@
 
 #include "core/config.hpp"
 #include "panel/panel_controller.hpp"
-#include "panel/panel_flow.hpp"
 #include "panel/panel_table.hpp"
 #include "rt/send.hpp"
 #include "sys/queue.hpp"
@@ -102,11 +101,9 @@ void QBPanelController::askText(rt::Id self, const std::string& title, bool secu
 
 void QBPanelController::presentNextAfterDelay(std::function<void()> block) {
   if (!block) return;
-  // The panel may have closed meanwhile (the app left): its next dialog has nowhere to go.
-  unsigned long flow = currentPanelFlow();
-  sys::after(kNextDialogDelay, [flow, block = std::move(block)] {
-    if (!flow || panelFlowCurrent(flow)) block();
-  });
+  // Should the panel close meanwhile (the app left), UIKit refuses the next
+  // dialog: the panel is no longer on screen to present it.
+  sys::after(kNextDialogDelay, std::move(block));
 }
 
 }  // namespace panel

@@ -57,7 +57,8 @@ PY
   for t in "${names[@]}"; do
     if [[ "$t" == scenario ]]; then
       ctest --test-dir "$build" -R '^scenario\.' --timeout 120 >/tmp/mutant-ctest.log 2>&1 ||
-        failing+=("$(grep -o 'scenario\.[a-z_]*' /tmp/mutant-ctest.log | sort -u | tr '\n' ' ')")
+        failing+=("$(grep -E '\*\*\*(Failed|Timeout)|Exception' /tmp/mutant-ctest.log |
+          grep -o 'scenario\.[a-z_]*' | sort -u | tr '\n' ' ')")
     else
       bin=$(find "$build/tests" -type f -name "$t" -perm -u+x | head -1)
       out=$(timeout 600 "$bin" --gtest_brief=1 2>&1)

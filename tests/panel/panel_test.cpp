@@ -167,15 +167,44 @@ TEST_F(Panel, OpeningRevealsAndHoldsBothFlagsUntilDone) {
   EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"alice"}));
 }
 
-TEST_F(Panel, DraggingTheSheetAwayLeavesTheSecretsRevealedAndTheFlagsSet) {
+TEST_F(Panel, DraggingTheSheetAwayClosesItAsDoneDoesOnceTheSheetHasGone) {
+  config().addSecretUser("bob");
+  rt::Id p = openPanel();
+  rt::Id nav = rt::send<rt::Id>(p, "navigationController");
+  process->runGuarded([&] { ASSERT_TRUE(sim::dragAway(nav)); });
+  EXPECT_NE(rt::className(top()), "QBPanelController");
+  EXPECT_TRUE(config().unlocked()) << "the delegate hears of it when the sheet has gone";
+  wait(1);
+  EXPECT_FALSE(config().unlocked());
+  EXPECT_FALSE(config().suppressAutoLock());
+  EXPECT_FALSE(config().suppressSessionApply());
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"alice"}));
+}
+
+TEST_F(Panel, CodeThatDismissesTheSheetIsNoDrag) {
   config().addSecretUser("bob");
   rt::Id p = openPanel();
   process->runGuarded([&] { sim::dismissPresented(rt::send<rt::Id>(p, "navigationController")); });
-  wait(5);
-  EXPECT_NE(rt::className(top()), "QBPanelController");
+  wait(1);
   EXPECT_TRUE(config().unlocked());
-  EXPECT_TRUE(config().suppressAutoLock());
-  EXPECT_TRUE(config().suppressSessionApply());
+}
+
+TEST_F(Panel, LeavingTheAppTakesTheSheetAndTheDialogAboveItAtOnce) {
+  config().addSecretUser("bob");
+  rt::Id p = openPanel();
+  ASSERT_TRUE(tap(p, 5, 2));  // the new-password dialog, presented by the panel
+  rt::Id dialog = top();
+  ASSERT_TRUE(rt::isKindOf(dialog, "UIAlertController"));
+  ASSERT_TRUE(process->enterBackground());
+  EXPECT_FALSE(config().unlocked()) << "before the system's picture, not after an animation";
+  EXPECT_EQ(host.lastSnapshot().screen, "main") << "neither the panel nor its dialog";
+  EXPECT_EQ(rt::send<rt::Id>(dialog, "presentingViewController"), nullptr);
+  EXPECT_EQ(rt::send<rt::Id>(p, "presentedViewController"), nullptr);
+  ASSERT_TRUE(process->enterForeground());
+  wait(1);
+  EXPECT_FALSE(config().suppressAutoLock());
+  EXPECT_FALSE(config().suppressSessionApply());
+  EXPECT_EQ(rt::className(top()), "NewMainFrameViewController");
 }
 
 TEST_F(Panel, ClosingInScheduleModeLetsTheScheduleDecide) {

@@ -121,6 +121,16 @@ void present(Id presenter, Id presented) {
   appear(presented);
 }
 
+bool inWindowHierarchy(Id controller) {
+  for (Id c = controller; c;) {
+    for (Id w : app(sharedApplication()).windows)
+      if (viewState(w)->rootViewController == c) return true;
+    const ControllerState& s = *controllerState(c);
+    c = s.parent ? s.parent : s.presenting;
+  }
+  return false;
+}
+
 Id topController() {
   Id top = nullptr;
   for (Id w : app(sharedApplication()).windows)

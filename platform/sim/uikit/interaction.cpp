@@ -144,9 +144,10 @@ bool present(rt::Id presenter, rt::Id controller, bool) {
   if (!controller)
     rt::raise("NSInvalidArgumentException",
               "Application tried to present a nil modal view controller");
-  // UIKit refuses to present on a controller that is already presenting.
+  // UIKit refuses to present on a controller that is already presenting, or
+  // whose screen is in no window (a closed panel, a popped page).
   const sim::ControllerState& target = *sim::controllerState(presenter);
-  if (target.presented || target.inTransition) return false;
+  if (target.presented || target.inTransition || !sim::inWindowHierarchy(presenter)) return false;
   sim::present(presenter, controller);
   return true;
 }

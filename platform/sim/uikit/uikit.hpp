@@ -94,6 +94,10 @@ void present(rt::Id presenter, rt::Id presented);
 // The controller whose screen is on top: the key window's root, followed
 // through presented controllers and into navigation and tab containers.
 rt::Id topController();
+// Whether the controller's screen is part of a window's: a window's root, or
+// contained in or presented by one that is. UIKit refuses to present from a
+// controller that is not (it only logs a warning).
+bool inWindowHierarchy(rt::Id controller);
 // A drawn image of the given size whose drawing is recorded.
 rt::Id drawnImage(rt::CGSize size, double scale, bool opaque, std::vector<std::string> drawing);
 
