@@ -97,6 +97,12 @@ const std::vector<Step>& demoSteps() {
         "expect screen panel", "show panel"}},
       {"Closing it with 完成 hides the secrets again (manual mode).",
        {"panel done", "wait 1", "expect hidden"}},
+      {"Open it again and leave the app with the panel up: it closes itself and hides the "
+       "secrets before the app switcher's picture is taken. Back in the app, the About page is "
+       "there, and no panel.",
+       {"wait 2", "tap version", "tap version", "tap version", "tap version", "tap version",
+        "type 7351", "press 确定", "wait 1", "expect screen panel", "background",
+        "show snapshot", "expect hidden", "foreground", "wait 1", "expect screen about"}},
       {"The whole log, in virtual time:", {"show log"}},
   };
   return steps;
