@@ -4,6 +4,7 @@
 #include "sys/process_state.hpp"
 #include "hiding/contact_hooks.hpp"
 #include "hiding/extra_hooks.hpp"
+#include "hiding/outside_hooks.hpp"
 #include "hiding/session_hooks.hpp"
 #include "notify/notify_hooks.hpp"
 #include "panel/panel_controller.hpp"
@@ -74,7 +75,15 @@ void libraryEntry() {
     // The library's runtime classes exist from the moment it is loaded.
     triggers::QBShakeHooks::registerRuntimeClass();
     panel::QBPanelController::registerRuntimeClass();
-    QBConfig::shared().setUnlocked(false);
+    QBConfig& c = QBConfig::shared();
+    c.setUnlocked(false);
+    // Hidden at every start: what Notification Center kept of a secret's from
+    // a run that ended while they were shown goes first, unless the schedule
+    // is about to show them.
+    notify::QBNotifyHooks::watchFilterForSweeps();
+    hiding::QBOutsideHooks::install();
+    if (c.usesManualVisibility() || !triggers::QBSchedule::shouldBeVisibleNow())
+      notify::QBNotifyHooks::sweepDeliveredNotifications();
     QBSessionHooks::install();
   } catch (...) {
     sys::log("[QB] early FATAL: %@", rt::describeCurrentException());

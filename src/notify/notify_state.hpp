@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_set>
 
 #include "host/hook.hpp"
 #include "rt/runtime.hpp"
@@ -35,6 +36,10 @@ struct NotifyState {
   host::Hook<void(Id, bool, bool)> monoShowLocalIlink;
   host::Hook<void(Id, Id, Id, bool, Id, Id)> reportIncomingCall;
   host::Hook<void(Id, Id, Id, bool, bool)> reportPushKitCall;
+  // What the delivered-notification sweep last saw (main thread only).
+  bool sweepWatching = false;
+  bool sweepSawQuiet = false;  // hidden in mode 0
+  std::unordered_set<std::string> sweepSawSecrets;
 };
 
 inline NotifyState& notifyState() { return sys::state<NotifyState>(); }

@@ -1,0 +1,16 @@
+// The simulated frameworks through which an app leaves records outside
+// itself: Intents (interactions donated to the system's suggestions) and
+// CoreSpotlight (the search index). What they keep goes to the device's
+// records. As on iOS, every write is applied asynchronously, after the
+// caller's turn of the main queue, and completion handlers are called later
+// on the framework's own queue.
+#pragma once
+
+namespace sim {
+
+class Runtime;
+
+void registerIntents(Runtime& rtm);
+void registerSpotlight(Runtime& rtm);
+
+}  // namespace sim
