@@ -75,15 +75,13 @@ void libraryEntry() {
     // The library's runtime classes exist from the moment it is loaded.
     triggers::QBShakeHooks::registerRuntimeClass();
     panel::QBPanelController::registerRuntimeClass();
-    QBConfig& c = QBConfig::shared();
-    c.setUnlocked(false);
-    // Hidden at every start: what Notification Center kept of a secret's from
-    // a run that ended while they were shown goes first, unless the schedule
-    // is about to show them.
+    QBConfig::shared().setUnlocked(false);
+    // Hidden at every start: the filter's first refresh sweeps what
+    // Notification Center kept of a secret's from a run that ended while they
+    // were shown, and cleans for contacts made secret while not running. The
+    // host's first donation and index are filtered.
     notify::QBNotifyHooks::watchFilterForSweeps();
     hiding::QBOutsideHooks::install();
-    if (c.usesManualVisibility() || !triggers::QBSchedule::shouldBeVisibleNow())
-      notify::QBNotifyHooks::sweepDeliveredNotifications();
     QBSessionHooks::install();
   } catch (...) {
     sys::log("[QB] early FATAL: %@", rt::describeCurrentException());

@@ -13,7 +13,9 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sys/clock.hpp"
 #include "sys/log.hpp"
+#include "sys/queue.hpp"
 #include "sys/user_notifications.hpp"
 
 namespace notify {
@@ -67,19 +69,21 @@ void QBNotifyHooks::watchFilterForSweeps() {
   NotifyState& s = notifyState();
   if (s.sweepWatching) return;
   s.sweepWatching = true;
-  s.sweepSawQuiet = hiddenQuiet();
-  s.sweepSawSecrets = QBConfig::shared().secretSnapshot();
-  hiding::QBSessionHooks::addFilterListener(
-      [](const std::unordered_set<std::string>& secrets, bool hiding) {
-        NotifyState& st = notifyState();
-        bool quiet = hiding && QBConfig::shared().secretNotifyMode() == 0;
-        bool added = false;
-        for (const std::string& u : secrets) added = added || !st.sweepSawSecrets.count(u);
-        bool sweep = quiet && (!st.sweepSawQuiet || added);
-        st.sweepSawQuiet = quiet;
-        if (added || secrets.size() != st.sweepSawSecrets.size()) st.sweepSawSecrets = secrets;
-        if (sweep) sweepDeliveredNotifications();
-      });
+  // Not only when the filter turns to hiding: a reveal may set the state
+  // without a refresh, and a remote push may land without the app. A turn's
+  // refreshes share one fetch.
+  hiding::QBSessionHooks::addFilterListener([](const std::unordered_set<std::string>&, bool hiding) {
+    NotifyState& st = notifyState();
+    QBConfig& c = QBConfig::shared();
+    // Hidden at start while the schedule is about to show them: not a hide.
+    bool scheduleShows = c.usesScheduleVisibility() && c.scheduleShowsAt(sys::localMinuteOfDay());
+    if (!hiding || c.secretNotifyMode() != 0 || scheduleShows || st.sweepQueued) return;
+    st.sweepQueued = true;
+    sys::async([] {
+      notifyState().sweepQueued = false;
+      sweepDeliveredNotifications();
+    });
+  });
 }
 
 }  // namespace notify

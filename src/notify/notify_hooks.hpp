@@ -18,9 +18,9 @@ struct QBNotifyHooks {
   // gating's own test). Both steps are asynchronous; the state is read again
   // when the list comes, so a reveal meanwhile keeps everything.
   static void sweepDeliveredNotifications();
-  // Sweeps whenever the filter starts hiding in mode 0, or gains a secret
-  // while it does. The state at the call is taken as already swept. Once per
-  // process.
+  // Sweeps after every refresh of the filter while it hides in mode 0 (every
+  // hide and every new secret refreshes it), once per turn of the main
+  // queue. Once per process.
   static void watchFilterForSweeps();
 };
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <string>
-#include <unordered_set>
 
 #include "host/hook.hpp"
 #include "rt/runtime.hpp"
@@ -36,10 +35,9 @@ struct NotifyState {
   host::Hook<void(Id, bool, bool)> monoShowLocalIlink;
   host::Hook<void(Id, Id, Id, bool, Id, Id)> reportIncomingCall;
   host::Hook<void(Id, Id, Id, bool, bool)> reportPushKitCall;
-  // What the delivered-notification sweep last saw (main thread only).
+  // The delivered-notification sweep (main thread only).
   bool sweepWatching = false;
-  bool sweepSawQuiet = false;  // hidden in mode 0
-  std::unordered_set<std::string> sweepSawSecrets;
+  bool sweepQueued = false;
 };
 
 inline NotifyState& notifyState() { return sys::state<NotifyState>(); }

@@ -253,7 +253,7 @@ class Day {
   // --- The user's day.
   void userStep() {
     std::string who = oneOf(kUsers);
-    switch (pick(24)) {
+    switch (pick(26)) {
       case 0:
       case 1:
       case 2:
@@ -314,6 +314,10 @@ class Day {
         break;
       case 19:
         exec("wait " + fmt(double(pick(100)) / 100.0));
+        break;
+      case 24:
+      case 25:
+        exec("send " + who);
         break;
       default: {
         double t = oneOf(kThresholds) + double(int(pick(5)) - 2) * 0.01;
@@ -681,6 +685,11 @@ class Day {
     o.file = readFile(session_.settingsPath());
     auto all = session_.device().notices().all();
     for (std::size_t k = noticesBefore; k < all.size(); ++k) o.announcements.push_back(all[k]);
+    sim::SystemRecords& records = session_.device().records();
+    hostapp::HostApp& app = session_.host();
+    for (const auto& n : records.delivered()) o.lockscreen.push_back({n.identifier, n.from});
+    for (const auto& id : records.suggestions()) o.suggestions.push_back(app.chatForIdentifier(id));
+    for (const auto& i : records.items()) o.indexed.push_back(app.chatForIdentifier(i.uniqueIdentifier));
     if (!p) return;
     o.active = p->appState() == sim::AppState::Active;
     o.screen = screenName(session_);
