@@ -10,9 +10,6 @@
 #include "sim/ivar_property.hpp"
 #include "sim/outside_frameworks.hpp"
 #include "sim/process.hpp"
-#include "sim/user_notifications.hpp"
-#include "sys/queue.hpp"
-#include "sys/user_notifications.hpp"
 
 namespace sim {
 namespace {
@@ -25,7 +22,6 @@ constexpr char kValue[] = "_value", kHandle[] = "_personHandle", kDisplay[] = "_
                kSender[] = "_sender", kConversation[] = "_conversationIdentifier",
                kContent[] = "_content", kIntent[] = "_intent", kGroup[] = "_groupIdentifier";
 
-SystemRecords& records() { return currentProcess().device().records(); }
 std::string text(Id s) { return rt::asString(s).value_or(""); }
 
 Id initHandle(Id self, SEL, Id value, long) {
@@ -68,19 +64,15 @@ void donate(Id self, SEL, Id completion) {
   d.conversationIdentifier = text(ivarOf(intent, kConversation));
   if (Id sender = ivarOf(intent, kSender)) d.people.push_back(personName(sender));
   for (Id r : rt::elements(ivarOf(intent, kRecipients))) d.people.push_back(personName(r));
-  sys::async([d] { records().donate(d); });
-  sys::callCompletionLater(completion);
+  writeLater([d](SystemRecords& r) { r.donate(d); }, completion);
 }
 
 void deleteGroup(Id, SEL, Id group, Id completion) {
-  std::string g = text(group);
-  sys::async([g] { records().deleteDonations({g}); });
-  sys::callCompletionLater(completion);
+  writeLater([g = text(group)](SystemRecords& r) { r.deleteDonations({g}); }, completion);
 }
 
 void deleteAll(Id, SEL, Id completion) {
-  sys::async([] { records().deleteAllDonations(); });
-  sys::callCompletionLater(completion);
+  writeLater([](SystemRecords& r) { r.deleteAllDonations(); }, completion);
 }
 
 }  // namespace

@@ -6,9 +6,19 @@
 // on the framework's own queue.
 #pragma once
 
+#include <functional>
+
+#include "rt/types.hpp"
+
 namespace sim {
 
 class Runtime;
+class SystemRecords;
+
+// A write of the frameworks: applied to the device's records after the
+// caller's turn of the main queue, then success reported to `completion`
+// (a block, may be nil) on the framework's queue.
+void writeLater(std::function<void(SystemRecords&)> write, rt::Id completion);
 
 void registerIntents(Runtime& rtm);
 void registerSpotlight(Runtime& rtm);

@@ -10,8 +10,6 @@
 #include "sim/outside_frameworks.hpp"
 #include "sim/process.hpp"
 #include "sim/runtime.hpp"
-#include "sys/queue.hpp"
-#include "sys/user_notifications.hpp"
 
 namespace sim {
 namespace {
@@ -24,7 +22,6 @@ constexpr char kTitle[] = "_title", kDisplay[] = "_displayName",
                kUnique[] = "_uniqueIdentifier", kDomain[] = "_domainIdentifier",
                kAttributes[] = "_attributeSet";
 
-SystemRecords& records() { return currentProcess().device().records(); }
 std::string text(Id s) { return rt::asString(s).value_or(""); }
 
 std::vector<std::string> texts(Id array) {
@@ -57,25 +54,19 @@ void indexItems(Id, SEL, Id items, Id completion) {
                     text(ivarOf(a, kTitle)), text(ivarOf(a, kDisplay)),
                     text(ivarOf(a, kDescription)), texts(ivarOf(a, kKeywords))});
   }
-  sys::async([list] { records().index(list); });
-  sys::callCompletionLater(completion);
+  writeLater([list](SystemRecords& r) { r.index(list); }, completion);
 }
 
 void deleteIdentifiers(Id, SEL, Id identifiers, Id completion) {
-  std::vector<std::string> ids = texts(identifiers);
-  sys::async([ids] { records().deleteItems(ids); });
-  sys::callCompletionLater(completion);
+  writeLater([ids = texts(identifiers)](SystemRecords& r) { r.deleteItems(ids); }, completion);
 }
 
 void deleteDomains(Id, SEL, Id domains, Id completion) {
-  std::vector<std::string> ids = texts(domains);
-  sys::async([ids] { records().deleteDomains(ids); });
-  sys::callCompletionLater(completion);
+  writeLater([ids = texts(domains)](SystemRecords& r) { r.deleteDomains(ids); }, completion);
 }
 
 void deleteAll(Id, SEL, Id completion) {
-  sys::async([] { records().deleteAllItems(); });
-  sys::callCompletionLater(completion);
+  writeLater([](SystemRecords& r) { r.deleteAllItems(); }, completion);
 }
 
 }  // namespace

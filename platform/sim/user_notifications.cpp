@@ -8,6 +8,7 @@
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
 #include "sim/ivar_property.hpp"
+#include "sim/outside_frameworks.hpp"
 #include "sim/process.hpp"
 #include "sim/runtime.hpp"
 #include "sys/audio.hpp"
@@ -121,6 +122,11 @@ void removeDelivered(Id, SEL, Id identifiers) {
 
 void onSystemQueue(std::function<void()> work) {
   sys::async([work = std::move(work)] { std::thread(work).join(); });
+}
+
+void writeLater(std::function<void(SystemRecords&)> write, Id completion) {
+  sys::async([write = std::move(write)] { write(records()); });
+  sys::callCompletionLater(completion);
 }
 
 Id makeCompletionBlock(std::function<void(Id)> body) {
