@@ -1,6 +1,7 @@
 // A simulated device: what outlives one run of the app. Its virtual clock,
-// the app container on disk, the log, the locale, the seeded random source
-// and the named fault options. Processes come and go on it.
+// the app container on disk, the log, the locale, the seeded random source,
+// the named fault options, and what the system keeps about the app outside
+// it. Processes come and go on it.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "sim/notices.hpp"
+#include "sim/system_records.hpp"
 
 namespace sim {
 
@@ -79,6 +81,9 @@ class Device {
 
   // --- What the user saw, heard and felt of each message and call.
   Notices& notices() { return notices_; }
+  // --- What the system keeps about the app outside it (lock screen,
+  // suggestions, search).
+  SystemRecords& records() { return records_; }
 
   // --- Hardware.
   Biometrics biometrics = Biometrics::FaceID;
@@ -98,6 +103,7 @@ class Device {
   std::mt19937_64 random_;
   Faults faults_;
   Notices notices_;
+  SystemRecords records_;
 };
 
 }  // namespace sim

@@ -18,6 +18,11 @@ Announcement& Notices::open() {
   return list_.back();
 }
 
+std::string Notices::openFrom() const {
+  std::lock_guard lock(mutex_);
+  return list_.empty() ? "" : list_.back().from;
+}
+
 void Notices::banner(const std::string& where) {
   std::lock_guard lock(mutex_);
   open().banner = where;

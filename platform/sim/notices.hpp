@@ -38,6 +38,8 @@ class Notices {
   bool endCall(const std::string& from = "");
   bool ringing(const std::string& from) const;
 
+  // Who the open record is from ("" when none is open).
+  std::string openFrom() const;
   std::optional<Announcement> latest(const std::string& from) const;
   std::optional<Announcement> latestCall(const std::string& from) const;
   std::vector<Announcement> all() const;

@@ -6,6 +6,7 @@
 
 #include "rt/exception.hpp"
 #include "sim/foundation.hpp"
+#include "sim/outside_frameworks.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "sim/user_notifications.hpp"
 #include "sys/notifications.hpp"
@@ -56,6 +57,8 @@ Process::Process(Device& device)
   registerFoundation(*runtime_);
   registerUIKit(*runtime_);
   registerUserNotifications(*runtime_);
+  registerIntents(*runtime_);
+  registerSpotlight(*runtime_);
 }
 
 Process::~Process() {

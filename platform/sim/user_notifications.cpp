@@ -1,9 +1,14 @@
 #include "sim/user_notifications.hpp"
 
+#include <thread>
+
+#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/ivar_property.hpp"
+#include "sim/outside_frameworks.hpp"
 #include "sim/process.hpp"
 #include "sim/runtime.hpp"
 #include "sys/audio.hpp"
@@ -20,32 +25,18 @@ struct CompletionBlock {
 };
 
 Notices& notices() { return currentProcess().device().notices(); }
-
-Id ivar(Id obj, const char* name) {
-  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
-}
-void setIvar(Id obj, const char* name, Id v) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), v);
-}
+SystemRecords& records() { return currentProcess().device().records(); }
 
 // --- UNNotificationContent / UNMutableNotificationContent: properties kept
 // in instance variables of these names.
 constexpr char kTitle[] = "_title", kBody[] = "_body", kSound[] = "_sound",
                kUserInfo[] = "_userInfo", kThread[] = "_threadIdentifier";
-template <const char* Name>
-Id property(Id self, SEL) {
-  return ivar(self, Name);
-}
-template <const char* Name>
-void setProperty(Id self, SEL, Id v) {
-  setIvar(self, Name, v);
-}
 
 constexpr const char* kContentFields[] = {kTitle, kBody, kSound, kUserInfo, kThread};
 
 Id contentMutableCopy(Id self, SEL) {
   Id copy = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
-  for (const char* f : kContentFields) setIvar(copy, f, ivar(self, f));
+  for (const char* f : kContentFields) setIvarOf(copy, f, ivarOf(self, f));
   return copy;
 }
 
@@ -59,14 +50,14 @@ Id defaultSound(Id, SEL) {
 // --- UNNotificationRequest
 Id requestWith(Id, SEL, Id identifier, Id content, Id trigger) {
   Id r = rt::send<Id>(rt::getClass("UNNotificationRequest"), "new");
-  setIvar(r, "_identifier", identifier);
-  setIvar(r, "_content", content);
-  setIvar(r, "_trigger", trigger);
+  setIvarOf(r, "_identifier", identifier);
+  setIvarOf(r, "_content", content);
+  setIvarOf(r, "_trigger", trigger);
   return r;
 }
-Id requestIdentifier(Id self, SEL) { return ivar(self, "_identifier"); }
-Id requestContent(Id self, SEL) { return ivar(self, "_content"); }
-Id requestTrigger(Id self, SEL) { return ivar(self, "_trigger"); }
+Id requestIdentifier(Id self, SEL) { return ivarOf(self, "_identifier"); }
+Id requestContent(Id self, SEL) { return ivarOf(self, "_content"); }
+Id requestTrigger(Id self, SEL) { return ivarOf(self, "_trigger"); }
 
 // --- UNUserNotificationCenter: an added request is shown at once.
 Id currentCenter(Id, SEL) {
@@ -74,16 +65,69 @@ Id currentCenter(Id, SEL) {
   if (!slot) slot = rt::createInstance(rt::getClass("UNUserNotificationCenter"));
   return slot;
 }
+std::string text(Id s) { return rt::asString(s).value_or(""); }
+
+// An added request is shown, and stays in Notification Center until the app
+// removes it: the system never clears one by itself.
 void addRequest(Id, SEL, Id request, Id completion) {
   Id content = rt::send<Id>(request, "content");
   if (content) {
     notices().banner("system");
     if (rt::send<Id>(content, "sound")) notices().sound();
+    records().deliver({text(rt::send<Id>(request, "identifier")), notices().openFrom(),
+                       text(rt::send<Id>(content, "title")), text(rt::send<Id>(content, "body")),
+                       text(rt::send<Id>(content, "threadIdentifier")),
+                       rt::toValue(rt::send<Id>(content, "userInfo")).value_or(base::Value())});
   }
   sys::callNotificationCompletion(completion, nullptr);
 }
 
+// A delivered notification as the framework hands it back: a fresh request
+// and content rebuilt from the record, as iOS decodes them from its store.
+Id notificationFrom(const DeliveredNotification& d) {
+  Id content = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
+  rt::send<void>(content, "setTitle:", rt::str(d.title));
+  rt::send<void>(content, "setBody:", rt::str(d.body));
+  rt::send<void>(content, "setThreadIdentifier:", rt::str(d.threadIdentifier));
+  rt::send<void>(content, "setUserInfo:", d.userInfo.isNull() ? rt::dictionary({}) : rt::fromValue(d.userInfo));
+  Id request = rt::send<Id>(rt::getClass("UNNotificationRequest"),
+                            "requestWithIdentifier:content:trigger:", rt::str(d.identifier),
+                            content, Id{nullptr});
+  Id n = rt::send<Id>(rt::getClass("UNNotification"), "new");
+  setIvarOf(n, "_request", request);
+  return n;
+}
+Id notificationRequest(Id self, SEL) { return ivarOf(self, "_request"); }
+
+// The list is read and the handler called later, on a queue of the
+// framework's own, never on the caller's stack.
+void getDelivered(Id, SEL, Id handler) {
+  if (!handler) rt::raise("NSInternalInconsistencyException", "completionHandler is nil");
+  sys::async([handler] {
+    std::vector<Id> list;
+    for (const DeliveredNotification& d : records().delivered()) list.push_back(notificationFrom(d));
+    Id array = rt::array(list);
+    onSystemQueue([handler, array] { sys::callNotificationCompletion(handler, array); });
+  });
+}
+
+// Removal happens asynchronously; identifiers match exactly.
+void removeDelivered(Id, SEL, Id identifiers) {
+  std::vector<std::string> ids;
+  for (Id i : rt::elements(identifiers)) ids.push_back(text(i));
+  sys::async([ids] { records().removeDelivered(ids); });
+}
+
 }  // namespace
+
+void onSystemQueue(std::function<void()> work) {
+  sys::async([work = std::move(work)] { std::thread(work).join(); });
+}
+
+void writeLater(std::function<void(SystemRecords&)> write, Id completion) {
+  sys::async([write = std::move(write)] { write(records()); });
+  sys::callCompletionLater(completion);
+}
 
 Id makeCompletionBlock(std::function<void(Id)> body) {
   Id block = rt::createInstance(rt::getClass("NSBlock"));
@@ -99,19 +143,19 @@ void registerUserNotifications(Runtime&) {
       .ivar(kSound, "@")
       .ivar(kUserInfo, "@")
       .ivar(kThread, "@")
-      .method("title", property<kTitle>)
-      .method("body", property<kBody>)
-      .method("sound", property<kSound>)
-      .method("userInfo", property<kUserInfo>)
-      .method("threadIdentifier", property<kThread>)
+      .method("title", ivarProperty<kTitle>)
+      .method("body", ivarProperty<kBody>)
+      .method("sound", ivarProperty<kSound>)
+      .method("userInfo", ivarProperty<kUserInfo>)
+      .method("threadIdentifier", ivarProperty<kThread>)
       .method("mutableCopy", contentMutableCopy)
       .build();
   ClassBuilder("UNMutableNotificationContent", "UNNotificationContent")
-      .method("setTitle:", setProperty<kTitle>)
-      .method("setBody:", setProperty<kBody>)
-      .method("setSound:", setProperty<kSound>)
-      .method("setUserInfo:", setProperty<kUserInfo>)
-      .method("setThreadIdentifier:", setProperty<kThread>)
+      .method("setTitle:", setIvarProperty<kTitle>)
+      .method("setBody:", setIvarProperty<kBody>)
+      .method("setSound:", setIvarProperty<kSound>)
+      .method("setUserInfo:", setIvarProperty<kUserInfo>)
+      .method("setThreadIdentifier:", setIvarProperty<kThread>)
       .build();
   ClassBuilder("UNNotificationSound").classMethod("defaultSound", defaultSound).build();
   ClassBuilder("UNNotificationRequest")
@@ -126,6 +170,12 @@ void registerUserNotifications(Runtime&) {
   ClassBuilder("UNUserNotificationCenter")
       .classMethod("currentNotificationCenter", currentCenter)
       .method("addNotificationRequest:withCompletionHandler:", addRequest)
+      .method("getDeliveredNotificationsWithCompletionHandler:", getDelivered)
+      .method("removeDeliveredNotificationsWithIdentifiers:", removeDelivered)
+      .build();
+  ClassBuilder("UNNotification")
+      .ivar("_request", "@")
+      .method("request", notificationRequest)
       .build();
 }
 
@@ -143,6 +193,16 @@ void playSystemSound(unsigned soundID) {
 
 void callNotificationCompletion(rt::Id completionHandler, rt::Id error) {
   if (auto* block = sim::native<sim::CompletionBlock>(completionHandler)) block->body(error);
+}
+
+void callCompletionLater(rt::Id completionHandler) {
+  if (!completionHandler) return;
+  sim::onSystemQueue([completionHandler] { callNotificationCompletion(completionHandler, nullptr); });
+}
+
+void getDeliveredNotifications(rt::Id center, std::function<void(rt::Id)> handler) {
+  rt::send<void>(center, "getDeliveredNotificationsWithCompletionHandler:",
+                 sim::makeCompletionBlock(std::move(handler)));
 }
 
 }  // namespace sys

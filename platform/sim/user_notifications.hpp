@@ -14,7 +14,10 @@ namespace sim {
 class Runtime;
 
 void registerUserNotifications(Runtime& rtm);
-// A block void (^)(NSError *) running `body`.
+// A block void (^)(id) running `body` (an NSError, or the array a fetch hands back).
 rt::Id makeCompletionBlock(std::function<void(rt::Id error)> body);
+// Runs `work` off the main thread after the current turn of the main queue, as
+// the frameworks call their completion handlers on a queue of their own.
+void onSystemQueue(std::function<void()> work);
 
 }  // namespace sim

@@ -100,6 +100,8 @@ class QBConfig {
   static bool validateDailyWindows(const base::Value& value, std::string* errorMessage);
 
   DailyWindows normalizedDailyWindows() const;
+  // Whether the daily windows show the secrets at `minute` of the day.
+  bool scheduleShowsAt(long minute) const;
   bool setDailyWindows(const base::Value& windows, std::string* errorMessage);
   bool updateDailyWindowAtIndex(long index, long start, long end, long mode,
                                 std::string* errorMessage);

@@ -137,6 +137,12 @@ DailyWindows QBConfig::normalizedDailyWindows() const {
   return stored;
 }
 
+bool QBConfig::scheduleShowsAt(long minute) const {
+  for (const DailyWindow& w : normalizedDailyWindows())
+    if (isMinuteInWindow(minute, w.start, w.end)) return w.mode == 0;
+  return false;  // outside every window the secrets stay hidden
+}
+
 bool QBConfig::setDailyWindows(const base::Value& windows, std::string* errorMessage) {
   if (!validateDailyWindows(windows, errorMessage)) return false;
   DailyWindows rebuilt;

@@ -4,6 +4,7 @@
 #include "sys/process_state.hpp"
 #include "hiding/contact_hooks.hpp"
 #include "hiding/extra_hooks.hpp"
+#include "hiding/outside_hooks.hpp"
 #include "hiding/session_hooks.hpp"
 #include "notify/notify_hooks.hpp"
 #include "panel/panel_controller.hpp"
@@ -75,6 +76,12 @@ void libraryEntry() {
     triggers::QBShakeHooks::registerRuntimeClass();
     panel::QBPanelController::registerRuntimeClass();
     QBConfig::shared().setUnlocked(false);
+    // Hidden at every start: the filter's first refresh sweeps what
+    // Notification Center kept of a secret's from a run that ended while they
+    // were shown, and cleans for contacts made secret while not running. The
+    // host's first donation and index are filtered.
+    notify::QBNotifyHooks::watchFilterForSweeps();
+    hiding::QBOutsideHooks::install();
     QBSessionHooks::install();
   } catch (...) {
     sys::log("[QB] early FATAL: %@", rt::describeCurrentException());

@@ -194,6 +194,11 @@ void QBSessionHooks::refreshFilterCache() {
   s.filterActive = !s.snapshot.empty() && (!config.unlocked() || s.away);
   s.cachedSection = std::numeric_limits<std::int64_t>::max();
   s.cachedCount = -1;
+  for (const FilterListener& listener : s.filterListeners) listener(s.snapshot, s.filterActive);
+}
+
+void QBSessionHooks::addFilterListener(FilterListener listener) {
+  sessionState().filterListeners.push_back(std::move(listener));
 }
 
 void installSessionFilterHooks() {

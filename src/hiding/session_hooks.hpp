@@ -6,7 +6,9 @@
 // two-phase reveal, and the forced apply after a state change.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "rt/types.hpp"
@@ -18,10 +20,18 @@ struct SessionItem {
   rt::Id avatar = nullptr;
 };
 
+// Told after every refresh of the filter snapshot: the secrets, and whether
+// the filter hides them now. Every path that hides the secrets or adds one
+// refreshes the filter, so this is where the records kept outside the app
+// learn of it. Main thread.
+using FilterListener =
+    std::function<void(const std::unordered_set<std::string>& secrets, bool hiding)>;
+
 struct QBSessionHooks {
   // Installs the hooks and observers, once per process.
   static void install();
   static void refreshFilterCache();
+  static void addFilterListener(FilterListener listener);
   static void softReloadMainFrame();
   static void reloadMainFrame();
   static void softReloadMainFrameForce(bool force);

@@ -7,7 +7,9 @@
 #include <limits>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
+#include "hiding/session_hooks.hpp"
 #include "host/hook.hpp"
 #include "sys/process_state.hpp"
 #include "rt/types.hpp"
@@ -33,6 +35,8 @@ struct SessionHooksState {
   host::Hook<void()> mainViewDidLoad;
   host::Hook<void(bool)> mainViewWillAppear;
   host::Hook<void(bool)> mainViewDidAppear;
+
+  std::vector<FilterListener> filterListeners;
 
   std::string lastListPath = "?";
 

@@ -214,7 +214,7 @@ void addNotificationRequest(Id self, SEL cmd, Id request, Id completion) {
           sys::callNotificationCompletion(completion, nullptr);
           return;
         }
-        if ((userInfoHoldsSecret(userInfo) || isSecret(thread)) && hidden()) {
+        if (contentNamesSecret(content) && hidden()) {
           if (mode() == 0) {
             sys::callNotificationCompletion(completion, nullptr);
             return;

@@ -35,6 +35,9 @@ struct NotifyState {
   host::Hook<void(Id, bool, bool)> monoShowLocalIlink;
   host::Hook<void(Id, Id, Id, bool, Id, Id)> reportIncomingCall;
   host::Hook<void(Id, Id, Id, bool, bool)> reportPushKitCall;
+  // The delivered-notification sweep (main thread only).
+  bool sweepWatching = false;
+  bool sweepQueued = false;
 };
 
 inline NotifyState& notifyState() { return sys::state<NotifyState>(); }

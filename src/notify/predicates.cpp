@@ -5,6 +5,7 @@
 #include "notify/probes.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
+#include "rt/send.hpp"
 
 namespace notify {
 namespace {
@@ -147,6 +148,12 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
   // A call the switches allow is still a secret's notification.
   QBConfig& c = QBConfig::shared();
   return c.shouldHideSecrets() && c.secretNotifyMode() == 0;
+}
+
+bool contentNamesSecret(rt::Id content) {
+  if (!content) return false;
+  return userInfoHoldsSecret(rt::send<rt::Id>(content, "userInfo")) ||
+         isSecret(rt::asString(rt::send<rt::Id>(content, "threadIdentifier")).value_or(""));
 }
 
 }  // namespace notify

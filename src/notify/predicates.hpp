@@ -37,6 +37,11 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
                          const std::string& body, rt::Id userInfo,
                          const std::string& threadIdentifier);
 
+// A notification content whose user info (nested dictionaries included) or
+// thread identifier names a secret: what the system request gating and the
+// delivered-notification sweep both test.
+bool contentNamesSecret(rt::Id content);
+
 // Vibrates once: the host's AudioHelper when it has playVibration, else the
 // system vibration sound.
 void vibrate();

@@ -24,10 +24,7 @@ struct ScheduleState {
 bool QBSchedule::shouldBeVisibleNow() {
   QBConfig& c = QBConfig::shared();
   if (!c.usesScheduleVisibility() || c.secretCount() == 0) return false;
-  long minute = sys::localMinuteOfDay();
-  for (const core::DailyWindow& w : c.normalizedDailyWindows())
-    if (QBConfig::isMinuteInWindow(minute, w.start, w.end)) return w.mode == 0;
-  return false;  // outside every window the secrets stay hidden
+  return c.scheduleShowsAt(sys::localMinuteOfDay());
 }
 
 void QBSchedule::applyNow() {

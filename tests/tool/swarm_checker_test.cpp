@@ -42,6 +42,9 @@ int breachOf(Checker& c, const Observation& o) {
   return b ? b->invariant : 0;
 }
 
+// Whether the lock-screen promise is broken (no settings file is shown here).
+bool lockScreenBreach(Checker& c, const Observation& o) { return breachOf(c, o) == 6; }
+
 TEST(SwarmChecker, ASecretShownWithoutACredentialBreaksTheFirstPromiseOnceTheListReloads) {
   Checker c(withBob(), std::nullopt, false, 0);
   Looks l;
@@ -242,6 +245,63 @@ TEST(SwarmChecker, ACrashIsAlwaysABreach) {
   Observation o;
   o.crash = "app crashed: uncaught exception";
   EXPECT_EQ(breachOf(c, o), 4);
+}
+
+}  // namespace
+
+namespace {
+
+Observation withLockScreen(Looks& l, double t, std::vector<std::string> from) {
+  Observation o = l.at(t, {"alice"});
+  int id = 0;
+  for (auto& f : from) o.lockscreen.push_back({"n" + std::to_string(++id), f});
+  return o;
+}
+
+TEST(SwarmChecker, ASecretOnTheLockScreenWhileHiddenInModeZeroBreaksTheSixthPromise) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  EXPECT_EQ(breachOf(c, withLockScreen(l, 0, {"alice", "bob"})), 0) << "the sweep is under way";
+  EXPECT_EQ(breachOf(c, withLockScreen(l, 1, {"alice"})), 0);
+  EXPECT_EQ(breachOf(c, withLockScreen(l, 2, {"alice", "bob"})), 6);
+}
+
+TEST(SwarmChecker, ModesOneAndTwoAndModeZeroChosenWhileHiddenKeepTheLockScreen) {
+  Settings s = withBob();
+  s.notifyMode = 1;
+  Checker c(s, std::nullopt, true, 0);
+  Looks l;
+  c.launched(0);
+  EXPECT_FALSE(lockScreenBreach(c, withLockScreen(l, 1, {"bob"})));
+  s.notifyMode = 0;
+  c.saved(s, 2);  // nothing hides: what is there may stay
+  EXPECT_FALSE(lockScreenBreach(c, withLockScreen(l, 3, {"bob"})));
+  Observation later = withLockScreen(l, 4, {"bob"});
+  later.lockscreen.push_back({"new", "bob"});
+  EXPECT_TRUE(lockScreenBreach(c, later));
+  c.launched(5);  // a cold start sweeps it all
+  EXPECT_TRUE(lockScreenBreach(c, withLockScreen(l, 6, {"bob"})));
+}
+
+TEST(SwarmChecker, ASecretSuggestedOrFoundBreaksTheSeventhPromiseInAnyState) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  Observation o = l.at(0, {});
+  o.running = false;  // not even running
+  o.suggestions = {"alice", "bob"};
+  EXPECT_EQ(breachOf(c, o), 7);
+  Checker exempt(withBob(), std::nullopt, false, qbsim::swarm::kSuggestions);
+  EXPECT_EQ(breachOf(exempt, o), 0) << "a host that donates by name is not caught";
+  o.suggestions.clear();
+  o.indexed = {"bob"};
+  EXPECT_EQ(breachOf(exempt, o), 7);
+  // Made secret while not running: from the next start on.
+  Checker away(Settings{}, std::nullopt, false, 0);
+  away.saved(withBob(), 1);
+  EXPECT_NE(breachOf(away, o), 7);
+  away.launched(2);
+  EXPECT_EQ(breachOf(away, o), 7);
 }
 
 }  // namespace

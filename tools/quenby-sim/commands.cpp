@@ -15,6 +15,7 @@ const CommandTable& commandTable() {
     addMainListCommands(t);
     addTriggerCommands(t);
     addNotifyCommands(t);
+    addOutsideCommands(t);
     addPanelCommands(t);
     addSurfaceCommands(t);
     addPictureCommands(t);

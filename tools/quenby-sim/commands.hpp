@@ -53,6 +53,7 @@ void addTriggerCommands(CommandTable& table);
 void addSurfaceCommands(CommandTable& table);
 void addPanelCommands(CommandTable& table);
 void addNotifyCommands(CommandTable& table);
+void addOutsideCommands(CommandTable& table);
 void addPictureCommands(CommandTable& table);
 // After `show NAME`: the picture of the screen, when the session keeps a story.
 void pictureAfterShow(Session& session, const std::string& shown);

@@ -103,6 +103,17 @@ const std::vector<Step>& demoSteps() {
        {"wait 2", "tap version", "tap version", "tap version", "tap version", "tap version",
         "type 7351", "press 确定", "wait 1", "expect screen panel", "background",
         "show snapshot", "expect hidden", "foreground", "wait 1", "expect screen about"}},
+      {"Outside the app, the phone keeps its own records that anyone holding it can read: the "
+       "share sheet suggests the people the app donated messages with, a home-screen search "
+       "finds its chats. The secret group is in neither, whatever is sent there.",
+       {"send team@chatroom \"meeting at ten\"", "send alice \"lunch?\"", "show suggestions",
+        "expect suggestions alice bob carol", "expect spotlight Team", "expect spotlight Alice alice"}},
+      {"Back to notify mode 0. Carol writes while the app is in the background: her "
+       "notification stays on the lock screen. Made secret, she is removed from it at once, and "
+       "from the share sheet and search.",
+       {"setting secretNotifyMode 0", "background", "message carol \"are you up?\"",
+        "show lockscreen", "secret carol", "expect lockscreen", "expect suggestions alice bob",
+        "expect spotlight Carol", "foreground"}},
       {"The whole log, in virtual time:", {"show log"}},
   };
   return steps;

@@ -58,6 +58,8 @@ Checker::Checker(Settings initial, std::optional<std::string> initialFile, bool 
 
 void Checker::launched(double now) {
   running_ = launchedOnce_ = true;
+  secretWhileAway_.clear();
+  keptWhenChosen_.clear();
   credited_ = credentialSinceLaunch_ = false;
   hiddenBy_ = 1;
   modeSince_ = std::min(modeSince_, now);
@@ -75,6 +77,7 @@ void Checker::background(double now, bool somethingHeldOnScreen, bool panelOnScr
       (panelOnScreen || plain)) {
     credited_ = false;
     hiddenBy_ = 3;
+    keptWhenChosen_.clear();
   }
   lastBackgroundAt_ = now;
 }
@@ -87,6 +90,9 @@ void Checker::credential(double now) {
 }
 
 void Checker::saved(const Settings& now, double at) {
+  if (now.notifyMode == 0 && settings_.notifyMode != 0) modeZeroChosen_ = true;
+  for (const auto& u : now.secrets)
+    if (!settings_.secrets.count(u) && !running_) secretWhileAway_.insert(u);
   if (now.manual != settings_.manual) {
     unsure(at);
     modeSince_ = at;
@@ -106,6 +112,7 @@ void Checker::panelClosed() {
   if (settings_.manual) {
     credited_ = false;
     hiddenBy_ = 1;
+    keptWhenChosen_.clear();
   }
 }
 
@@ -174,6 +181,8 @@ std::optional<Breach> Checker::check(const Observation& o) {
       if (auto b = judgeScreens(o, k)) return b;
   }
   if (auto b = judgeAnnouncements(o, k.hidden)) return b;
+  if (auto b = judgeLockScreen(o, k.hidden)) return b;
+  if (auto b = judgeOutside(o)) return b;
   return judgeFile(o);
 }
 
@@ -264,6 +273,39 @@ std::optional<Breach> Checker::judgeKeptAside(const Observation& o) const {
   const auto& [name, bytes] = *o.besideFile.begin();
   if (!datedName(name)) return Breach{5, "the damaged settings file is kept aside as " + name};
   if (bytes != *initialFile_) return Breach{5, "the damaged settings file lost bytes aside"};
+  return std::nullopt;
+}
+
+// 6. While hidden in mode 0 the lock screen lists nothing of a secret's: what
+// came while they were shown is gone once they hide (or a contact becomes
+// secret, or the app starts). Choosing mode 0 hides nothing, so what was
+// there then may stay until the next hide the model knows of.
+std::optional<Breach> Checker::judgeLockScreen(const Observation& o, bool hidden) {
+  bool quiet = hidden && settings_.notifyMode == 0;
+  if (quiet && !quiet_) quietSince_ = o.now;
+  if (modeZeroChosen_)
+    for (const auto& d : o.lockscreen) keptWhenChosen_.insert(d.identifier);
+  modeZeroChosen_ = false;
+  quiet_ = quiet;
+  if (!quiet || o.now - quietSince_ < kSettle) return std::nullopt;
+  for (const auto& d : o.lockscreen)
+    if (settings_.secrets.count(d.from) && !keptWhenChosen_.count(d.identifier))
+      return Breach{6, "hidden in notify mode 0, the lock screen still lists " + d.from};
+  return std::nullopt;
+}
+
+// 7. The share sheet never suggests a secret, and a system search never finds
+// one, hidden or revealed, running or not (a contact made secret while the
+// app was not running, from its next start).
+std::optional<Breach> Checker::judgeOutside(const Observation& o) {
+  auto secret = [&](const std::string& u) {
+    return settings_.secrets.count(u) && !secretWhileAway_.count(u);
+  };
+  if (!(exempt_ & kSuggestions))
+    for (const auto& u : o.suggestions)
+      if (secret(u)) return Breach{7, "the share sheet suggests secret " + u};
+  for (const auto& u : o.indexed)
+    if (secret(u)) return Breach{7, "a system search finds secret " + u};
   return std::nullopt;
 }
 

@@ -1,6 +1,6 @@
 // The swarm's checker: a model of what the user should see, kept only from the
 // steps the driver took and the settings it wrote — never from the library's
-// own state — and the five promises judged against it after every step.
+// own state — and the seven promises judged against it after every step.
 #pragma once
 
 #include <map>
@@ -58,6 +58,13 @@ struct Observation {
     std::vector<std::string> rows;
   };
   std::optional<Picture> snapshot;
+  // What the system keeps outside the app, readable without opening it.
+  struct Delivered {
+    std::string identifier, from;
+  };
+  std::vector<Delivered> lockscreen;     // Notification Center, newest first
+  std::vector<std::string> suggestions;  // the chats the share sheet suggests
+  std::vector<std::string> indexed;      // the chats the app's searchable items open
 };
 
 struct Breach {
@@ -102,6 +109,8 @@ class Checker {
   std::optional<Breach> judgeAnnouncements(const Observation& o, bool hiddenNow);
   std::optional<Breach> judgeFile(const Observation& o);
   std::optional<Breach> judgeKeptAside(const Observation& o) const;
+  std::optional<Breach> judgeLockScreen(const Observation& o, bool hidden);
+  std::optional<Breach> judgeOutside(const Observation& o);
   void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
 
   Settings settings_;
@@ -122,6 +131,16 @@ class Checker {
   double lastUnsureAt_ = -1e9;  // schedule mode: a change or a screen that freezes it
   double lastScheduleShowAt_ = -1e9;
   double modeSince_ = 0;
+
+  // Hidden in mode 0: since when. Choosing mode 0 hides nothing, so what
+  // Notification Center held then may stay until the secrets next hide.
+  bool quiet_ = false;
+  double quietSince_ = 0;
+  bool modeZeroChosen_ = false;
+  // Made secret while the app was not running (only a settings file edited
+  // outside it can): the library cleans for them when it next starts.
+  std::set<std::string> secretWhileAway_;
+  std::set<std::string> keptWhenChosen_;
 
   Key last_;
   long mainAtChange_ = 0, contactsAtChange_ = 0;

@@ -15,6 +15,7 @@
 
 #include "base/value.hpp"
 #include "commands.hpp"
+#include "hiding/outside_hooks.hpp"
 #include "hostapp/surfaces.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
@@ -267,7 +268,7 @@ class Day {
   // --- The user's day.
   void userStep() {
     std::string who = oneOf(kUsers);
-    switch (pick(24)) {
+    switch (pick(26)) {
       case 0:
       case 1:
       case 2:
@@ -328,6 +329,10 @@ class Day {
         break;
       case 19:
         exec("wait " + fmt(double(pick(100)) / 100.0));
+        break;
+      case 24:
+      case 25:
+        exec("send " + who);
         break;
       default: {
         double t = oneOf(kThresholds) + double(int(pick(5)) - 2) * 0.01;
@@ -699,8 +704,10 @@ class Day {
     o.file = readFile(session_.settingsPath());
     std::filesystem::path settings(session_.settingsPath());
     std::error_code ec;
+    // The library's own record of what it cleaned outside the app lives there too.
+    std::filesystem::path outside = std::filesystem::path(hiding::kOutsideFile).filename();
     for (const auto& e : std::filesystem::directory_iterator(settings.parent_path(), ec))
-      if (e.path() != settings)
+      if (e.path() != settings && e.path().filename() != outside)
         o.besideFile[e.path().filename().string()] = readFile(e.path().string()).value_or("");
     auto all = session_.device().notices().all();
     double secondOfDay = session_.device().localSecondOfDay();
@@ -710,6 +717,11 @@ class Day {
       double ago = std::fmod(secondOfDay - all[k].secondOfDay + 86400, 86400);
       o.announcedAt.push_back(o.now - ago);
     }
+    sim::SystemRecords& records = session_.device().records();
+    hostapp::HostApp& app = session_.host();
+    for (const auto& n : records.delivered()) o.lockscreen.push_back({n.identifier, n.from});
+    for (const auto& id : records.suggestions()) o.suggestions.push_back(app.chatForIdentifier(id));
+    for (const auto& i : records.items()) o.indexed.push_back(app.chatForIdentifier(i.uniqueIdentifier));
     if (!p) return;
     o.active = p->appState() == sim::AppState::Active;
     o.screen = screenName(session_);

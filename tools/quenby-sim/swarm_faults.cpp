@@ -45,6 +45,10 @@ const std::vector<HostFault>& hostFaults() {
       {"host variant fts-immutable", 0},
       {"host variant push-3arg", 0},
       {"host variant message-keys-alt", 0},
+      // what the host leaves with the system: nothing at all, or donations
+      // that name chats only by display name (not caught, by design)
+      {"host variant no-donations", 0},
+      {"host variant donate-by-name", kSuggestions},
   };
   return table;
 }

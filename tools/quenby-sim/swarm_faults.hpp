@@ -16,6 +16,7 @@ enum Surface : unsigned {
   kForward = 1u << 4,
   kBanner = 1u << 5,  // banners, sounds and vibrations of messages
   kRinging = 1u << 6,
+  kSuggestions = 1u << 7,  // the share sheet's people, from donated interactions
 };
 
 struct HostFault {

@@ -54,6 +54,8 @@ const std::set<std::string>& knownHostVariants() {
   //   dictionary.
   // push-3arg, ilink-calls, message-keys-alt, callkit-end-*: the message and
   //   call paths' alternatives (see notifications.cpp and calls.cpp).
+  // no-donations, donate-by-name: what the host leaves with the system (see
+  //   outside.cpp).
   static const std::set<std::string> names = {"store-ignores-canshow",
                                               "list-through-logic",
                                               "session-key-first",
@@ -63,7 +65,9 @@ const std::set<std::string>& knownHostVariants() {
                                               "message-keys-alt",
                                               "callkit-end-reportended",
                                               "callkit-end-atdate",
-                                              "callkit-end-none"};
+                                              "callkit-end-none",
+                                              "no-donations",
+                                              "donate-by-name"};
   return names;
 }
 
@@ -151,6 +155,7 @@ rt::Id inNavigation(rt::Id root) {
 }  // namespace
 
 void HostApp::buildFirstScreen() {
+  indexedChats_.clear();
   mainFrame_ = newController("NewMainFrameViewController");
   contactsScreen_ = newController("ContactsViewController");
   rt::send<void>(mainFrame_, "setTitle:", rt::str("微信"));
@@ -160,6 +165,7 @@ void HostApp::buildFirstScreen() {
                  rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_)}));
   sim::addWindow(tabs_, true);
   sim::appear(mainFrame_);
+  indexNewChats();
 }
 
 void HostApp::selectTab(long index) {

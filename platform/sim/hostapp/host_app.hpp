@@ -49,6 +49,8 @@ struct HostModel {
   // The host's own record of recent chats, most recent first, at most 10:
   // every chat, whatever the main list shows.
   std::vector<std::string> recentChats;
+  // The last message id given: unique across runs, as the host's server ids are.
+  long lastMessageId = 0;
   // Moves (or adds) the chat with `username` to the top.
   void bringSessionToTop(const std::string& username);
   void noteRecentChat(const std::string& username);
@@ -142,6 +144,19 @@ class HostApp {
   // The chat whose screen is on top, or "".
   std::string openChatUsername() const;
 
+  // What the host leaves with the system (outside.cpp). The user sends a
+  // message in the chat with `chat`: it moves to the top and is donated.
+  void sendMessage(const std::string& chat, const std::string& text);
+  // Donates the interaction of a message sent or received in `chat`.
+  void donateMessage(const std::string& chat, const std::string& text, bool outgoing);
+  // Indexes a searchable item for each chat not yet indexed in this process.
+  void indexNewChats();
+  // The chat a suggestion or a search result opens: the host reading back
+  // the identifiers it gave.
+  std::string chatForIdentifier(const std::string& identifier);
+  // How the host names a chat: remark, nickname, group title, else username.
+  std::string displayName(const std::string& username);
+
   // The host app of the current process.
   static HostApp& current();
 
@@ -155,6 +170,7 @@ class HostApp {
   rt::Id mainFrame_ = nullptr, contactsScreen_ = nullptr, tabs_ = nullptr;
   std::map<std::pair<std::string, std::string>, rt::IMP> originals_;
   Snapshot snapshot_;
+  std::set<std::string> indexedChats_;  // in this process
 };
 
 }  // namespace hostapp

@@ -266,6 +266,7 @@ void HostApp::sessionsChanged() {
   if (Id mgr = service("MainSessionMgr")) rebuildSessions(mgr);
   if (mainFrame_ && rt::respondsTo(mainFrame_, rt::sel("reloadSessions")))
     rt::send<void>(mainFrame_, "reloadSessions");
+  indexNewChats();
 }
 
 }  // namespace hostapp

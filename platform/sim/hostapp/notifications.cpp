@@ -132,7 +132,7 @@ void onShowPush(Id self, SEL, Id m, bool) {
   const char* infoSel =
       "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
   if (!m || !responds(self, infoSel) || !rt::send<Id>(self, infoSel, m, 7L, false)) return;
-  Id identifier = rt::str("msg-" + std::to_string(m->serial));
+  Id identifier = rt::str("msg-" + std::to_string(++app().model.lastMessageId));
   if (responds(self, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:"))
     rt::send<void>(self,
                    "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", m,
@@ -246,6 +246,7 @@ void HostApp::deliverMessage(const std::string& from, const std::string& text, b
                              bool video) {
   sim::Process& p = sim::currentProcess();
   notices().begin(from, "message", text, p.device().localSecondOfDay());
+  donateMessage(from, text, false);
   Id m = makeHostMessage(from, text, missedCall, video);
   if (p.appState() == sim::AppState::Active) {
     Id quickReply = hostService("QuickReplyMsgMgr");
