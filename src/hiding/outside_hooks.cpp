@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
@@ -40,7 +41,9 @@ struct OutsideState {
   host::Hook<void(Id, Id)> indexItems;
   // The host may donate and index from any thread; the rest is main-thread.
   std::mutex mutex;
-  std::vector<SecretName> secrets;
+  // Replaced whole on the main thread; the filters keep the one they took.
+  std::shared_ptr<const SecretMatcher> matcher = std::make_shared<SecretMatcher>(
+      std::vector<SecretName>{});
   std::map<std::string, std::vector<std::string>> groups;  // group → identifiers it named
   bool ungrouped = false;  // a donation without a group passed
   std::vector<ItemFields> indexed;
@@ -49,6 +52,11 @@ struct OutsideState {
 };
 
 OutsideState& st() { return sys::state<OutsideState>(); }
+
+std::shared_ptr<const SecretMatcher> matcher() {
+  std::lock_guard lock(st().mutex);
+  return st().matcher;
+}
 
 std::string outsideFile() { return sys::documentsDirectory() + kOutsideFile; }
 
@@ -67,12 +75,6 @@ void writeCleanedFor(const std::unordered_set<std::string>& names) {
   std::sort(list.begin(), list.end(),
             [](const base::Value& a, const base::Value& b) { return *a.asString() < *b.asString(); });
   sys::writePropertyList(outsideFile(), base::Value(base::Dictionary{{"cleared", list}}));
-}
-
-bool anyNamed(const std::vector<std::string>& identifiers, const std::vector<SecretName>& names) {
-  for (const SecretName& s : names)
-    if (identifiersName(identifiers, s.username)) return true;
-  return false;
 }
 
 bool itemNamesAny(const ItemFields& item, const std::vector<SecretName>& names) {
@@ -150,17 +152,19 @@ void deleteItems(const std::vector<SecretName>& added) {
 void secretsRefreshed(const std::unordered_set<std::string>& secrets) {
   OutsideState& s = st();
   std::vector<SecretName> names, added;
-  bool stale = secrets.size() != s.secrets.size();
-  for (const SecretName& n : s.secrets)
+  std::shared_ptr<const SecretMatcher> current = matcher();
+  bool stale = secrets.size() != current->names().size();
+  for (const SecretName& n : current->names())
     stale = stale || !secrets.count(n.username) || n.displayName == n.username;
   if (!stale && secrets == s.cleanedFor) return;
   for (const std::string& u : secrets) {
     names.push_back({u, host::QBContactInfo::displayNameForUsername(u)});
     if (!s.cleanedFor.count(u)) added.push_back(names.back());
   }
+  auto prepared = std::make_shared<const SecretMatcher>(std::move(names));
   {
     std::lock_guard lock(s.mutex);
-    s.secrets = names;
+    s.matcher = std::move(prepared);
   }
   if (secrets == s.cleanedFor) return;
   host::guarded("[QB] outside clean ex: %@", [&] {
@@ -174,10 +178,6 @@ void secretsRefreshed(const std::unordered_set<std::string>& secrets) {
   });
 }
 
-std::vector<SecretName> secretNames() {
-  std::lock_guard lock(st().mutex);
-  return st().secrets;
-}
 
 // -[INInteraction donateInteractionWithCompletion:]
 void donate(Id self, SEL cmd, Id completion) {
@@ -185,7 +185,7 @@ void donate(Id self, SEL cmd, Id completion) {
       "[QB] donate ex: %@",
       [&](auto& original) {
         std::vector<std::string> ids = interactionIdentifiers(self);
-        if (anyNamed(ids, secretNames())) {
+        if (matcher()->identifiersNameAny(ids)) {
           sys::callCompletionLater(completion);  // as if the system took it
           return;
         }
@@ -216,17 +216,17 @@ void indexItems(Id self, SEL cmd, Id items, Id completion) {
 }  // namespace
 
 bool QBOutsideHooks::donationNamesSecret(Id interaction) {
-  return anyNamed(interactionIdentifiers(interaction), secretNames());
+  return matcher()->identifiersNameAny(interactionIdentifiers(interaction));
 }
 
 Id QBOutsideHooks::itemsWithoutSecrets(Id items) {
-  std::vector<SecretName> names = secretNames();
+  std::shared_ptr<const SecretMatcher> names = matcher();
   std::vector<Id> kept;
   std::vector<ItemFields> keptFields;
   std::vector<Id> all = rt::elements(items);
   for (Id item : all) {
     ItemFields f = itemFields(item);
-    if (itemNamesAny(f, names)) continue;
+    if (names->itemNamesAny(f)) continue;
     kept.push_back(item);
     keptFields.push_back(std::move(f));
   }

@@ -68,6 +68,54 @@ bool identifiersName(const std::vector<std::string>& identifiers, std::string_vi
   return false;
 }
 
+SecretMatcher::SecretMatcher(std::vector<SecretName> names) : names_(std::move(names)) {
+  for (const SecretName& n : names_) {
+    if (n.username.empty()) continue;
+    bool token = true;
+    for (char c : n.username) token = token && usernameChar(c);
+    if (token)
+      tokens_.insert(n.username);
+    else
+      others_.push_back(n.username);
+    if (!n.displayName.empty()) displayNames_.insert(n.displayName);
+  }
+}
+
+bool SecretMatcher::identifierNamesAny(std::string_view identifier) const {
+  if (!tokens_.empty()) {
+    for (std::size_t i = 0; i < identifier.size();) {
+      if (!usernameChar(identifier[i])) {
+        ++i;
+        continue;
+      }
+      std::size_t end = i;
+      while (end < identifier.size() && usernameChar(identifier[end])) ++end;
+      if (tokens_.find(identifier.substr(i, end - i)) != tokens_.end()) return true;
+      i = end;
+    }
+  }
+  for (const std::string& u : others_)
+    if (namesUsername(identifier, u)) return true;
+  return false;
+}
+
+bool SecretMatcher::identifiersNameAny(const std::vector<std::string>& identifiers) const {
+  for (const std::string& i : identifiers)
+    if (identifierNamesAny(i)) return true;
+  return false;
+}
+
+bool SecretMatcher::itemNamesAny(const ItemFields& item) const {
+  for (const std::string* f : {&item.uniqueIdentifier, &item.domainIdentifier, &item.title,
+                               &item.displayName, &item.description})
+    if (identifierNamesAny(*f)) return true;
+  if (identifiersNameAny(item.keywords)) return true;
+  auto isDisplayName = [&](const std::string& s) {
+    return !s.empty() && displayNames_.find(s) != displayNames_.end();
+  };
+  return isDisplayName(item.title) || isDisplayName(item.displayName);
+}
+
 bool itemNames(const ItemFields& item, const SecretName& secret) {
   if (identifiersName({item.uniqueIdentifier, item.domainIdentifier, item.title, item.displayName,
                        item.description},

@@ -19,6 +19,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "rt/types.hpp"
@@ -45,5 +46,29 @@ ItemFields itemFields(rt::Id item);
 
 bool identifiersName(const std::vector<std::string>& identifiers, std::string_view username);
 bool itemNames(const ItemFields& item, const SecretName& secret);
+
+// The whole secret set, prepared for matching many records against it. A
+// username made only of username characters (nearly every one) can only be
+// named by a whole run of such characters, so each run of a record is looked
+// up once instead of every secret being searched for in every field; the
+// rare other usernames are searched for as `namesUsername` does.
+class SecretMatcher {
+ public:
+  explicit SecretMatcher(std::vector<SecretName> names);
+  bool identifierNamesAny(std::string_view identifier) const;
+  bool identifiersNameAny(const std::vector<std::string>& identifiers) const;
+  bool itemNamesAny(const ItemFields& item) const;
+  const std::vector<SecretName>& names() const { return names_; }
+
+ private:
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  using Set = std::unordered_set<std::string, Hash, std::equal_to<>>;
+  std::vector<SecretName> names_;
+  Set tokens_, displayNames_;
+  std::vector<std::string> others_;
+};
 
 }  // namespace hiding

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <fstream>
+#include <random>
 
 #include "core/config.hpp"
 #include "hiding/outside_hooks.hpp"
@@ -50,6 +51,30 @@ TEST(OutsideMatch, ItemsByIdentifierKeywordOrExactDisplayName) {
     EXPECT_TRUE(hiding::itemNames(f, bob)) << f.uniqueIdentifier << " " << f.title;
   EXPECT_FALSE(hiding::itemNames(partial, bob)) << "a display name among other words is not caught";
   EXPECT_FALSE(hiding::itemNames(byTitle, {"bob", ""})) << "no display name, no title match";
+}
+
+// The prepared set answers exactly as asking every secret in turn, on records
+// built from the secrets' own pieces, other names' and separators.
+TEST(OutsideMatch, ThePreparedSetAnswersAsEverySecretAskedInTurn) {
+  std::vector<hiding::SecretName> secrets{
+      {"bob", "Bob"}, {"team@chatroom", "Team"}, {"wxid_7", ""}, {"a.b", "A B"}, {"x y", "XY"}};
+  hiding::SecretMatcher matcher(secrets);
+  const char* pieces[] = {"bob", "bobby", "team", "@chatroom", "wxid_7", "a.b", "a", "b",
+                          "x y", "x", "y", ".", "/", ":", "-", "_", "Bob", "Team", "A B", " "};
+  std::mt19937 rng(7);
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (int n = int(rng() % 5); n >= 0; --n) text += pieces[rng() % std::size(pieces)];
+    ItemFields item;
+    (round % 2 ? item.uniqueIdentifier : item.title) = text;
+    bool any = false, anyItem = false;
+    for (const auto& s : secrets) {
+      any = any || namesUsername(text, s.username);
+      anyItem = anyItem || hiding::itemNames(item, s);
+    }
+    ASSERT_EQ(matcher.identifierNamesAny(text), any) << '"' << text << '"';
+    ASSERT_EQ(matcher.itemNamesAny(item), anyItem) << '"' << text << '"';
+  }
 }
 
 class Outside : public qbtest::HostWorld {
