@@ -244,9 +244,13 @@ bool QBExtraHooks::isSecretEntry(Id entry) {
 Id QBExtraHooks::filterArray(Id value) {
   if (!rt::isArray(value) || !hiding()) return value;
   std::vector<Id> kept;
-  for (Id e : rt::elements(value))
+  std::vector<Id> all = rt::elements(value);
+  for (Id e : all)
     if (!isSecretEntry(e)) kept.push_back(e);
-  return rt::array(kept);
+  if (kept.size() == all.size()) return value;
+  // Of the class family the host gave: its code may sort or add to a mutable
+  // array it handed out or keeps in its dictionaries.
+  return rt::isMutableArray(value) ? rt::mutableArray(kept) : rt::array(kept);
 }
 
 void QBExtraHooks::filterDictionaryInPlace(Id dictionary) { filterDictionary(dictionary, 0); }

@@ -19,7 +19,8 @@ struct QBExtraHooks {
   // username is non-empty, that the secret list holds.
   static bool isSecretEntry(rt::Id entry);
   // While hiding, a new array of the non-secret elements of an array, in
-  // order; anything else (and everything while not hiding) comes back as is.
+  // order, mutable when the host's was; an array without a secret, anything
+  // else, and everything while not hiding come back as they are.
   static rt::Id filterArray(rt::Id value);
   // While hiding, filters the arrays of a mutable dictionary in place, and
   // the dictionaries inside it the same way. Immutable ones are left alone.

@@ -177,6 +177,13 @@ TEST_F(ExtraHooks, ArrayResultsLoseTheirSecretsInOrderAndPassTheirArgumentOn) {
   EXPECT_EQ(texts(rt::send<Id>(make("ContactsDataLogic"), "getContactsArrayWith:", 7u)),
             (std::vector<std::string>{"a", "b", "", rt::description(noName), "<null>"}));
   EXPECT_EQ(answers.lastType, 7u);
+  answers.array = rt::mutableArray({s("a"), s("S")});
+  Id got = rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact");
+  EXPECT_TRUE(rt::isMutableArray(got)) << "the host may sort or add to what it handed out";
+  EXPECT_EQ(texts(answers.array), (std::vector<std::string>{"a", "S"})) << "a copy, not the host's";
+  answers.array = rt::array({s("a"), s("b")});
+  EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array)
+      << "nothing to drop: the host's own array";
   answers.array = s("S");
   EXPECT_EQ(rt::send<Id>(make("ContactsDataLogic"), "getAllNormalContact"), answers.array)
       << "not an array: unchanged";
@@ -223,6 +230,8 @@ TEST_F(ExtraHooks, SectionDictionariesAreFilteredInPlaceRecursivelyAndOnlyWhenMu
   EXPECT_EQ(texts(rt::objectForKey(results, "K")), (std::vector<std::string>{"a"}))
       << "what the host filled";
   EXPECT_EQ(texts(rt::objectForKey(titles, "T")), (std::vector<std::string>{"b"}));
+  EXPECT_TRUE(rt::isMutableArray(rt::objectForKey(titles, "T"))) << "mutable as the host's was";
+  EXPECT_FALSE(rt::isMutableArray(rt::objectForKey(results, "A"))) << "immutable as the host's was";
   EXPECT_EQ(texts(rt::objectForKey(frozenInner, "X")), (std::vector<std::string>{"S"}))
       << "immutable: left alone";
   EXPECT_EQ(texts(keys), (std::vector<std::string>{"S"})) << "the section keys are not touched";

@@ -66,6 +66,18 @@ void fillSections(Id logic, Id keys, Id titles, Id results) {
   }
 }
 
+// The host orders each section in place once the fill is done: a section it
+// gets back immutable raises, as it would on a phone.
+void sortSectionsInPlace(Id results) {
+  for (Id key : rt::allKeys(results)) {
+    Id list = rt::objectForKey(results, key);
+    std::vector<Id> order = rt::elements(list);
+    sortInContactsOrder(order);
+    for (std::size_t i = 0; i < order.size(); ++i)
+      rt::send<void>(list, "replaceObjectAtIndex:withObject:", (unsigned long)i, order[i]);
+  }
+}
+
 void fillSectionResult(Id self, SEL, unsigned, Id keys, Id titles, Id results) {
   fillSections(self, keys, titles, results);
 }
@@ -82,6 +94,7 @@ void reloadContacts(Id self, SEL) {
     rt::send<void>(self, kFillSel, 0u, d.keys, d.titles, d.results);
   else
     fillSections(self, d.keys, d.titles, d.results);
+  sortSectionsInPlace(d.results);
   d.starred = responds(self, "getFavourContactArray") ? rt::send<Id>(self, "getFavourContactArray")
                                                       : rt::array({});
   d.footerCount = responds(self, "getContactsArrayWith:")

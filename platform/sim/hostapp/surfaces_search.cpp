@@ -71,8 +71,15 @@ std::vector<Id> fromContactLogic(const std::string& text) {
   if (rt::respondsTo(logic, rt::sel("fillSectionResultForDicSearchResult")))
     rt::send<void>(logic, "fillSectionResultForDicSearchResult");
   Id dict = ivar(logic, "m_dicSearchResult");
-  return rt::isDictionary(dict) ? rt::elements(rt::objectForKey(dict, "contact"))
-                                : std::vector<Id>{};
+  if (!rt::isDictionary(dict)) return {};
+  // The screen orders the logic's own mutable list in place: handed back
+  // immutable, it raises, as it would on a phone.
+  Id contacts = rt::objectForKey(dict, "contact");
+  std::vector<Id> found = rt::elements(contacts);
+  sortInContactsOrder(found);
+  for (std::size_t i = 0; i < found.size(); ++i)
+    rt::send<void>(contacts, "replaceObjectAtIndex:withObject:", (unsigned long)i, found[i]);
+  return found;
 }
 
 std::vector<Id> fromDataProvider(const std::string& text, const std::set<std::string>& listed) {
