@@ -55,14 +55,17 @@ void Device::setLocalTime(int hour, int minute) {
   wallOffset_ = dayStart + hour * 3600.0 + minute * 60.0 - elapsed_;
 }
 
-void Device::writeLog(std::string line) {
+void Device::writeLog(const std::vector<std::string>& segments) {
   std::lock_guard lock(logMutex_);
   LogLine l;
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    l.text += segments[i];
+    l.kept += i % 2 ? "<private>" : segments[i];
+  }
   l.elapsed = elapsed_;
   double sod = localSecondOfDay();
   l.secondOfDay = int(std::floor(sod));
   l.fraction = sod - std::floor(sod);
-  l.text = std::move(line);
   log_.push_back(std::move(l));
   if (logListener_) logListener_(log_.back());
 }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <mutex>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct LogLine {
   int secondOfDay = 0;  // local wall-clock time then
   double fraction = 0;  // sub-second part, for printing
   std::string text;
+  // The line as a phone's persistent log keeps it: private arguments (the
+  // usernames) redacted as "<private>".
+  std::string kept;
 };
 
 enum class Biometrics { FaceID, TouchID, None };
@@ -68,7 +72,9 @@ class Device {
   std::string documentsPath() const { return container_ + "/Documents"; }
 
   // --- The log every NSLog line reaches.
-  void writeLog(std::string line);
+  // A line whose parts are public and private in turn (the first public).
+  void writeLog(const std::vector<std::string>& segments);
+  void writeLog(std::string line) { writeLog(std::vector<std::string>{std::move(line)}); }
   const std::vector<LogLine>& log() const { return log_; }
   void setLogListener(std::function<void(const LogLine&)> listener) {
     logListener_ = std::move(listener);
@@ -78,6 +84,16 @@ class Device {
   std::mt19937_64& random() { return random_; }
   std::uint64_t seed() const { return options_.seed; }
   Faults& faults() { return faults_; }
+  // The items marked to stay out of the phone's backups (the resource value
+  // lives with the item on a phone; here, by path).
+  void excludeFromBackup(const std::string& path) {
+    std::lock_guard lock(logMutex_);
+    backupExcluded_.insert(path);
+  }
+  bool excludedFromBackup(const std::string& path) const {
+    std::lock_guard lock(logMutex_);
+    return backupExcluded_.count(path) != 0;
+  }
 
   // --- What the user saw, heard and felt of each message and call.
   Notices& notices() { return notices_; }
@@ -97,11 +113,12 @@ class Device {
   bool ownsContainer_ = false;
   double elapsed_ = 0;
   double wallOffset_;    // absolute time at elapsed 0
-  std::mutex logMutex_;  // lines may come from any thread
+  mutable std::mutex logMutex_;  // lines may come from any thread
   std::vector<LogLine> log_;
   std::function<void(const LogLine&)> logListener_;
   std::mt19937_64 random_;
   Faults faults_;
+  std::set<std::string> backupExcluded_;
   Notices notices_;
   SystemRecords records_;
 };

@@ -63,6 +63,10 @@ void postNotification(std::string name, rt::Id object, rt::Id userInfo) {
 
 void logLine(std::string_view line) { currentProcess().device().writeLog(std::string(line)); }
 
+void logSegments(const std::vector<std::string>& segments) {
+  currentProcess().device().writeLog(segments);
+}
+
 void* processStateSlot(std::shared_ptr<void> (*make)()) { return currentProcess().stateSlot(make); }
 
 }  // namespace sys

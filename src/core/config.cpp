@@ -45,6 +45,8 @@ QBConfig& QBConfig::shared() {
 std::string QBConfig::configURL() {
   std::string folder = sys::documentsDirectory() + "/Quenby";
   sys::createDirectories(folder);
+  // The secret list has no business in a backup another device may restore.
+  sys::excludeFromBackup(folder);
   return folder + "/config.plist";
 }
 

@@ -110,7 +110,7 @@ void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, 
           original(user, type, m, pushKit, displayName, completion);
           return;
         }
-        sys::log("[QB] block CallKit UI from %@ video=%d", caller, int(video));
+        sys::log("[QB] block CallKit UI from %@ video=%d", sys::privately(caller), int(video));
         original(user, type, m, pushKit, displayName, completion);
         if (!applicationActive()) endCallKitCall(self);
       },
@@ -126,7 +126,7 @@ void reportPushKitCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, b
           original(user, type, m, pushKit, multitalk);
           return;
         }
-        sys::log("[QB] block PK CallKit UI from %@", caller);
+        sys::log("[QB] block PK CallKit UI from %@", sys::privately(caller));
         original(user, type, m, pushKit, multitalk);
         if (!applicationActive()) endCallKitCall(callKitManager());
       },

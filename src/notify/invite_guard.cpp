@@ -81,7 +81,7 @@ void handleInviteMonoMsg(Id self, SEL cmd, Id m) {
         if (inviteBlocked(m)) {
           std::string caller = inviteCaller(m);
           sys::log("[QB] suppress handleInviteMonoMsg %@",
-                   caller.empty() ? std::string("?") : caller);
+                   sys::privately(caller.empty() ? std::string("?") : caller));
           suppressInvitesFrom(caller);
         }
         original(m);
@@ -180,7 +180,7 @@ void receiveInvite(Id self, SEL cmd, Id m, Id from, Id wrap, bool multiTalk, lon
         bool block =
             !isOutgoingCall(m) && callKindBlocks(caller, isVideoCall(m) || isVideoCall(wrap));
         if (block) {
-          sys::log("[QB] suppress receiveInvite from %@ (pass-through)", caller);
+          sys::log("[QB] suppress receiveInvite from %@ (pass-through)", sys::privately(caller));
           suppressInvitesFrom(caller);
         }
         original(m, from, wrap, multiTalk, notifyFrom);
@@ -291,7 +291,7 @@ void suppressInvitesFrom(const std::string& username) {
     std::lock_guard lock(s.mutex);
     s.record = {who, sys::absoluteTime() + kInviteSuppression_s};
   }
-  sys::log("[QB] invite suppress %@ for 45s", who);
+  sys::log("[QB] invite suppress %@ for 45s", sys::privately(who));
 }
 
 bool inviteSuppressedFor(const std::string& caller) {

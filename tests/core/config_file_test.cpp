@@ -63,6 +63,8 @@ TEST_F(ConfigFile, NoFileGivesEveryDefaultAndWritesNothing) {
   EXPECT_FALSE(std::filesystem::exists(path())) << "load never saves";
   EXPECT_TRUE(std::filesystem::is_directory(device.documentsPath() + "/Quenby"))
       << "configURL makes the folder";
+  EXPECT_TRUE(device.excludedFromBackup(device.documentsPath() + "/Quenby"))
+      << "and keeps it out of backups";
 }
 
 TEST_F(ConfigFile, WronglyTypedAndOutOfRangeValues) {

@@ -81,6 +81,8 @@ allowed() {
     __ZnwmSt11align_val_t | __ZdlPvSt11align_val_t | __ZdlPvmSt11align_val_t) return 0 ;;
     ___cxa_* | ___gxx_personality_v0 | __Unwind_* | ___objc_personality_v0) return 0 ;;
     _pthread_*) return 0 ;;
+    # the unified log (libSystem's os_log), and the image handle ld defines
+    __os_log_impl | __os_log_default | _os_log_type_enabled | ___dso_handle) return 0 ;;
   esac
   local n
   for n in "${libsystem[@]}"; do

@@ -148,6 +148,7 @@ bool Checker::hiddenForSure(const Observation& o) const {
 std::optional<Breach> Checker::check(const Observation& o) {
   if (o.crash) return Breach{4, "the host app broke: " + *o.crash};
   if (auto b = judgeSnapshot(o)) return b;
+  if (auto b = judgeKeptLog(o)) return b;
   if (isHeldScreen(o.screen)) lastUnsureAt_ = o.now;
   if (o.screen == "panel" || o.screen == "picker") {
     // The panel keeps the secrets shown while it is open, and opens only
@@ -207,6 +208,20 @@ std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) 
     if (auto r = find(*shown[s]))
       return Breach{2, "secret " + *r + " is on the " + names[s] + " while hidden"};
   }
+  return std::nullopt;
+}
+
+// 8. The system log, as a phone keeps it, never names a secret: a username
+// in a line is a private argument, redacted there.
+std::optional<Breach> Checker::judgeKeptLog(const Observation& o) const {
+  auto wordChar = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '@'; };
+  for (const std::string& line : o.keptLog)
+    for (const std::string& s : settings_.secrets)
+      for (std::size_t at = line.find(s); at != std::string::npos; at = line.find(s, at + 1)) {
+        std::size_t end = at + s.size();
+        if ((at == 0 || !wordChar(line[at - 1])) && (end == line.size() || !wordChar(line[end])))
+          return Breach{8, "the system log keeps secret " + s + " in the clear: " + line};
+      }
   return std::nullopt;
 }
 

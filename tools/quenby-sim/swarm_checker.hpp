@@ -65,6 +65,7 @@ struct Observation {
   std::vector<Delivered> lockscreen;     // Notification Center, newest first
   std::vector<std::string> suggestions;  // the chats the share sheet suggests
   std::vector<std::string> indexed;      // the chats the app's searchable items open
+  std::vector<std::string> keptLog;      // this step's log lines, as a phone's log keeps them
 };
 
 struct Breach {
@@ -106,6 +107,7 @@ class Checker {
   std::optional<Breach> judgeScreens(const Observation& o, const Key& k);
   std::optional<Breach> judgeDrawn(const Observation& o);
   std::optional<Breach> judgeSnapshot(const Observation& o);
+  std::optional<Breach> judgeKeptLog(const Observation& o) const;
   std::optional<Breach> judgeAnnouncements(const Observation& o, bool hiddenNow);
   std::optional<Breach> judgeFile(const Observation& o);
   std::optional<Breach> judgeKeptAside(const Observation& o) const;

@@ -623,6 +623,7 @@ class Day {
     std::string held = screenName(session_);
     panelWasUp_ = panelSheetUp(session_);
     std::size_t noticesBefore = session_.device().notices().all().size();
+    std::size_t logBefore = session_.device().log().size();
     Observation o;
     bool ok = true;
     std::string outcome;
@@ -643,6 +644,8 @@ class Day {
     }
     if (session_.process() == nullptr && checker_ && !o.crash) checker_->quit();
     observe(o, noticesBefore, line);
+    const auto& log = session_.device().log();
+    for (std::size_t k = logBefore; k < log.size(); ++k) o.keptLog.push_back(log[k].kept);
     if (ok && line == "background" && session_.process()) {
       const auto& shot = session_.host().lastSnapshot();
       if (shot.taken && (shot.screen == "main" || shot.screen == "contacts"))

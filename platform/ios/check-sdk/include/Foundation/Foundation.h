@@ -164,9 +164,13 @@ enum : NSInteger {
 @property (readonly, copy) NSString *localizedDescription;
 @end
 
+typedef NSString *NSURLResourceKey;
+extern NSURLResourceKey const NSURLIsExcludedFromBackupKey;
+
 @interface NSURL : NSObject <NSCopying>
 + (NSURL *)fileURLWithPath:(NSString *)path;
 @property (readonly, copy) NSString *path;
+- (BOOL)setResourceValue:(id)value forKey:(NSURLResourceKey)key error:(NSError **)error;
 @end
 
 typedef NSString *NSNotificationName;
