@@ -54,7 +54,7 @@ long hostCount(const CountHook& count, Id self, long section) {
 Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count,
                const RowHook& fetch) {
   SessionHooksState& s = sessionState();
-  if (!s.filterActive || s.depth != 0 || !rt::isIndexPath(indexPath))
+  if (!QBSessionHooks::filterActive() || s.depth != 0 || !rt::isIndexPath(indexPath))
     return hook.originalOr(self, cmd, indexPath);
   DepthGuard guard(s.depth);
   return hook.run(
@@ -96,7 +96,9 @@ long getSessionCountForSection(Id self, SEL cmd, long section) {
       nullptr,
       [&](CountHook::Original& original) -> long {
         long n = original(section);
-        if (!s.filterActive || s.depth != 0 || !s.getSessionInfoAtIndexPath.installed()) return n;
+        if (!QBSessionHooks::filterActive() || s.depth != 0 ||
+            !s.getSessionInfoAtIndexPath.installed())
+          return n;
         double now = sys::mediaTime();
         if (s.cachedSection == section && s.cachedCount >= 0 &&
             now - s.cachedAt < kCountCacheLife_s)
@@ -137,7 +139,9 @@ long logicGetCountForSection(Id self, SEL cmd, long section) {
       nullptr,
       [&](CountHook::Original& original) -> long {
         long n = original(section);
-        if (!s.filterActive || s.depth != 0 || !s.logicGetSessionAtIndexPath.installed()) return n;
+        if (!QBSessionHooks::filterActive() || s.depth != 0 ||
+            !s.logicGetSessionAtIndexPath.installed())
+          return n;
         s.depth = 1;
         struct Leave {
           int& depth;
@@ -152,7 +156,7 @@ long logicGetCountForSection(Id self, SEL cmd, long section) {
 
 long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
   SessionHooksState& s = sessionState();
-  if (s.filterActive && s.depth == 0 && s.logicGetCountForSection.installed())
+  if (QBSessionHooks::filterActive() && s.depth == 0 && s.logicGetCountForSection.installed())
     return logicGetCountForSection(self, s.logicGetCountForSection.selector(), section);
   return s.numberOfRowsInSection.originalOr(self, cmd, tableView, section);
 }
@@ -164,7 +168,9 @@ bool canShowInMainFrame(Id self, SEL cmd, Id arg) {
   return s.canShowInMainFrame.run(
       nullptr,
       [&](host::Hook<bool(Id)>::Original& original) {
-        if (s.filterActive && QBSessionHooks::isSecretSession(arg)) return false;
+        // Asked from the host's other threads too: the filter taken whole.
+        std::shared_ptr<const Filter> f = currentFilter();
+        if (f->active && f->secrets.count(QBRuntime::usernameFrom(arg))) return false;
         return original(arg);
       },
       self, cmd, arg);
@@ -180,21 +186,30 @@ void collect(Id list, std::vector<std::string>& out) {
 
 }  // namespace
 
+// Main-thread readers: the main thread is the only writer, so they read the
+// published filter without taking it.
 bool QBSessionHooks::isSecretSession(Id session) {
   std::string u = QBRuntime::usernameFrom(session);
-  return !u.empty() && sessionState().snapshot.count(u) != 0;
+  return !u.empty() && sessionState().filter->secrets.count(u) != 0;
 }
 
-bool QBSessionHooks::filterActive() { return sessionState().filterActive; }
+bool QBSessionHooks::filterActive() { return sessionState().filter->active; }
 
 void QBSessionHooks::refreshFilterCache() {
   SessionHooksState& s = sessionState();
   core::QBConfig& config = core::QBConfig::shared();
-  s.snapshot = config.secretSnapshot();
-  s.filterActive = !s.snapshot.empty() && (!config.unlocked() || s.away);
+  auto next = std::make_shared<Filter>();
+  next->secrets = config.secretSnapshot();
+  next->active = !next->secrets.empty() && (!config.unlocked() || s.away);
+  std::shared_ptr<const Filter> published = next;
+  {
+    std::lock_guard lock(s.filterMutex);
+    s.filter = published;
+  }
   s.cachedSection = std::numeric_limits<std::int64_t>::max();
   s.cachedCount = -1;
-  for (const FilterListener& listener : s.filterListeners) listener(s.snapshot, s.filterActive);
+  for (const FilterListener& listener : s.filterListeners)
+    listener(published->secrets, published->active);
 }
 
 void QBSessionHooks::addFilterListener(FilterListener listener) {

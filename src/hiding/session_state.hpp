@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -16,9 +18,17 @@
 
 namespace hiding {
 
+// The secrets the filter hides, and whether it hides them now. The host asks
+// its "can show" test from other threads too: the main thread publishes a new
+// one whole, and a reader keeps the one it took.
+struct Filter {
+  std::unordered_set<std::string> secrets;
+  bool active = false;
+};
+
 struct SessionHooksState {
-  std::unordered_set<std::string> snapshot;
-  bool filterActive = false;
+  std::shared_ptr<const Filter> filter = std::make_shared<const Filter>();
+  std::mutex filterMutex;  // guards the pointer only, for as long as a copy takes
   std::int64_t cachedSection = std::numeric_limits<std::int64_t>::max();
   std::int64_t cachedCount = -1;
   double cachedAt = 0;
@@ -51,6 +61,13 @@ struct SessionHooksState {
 };
 
 inline SessionHooksState& sessionState() { return sys::state<SessionHooksState>(); }
+
+// For a reader off the main thread.
+inline std::shared_ptr<const Filter> currentFilter() {
+  SessionHooksState& s = sessionState();
+  std::lock_guard lock(s.filterMutex);
+  return s.filter;
+}
 
 // Installs the eight list hooks (the filter).
 void installSessionFilterHooks();

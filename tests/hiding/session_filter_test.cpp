@@ -3,6 +3,10 @@
 // listing, and failing host getters.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
 #include "hiding/session_state.hpp"
@@ -292,6 +296,36 @@ TEST_F(SessionFilter, MissingHookGroupsAreSkippedAndTheRestStillFilters) {
   EXPECT_EQ(nameOf(row(frame(), "logicGetCellDataAtIndexPath:", 1)), "b");
   EXPECT_EQ(row(frame(), "logicGetCellDataAtIndexPath:", 2), nullptr);
   EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
+}
+
+}  // namespace
+
+namespace {
+
+class FilterThreads : public SessionFilter {};
+
+// The host asks its class-level "can show" test from other threads while the
+// main thread publishes new filters: each answer comes from one whole filter.
+TEST_F(FilterThreads, CanShowFromOtherThreadsWhileTheMainThreadRefreshes) {
+  launchWithLibrary();
+  hideS();
+  Id mgr = rt::toId(rt::getClass("MainSessionMgr"));
+  Id a = rt::str("a"), s = rt::str("S");
+  std::atomic<int> aRefused{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 3; ++t)
+    threads.emplace_back([&] {
+      for (int i = 0; i < 200; ++i) {
+        if (!rt::send<bool>(mgr, "canShowInMainFrame:", a)) ++aRefused;
+        rt::send<bool>(mgr, "canShowInMainFrame:", s);
+      }
+    });
+  for (long i = 0; i < 300; ++i) {
+    QBConfig::shared().setUnlocked(i % 2);
+    QBSessionHooks::refreshFilterCache();
+  }
+  for (auto& th : threads) th.join();
+  EXPECT_EQ(aRefused, 0) << "a non-secret is never refused";
 }
 
 }  // namespace
