@@ -165,7 +165,7 @@ enum : NSInteger {
 @end
 
 typedef NSString *NSURLResourceKey;
-extern NSURLResourceKey const NSURLIsExcludedFromBackupKey;
+extern "C" NSURLResourceKey const NSURLIsExcludedFromBackupKey;
 
 @interface NSURL : NSObject <NSCopying>
 + (NSURL *)fileURLWithPath:(NSString *)path;

@@ -300,10 +300,12 @@ typedef enum UIBarButtonItemStyle : NSInteger {
 @property (nonatomic, weak) id<UIAdaptivePresentationControllerDelegate> delegate;
 @end
 
+__attribute__((availability(ios, introduced = 15.0)))
 @interface UISheetPresentationControllerDetent : NSObject
 + (instancetype)largeDetent;
 @end
 
+__attribute__((availability(ios, introduced = 15.0)))
 @interface UISheetPresentationController : UIPresentationController
 @property (nonatomic, copy) NSArray *detents;
 @property (nonatomic) BOOL prefersGrabberVisible;
@@ -318,7 +320,8 @@ typedef enum UIBarButtonItemStyle : NSInteger {
 @property (nonatomic, strong) UIView *view;
 @property (nonatomic, readonly, strong) UINavigationItem *navigationItem;
 @property (nonatomic) UIModalPresentationStyle modalPresentationStyle;
-@property (nonatomic, readonly) UISheetPresentationController *sheetPresentationController;
+@property (nonatomic, readonly) UISheetPresentationController *sheetPresentationController
+    __attribute__((availability(ios, introduced = 15.0)));
 @property (nonatomic, readonly) UIPresentationController *presentationController;
 @property (nonatomic) BOOL definesPresentationContext;
 - (void)viewDidDisappear:(BOOL)animated;
