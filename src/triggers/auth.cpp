@@ -100,16 +100,18 @@ void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompleti
     sys::async([wrapper] { askPassword(wrapper); });
     return;
   }
+  // The reply comes on LocalAuthentication's queue: everything it touches is
+  // the main thread's, so it hops there first.
   ui::evaluateBiometrics(
-      ui::BiometricRequest{reason.empty() ? kReasonDefault : reason, ""}, [wrapper](bool success) {
-        if (!success) {
-          wrapper(false);  // deliberately no password fallback after a failed check
-          return;
-        }
-        revealCheckSucceeded();
-        sys::async([wrapper] {
+      ui::BiometricRequest{reason.empty() ? kReasonDefault : reason, ""}, [completion](bool success) {
+        sys::async([completion, success] {
+          if (!success) {
+            completion(false);  // deliberately no password fallback after a failed check
+            return;
+          }
+          revealCheckSucceeded();
           QBConfig::shared().setUnlocked(true);
-          wrapper(true);
+          completion(true);
         });
       });
 }
