@@ -67,4 +67,36 @@ void Device::writeLog(std::string line) {
   if (logListener_) logListener_(log_.back());
 }
 
+bool Device::lockedSinceRestart() const {
+  std::lock_guard lock(protectionMutex_);
+  return lockedSinceRestart_;
+}
+
+void Device::setLockedSinceRestart(bool locked) {
+  std::lock_guard lock(protectionMutex_);
+  lockedSinceRestart_ = locked;
+}
+
+void Device::noteWrittenWithoutProtection(const std::string& path, bool withoutProtection) {
+  std::lock_guard lock(protectionMutex_);
+  if (withoutProtection)
+    unprotected_.insert(path);
+  else
+    unprotected_.erase(path);
+}
+
+void Device::noteMoved(const std::string& from, const std::string& to) {
+  std::lock_guard lock(protectionMutex_);
+  bool was = unprotected_.erase(from) != 0;
+  if (was)
+    unprotected_.insert(to);
+  else
+    unprotected_.erase(to);
+}
+
+bool Device::mayRead(const std::string& path) const {
+  std::lock_guard lock(protectionMutex_);
+  return !lockedSinceRestart_ || unprotected_.count(path) != 0;
+}
+
 }  // namespace sim

@@ -8,6 +8,7 @@
 #include <functional>
 #include <mutex>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,19 @@ class Device {
   // suggestions, search).
   SystemRecords& records() { return records_; }
 
+  // --- Data protection. Locked since a restart (`device locked`), no file of
+  // the container can be read or written with a protection class, whatever
+  // the class; only what was written without protection can be read, until
+  // the first unlock. Files from before this device object (a container on
+  // disk) count as protected, as the host's own files are.
+  bool lockedSinceRestart() const;
+  void setLockedSinceRestart(bool locked);
+  // Records the class the file at `path` was last written with.
+  void noteWrittenWithoutProtection(const std::string& path, bool withoutProtection);
+  void noteMoved(const std::string& from, const std::string& to);
+  // Whether the file at `path` may be read now.
+  bool mayRead(const std::string& path) const;
+
   // --- Hardware.
   Biometrics biometrics = Biometrics::FaceID;
   MotionSensors motion = MotionSensors::Full;
@@ -102,6 +116,9 @@ class Device {
   std::function<void(const LogLine&)> logListener_;
   std::mt19937_64 random_;
   Faults faults_;
+  mutable std::mutex protectionMutex_;  // files may be read from any thread
+  bool lockedSinceRestart_ = false;
+  std::set<std::string> unprotected_;
   Notices notices_;
   SystemRecords records_;
 };

@@ -1,16 +1,21 @@
 // The app container on iOS: NSFileManager for the Documents folder, folders,
 // an item's type and moves; open(2) and fstat(2) to read only a regular file
 // without blocking; NSPropertyListSerialization for the XML and binary
-// codecs, and an atomic NSData write (a temporary file, then a rename).
+// codecs, and an atomic NSData write (a temporary file, then a rename) with
+// the protection class asked for. A file closed by data protection (the phone
+// not unlocked since it started) is told apart from one that cannot be read.
 #include "sys/files.hpp"
 
 #import <Foundation/Foundation.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "bridge.h"
 #include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
 
 namespace sys {
 namespace {
@@ -25,9 +30,12 @@ void describe(std::string* out, NSError* error) {
 
 // The bytes of the regular file at `path`, or nil. The descriptor is checked
 // again, since another item may have been put there after the type was read.
-NSData* readRegular(const std::string& path) {
+NSData* readRegular(const std::string& path, int* openError) {
   int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-  if (fd < 0) return nil;
+  if (fd < 0) {
+    *openError = errno;
+    return nil;
+  }
   struct stat st {};
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
     close(fd);
@@ -35,6 +43,26 @@ NSData* readRegular(const std::string& path) {
   }
   NSFileHandle* handle = [[NSFileHandle alloc] initWithFileDescriptor:fd closeOnDealloc:YES];
   return [handle readDataToEndOfFileAndReturnError:nil];
+}
+
+// Whether an open refused with `code` is data protection at work: the class
+// keys are gone until the first unlock, and the system says so.
+bool closedByProtection(int code) {
+  if (code != EPERM && code != EACCES) return false;
+  rt::Id app = rt::send<rt::Id>(rt::getClass("UIApplication"), "sharedApplication");
+  return app && !rt::send<bool>(app, "isProtectedDataAvailable");
+}
+
+NSDataWritingOptions protectionOption(FileProtection protection) {
+  switch (protection) {
+    case FileProtection::UntilFirstUnlock:
+      return NSDataWritingFileProtectionCompleteUntilFirstUserAuthentication;
+    case FileProtection::None:
+      return NSDataWritingFileProtectionNone;
+    case FileProtection::HostDefault:
+      break;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -70,7 +98,9 @@ PlistFile readPropertyListFile(const std::string& path) {
     }
     if (![[attributes objectForKey:NSFileType] isEqual:NSFileTypeRegular])
       return {ReadStatus::Unreadable, {}};
-    NSData* data = readRegular(path);
+    int openError = 0;
+    NSData* data = readRegular(path, &openError);
+    if (!data && closedByProtection(openError)) return {ReadStatus::NotYetReadable, {}};
     if (!data) return {ReadStatus::Unreadable, {}};
     id plist = [NSPropertyListSerialization propertyListWithData:data
                                                          options:NSPropertyListImmutable
@@ -97,7 +127,7 @@ MoveResult moveItem(const std::string& from, const std::string& to, std::string*
 }
 
 bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format,
-                       std::string* error) {
+                       std::string* error, FileProtection protection) {
   @autoreleasepool {
     NSPropertyListFormat f = format == PlistFormat::Binary ? NSPropertyListBinaryFormat_v1_0
                                                            : NSPropertyListXMLFormat_v1_0;
@@ -107,8 +137,8 @@ bool writePropertyList(const std::string& path, const base::Value& value, PlistF
                                                    format:f
                                                   options:0
                                                     error:&failure];
-    if (data && [data writeToFile:ios::ns(path) options:NSDataWritingAtomic error:&failure])
-      return true;
+    NSDataWritingOptions options = NSDataWritingAtomic | protectionOption(protection);
+    if (data && [data writeToFile:ios::ns(path) options:options error:&failure]) return true;
     describe(error, failure);
     return false;
   }
