@@ -77,26 +77,34 @@ void Device::setLockedSinceRestart(bool locked) {
   lockedSinceRestart_ = locked;
 }
 
-void Device::noteWrittenWithoutProtection(const std::string& path, bool withoutProtection) {
+void Device::noteProtection(const std::string& path, sys::FileProtection protection) {
   std::lock_guard lock(protectionMutex_);
-  if (withoutProtection)
-    unprotected_.insert(path);
-  else
-    unprotected_.erase(path);
+  protection_[path] = protection;
 }
 
 void Device::noteMoved(const std::string& from, const std::string& to) {
   std::lock_guard lock(protectionMutex_);
-  bool was = unprotected_.erase(from) != 0;
-  if (was)
-    unprotected_.insert(to);
-  else
-    unprotected_.erase(to);
+  auto it = protection_.find(from);
+  if (it == protection_.end()) {
+    protection_.erase(to);
+    return;
+  }
+  protection_[to] = it->second;
+  protection_.erase(from);
+}
+
+std::optional<sys::FileProtection> Device::protectionOf(const std::string& path) const {
+  std::lock_guard lock(protectionMutex_);
+  auto it = protection_.find(path);
+  if (it == protection_.end()) return std::nullopt;
+  return it->second;
 }
 
 bool Device::mayRead(const std::string& path) const {
   std::lock_guard lock(protectionMutex_);
-  return !lockedSinceRestart_ || unprotected_.count(path) != 0;
+  if (!lockedSinceRestart_) return true;
+  auto it = protection_.find(path);
+  return it != protection_.end() && it->second == sys::FileProtection::None;
 }
 
 }  // namespace sim

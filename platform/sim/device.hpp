@@ -7,13 +7,15 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <map>
+#include <optional>
 #include <random>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "sim/notices.hpp"
 #include "sim/system_records.hpp"
+#include "sys/files.hpp"
 
 namespace sim {
 
@@ -94,8 +96,10 @@ class Device {
   bool lockedSinceRestart() const;
   void setLockedSinceRestart(bool locked);
   // Records the class the file at `path` was last written with.
-  void noteWrittenWithoutProtection(const std::string& path, bool withoutProtection);
+  void noteProtection(const std::string& path, sys::FileProtection protection);
   void noteMoved(const std::string& from, const std::string& to);
+  // The class the file at `path` was last written with on this device.
+  std::optional<sys::FileProtection> protectionOf(const std::string& path) const;
   // Whether the file at `path` may be read now.
   bool mayRead(const std::string& path) const;
 
@@ -118,7 +122,7 @@ class Device {
   Faults faults_;
   mutable std::mutex protectionMutex_;  // files may be read from any thread
   bool lockedSinceRestart_ = false;
-  std::set<std::string> unprotected_;
+  std::map<std::string, sys::FileProtection> protection_;
   Notices notices_;
   SystemRecords records_;
 };

@@ -92,7 +92,7 @@ bool writePropertyList(const std::string& path, const base::Value& value, PlistF
   }
   if (!sim::writeFileAtomically(path, sim::encodePlist(value, format), fault, error)) return false;
   if (sim::hasCurrentProcess())
-    sim::currentProcess().device().noteWrittenWithoutProtection(path, unprotected);
+    sim::currentProcess().device().noteProtection(path, protection);
   return true;
 }
 

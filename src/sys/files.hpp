@@ -45,7 +45,7 @@ struct PlistFile {
 // is caught on the descriptor before a read could block on it; the bytes
 // through NSFileHandle readDataToEndOfFileAndReturnError:, the value through
 // NSPropertyListSerialization propertyListWithData:options:format:error:.
-// An open(2) refused with EPERM or EACCES while UIApplication's
+// A regular file that open(2) refuses while UIApplication's
 // isProtectedDataAvailable is NO is NotYetReadable.
 PlistFile readPropertyListFile(const std::string& path);
 

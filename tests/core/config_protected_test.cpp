@@ -45,6 +45,10 @@ TEST_F(Protected, TheGateFileNamesNoSecretAndOnlyItIsReadableBeforeTheFirstUnloc
   savedBefore();
   std::string gate = bytes("gate.plist");
   ASSERT_FALSE(gate.empty());
+  // Readable from the first unlock on whatever the host's default; the
+  // gate file at any time.
+  EXPECT_EQ(device.protectionOf(folder() + "/config.plist"), sys::FileProtection::UntilFirstUnlock);
+  EXPECT_EQ(device.protectionOf(core::gateFilePath()), sys::FileProtection::None);
   EXPECT_EQ(gate.find("bob"), std::string::npos);
   EXPECT_EQ(gate.find("team"), std::string::npos);
   device.setLockedSinceRestart(true);

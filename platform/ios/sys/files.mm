@@ -7,7 +7,6 @@
 #include "sys/files.hpp"
 
 #import <Foundation/Foundation.h>
-#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,12 +29,10 @@ void describe(std::string* out, NSError* error) {
 
 // The bytes of the regular file at `path`, or nil. The descriptor is checked
 // again, since another item may have been put there after the type was read.
-NSData* readRegular(const std::string& path, int* openError) {
+NSData* readRegular(const std::string& path, bool* opened) {
   int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-  if (fd < 0) {
-    *openError = errno;
-    return nil;
-  }
+  *opened = fd >= 0;
+  if (fd < 0) return nil;
   struct stat st {};
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
     close(fd);
@@ -45,10 +42,9 @@ NSData* readRegular(const std::string& path, int* openError) {
   return [handle readDataToEndOfFileAndReturnError:nil];
 }
 
-// Whether an open refused with `code` is data protection at work: the class
-// keys are gone until the first unlock, and the system says so.
-bool closedByProtection(int code) {
-  if (code != EPERM && code != EACCES) return false;
+// Whether a regular file that would not open is closed by data protection:
+// the class keys are gone until the first unlock, and the system says so.
+bool protectedDataUnavailable() {
   rt::Id app = rt::send<rt::Id>(rt::getClass("UIApplication"), "sharedApplication");
   return app && !rt::send<bool>(app, "isProtectedDataAvailable");
 }
@@ -98,9 +94,9 @@ PlistFile readPropertyListFile(const std::string& path) {
     }
     if (![[attributes objectForKey:NSFileType] isEqual:NSFileTypeRegular])
       return {ReadStatus::Unreadable, {}};
-    int openError = 0;
-    NSData* data = readRegular(path, &openError);
-    if (!data && closedByProtection(openError)) return {ReadStatus::NotYetReadable, {}};
+    bool opened = false;
+    NSData* data = readRegular(path, &opened);
+    if (!opened && protectedDataUnavailable()) return {ReadStatus::NotYetReadable, {}};
     if (!data) return {ReadStatus::Unreadable, {}};
     id plist = [NSPropertyListSerialization propertyListWithData:data
                                                          options:NSPropertyListImmutable
