@@ -70,4 +70,44 @@ void Device::writeLog(const std::vector<std::string>& segments) {
   if (logListener_) logListener_(log_.back());
 }
 
+bool Device::lockedSinceRestart() const {
+  std::lock_guard lock(protectionMutex_);
+  return lockedSinceRestart_;
+}
+
+void Device::setLockedSinceRestart(bool locked) {
+  std::lock_guard lock(protectionMutex_);
+  lockedSinceRestart_ = locked;
+}
+
+void Device::noteProtection(const std::string& path, sys::FileProtection protection) {
+  std::lock_guard lock(protectionMutex_);
+  protection_[path] = protection;
+}
+
+void Device::noteMoved(const std::string& from, const std::string& to) {
+  std::lock_guard lock(protectionMutex_);
+  auto it = protection_.find(from);
+  if (it == protection_.end()) {
+    protection_.erase(to);
+    return;
+  }
+  protection_[to] = it->second;
+  protection_.erase(from);
+}
+
+std::optional<sys::FileProtection> Device::protectionOf(const std::string& path) const {
+  std::lock_guard lock(protectionMutex_);
+  auto it = protection_.find(path);
+  if (it == protection_.end()) return std::nullopt;
+  return it->second;
+}
+
+bool Device::mayRead(const std::string& path) const {
+  std::lock_guard lock(protectionMutex_);
+  if (!lockedSinceRestart_) return true;
+  auto it = protection_.find(path);
+  return it != protection_.end() && it->second == sys::FileProtection::None;
+}
+
 }  // namespace sim

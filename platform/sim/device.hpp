@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <map>
+#include <optional>
 #include <random>
 #include <set>
 #include <string>
@@ -14,6 +16,7 @@
 
 #include "sim/notices.hpp"
 #include "sim/system_records.hpp"
+#include "sys/files.hpp"
 
 namespace sim {
 
@@ -101,6 +104,21 @@ class Device {
   // suggestions, search).
   SystemRecords& records() { return records_; }
 
+  // --- Data protection. Locked since a restart (`device locked`), no file of
+  // the container can be read or written with a protection class, whatever
+  // the class; only what was written without protection can be read, until
+  // the first unlock. Files from before this device object (a container on
+  // disk) count as protected, as the host's own files are.
+  bool lockedSinceRestart() const;
+  void setLockedSinceRestart(bool locked);
+  // Records the class the file at `path` was last written with.
+  void noteProtection(const std::string& path, sys::FileProtection protection);
+  void noteMoved(const std::string& from, const std::string& to);
+  // The class the file at `path` was last written with on this device.
+  std::optional<sys::FileProtection> protectionOf(const std::string& path) const;
+  // Whether the file at `path` may be read now.
+  bool mayRead(const std::string& path) const;
+
   // --- Hardware.
   Biometrics biometrics = Biometrics::FaceID;
   MotionSensors motion = MotionSensors::Full;
@@ -119,6 +137,9 @@ class Device {
   std::mt19937_64 random_;
   Faults faults_;
   std::set<std::string> backupExcluded_;
+  mutable std::mutex protectionMutex_;  // files may be read from any thread
+  bool lockedSinceRestart_ = false;
+  std::map<std::string, sys::FileProtection> protection_;
   Notices notices_;
   SystemRecords records_;
 };

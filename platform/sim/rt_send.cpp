@@ -1,7 +1,9 @@
 // Message dispatch with the checks that stand in for a phone's crash: an
 // unanswered message raises as the runtime does, a call whose C++ types differ
 // from the method's encoding raises and is recorded, and injected host faults
-// raise where the host's method would run.
+// raise where the host's method would run. Types are compared as the iOS
+// resolver compares them: what differs only where arm64 passes it the same
+// way (an integer's sign, an object's class) is the same call.
 #include <string>
 
 #include "rt/exception.hpp"
@@ -36,7 +38,7 @@ IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
                                             ": unrecognized selector sent to " +
                                             (isClass ? "class" : "instance"));
   }
-  if (m->hasTypes && m->normalized != sig)
+  if (m->hasTypes && !sameCallTypes(sig, m->normalized))
     mismatch(rtm, methodLabel(receiver, s), m->normalized, sig);
   if (const std::string* what = rtm.raisingWhat(m->imp)) raise("NSGenericException", *what);
   return m->imp;

@@ -1,6 +1,8 @@
 // The files facade on the simulated device's container: plain files on the
 // Linux disk, property lists through libplist. A container the device's
 // faults make read-only refuses every change, as the phone's volume would.
+// While the device is locked since a restart, files with data protection can
+// neither be read nor written, as on the phone.
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -51,6 +53,9 @@ bool fileExists(const std::string& path) {
 
 PlistFile readPropertyListFile(const std::string& path) {
   sim::FileBytes file = sim::readRegularFile(path);
+  if (file.status == sim::ReadStatus::Read && sim::hasCurrentProcess() &&
+      !sim::currentProcess().device().mayRead(path))
+    return {ReadStatus::NotYetReadable, {}};
   switch (file.status) {
     case sim::ReadStatus::Missing:
       return {ReadStatus::Missing, {}};
@@ -66,16 +71,25 @@ PlistFile readPropertyListFile(const std::string& path) {
 
 MoveResult moveItem(const std::string& from, const std::string& to, std::string* error) {
   int code = readOnly() ? EROFS : sim::renameWithoutReplacing(from, to);
-  if (code == 0) return MoveResult::Moved;
+  if (code == 0) {
+    if (sim::hasCurrentProcess()) sim::currentProcess().device().noteMoved(from, to);
+    return MoveResult::Moved;
+  }
   describe(error, from, code);
   if (code == EEXIST) return MoveResult::TargetExists;
   return code == ENOENT ? MoveResult::SourceMissing : MoveResult::Failed;
 }
 
 bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format,
-                       std::string* error) {
+                       std::string* error, FileProtection protection) {
   if (readOnly()) {
     describe(error, path, EROFS);
+    return false;
+  }
+  bool unprotected = protection == FileProtection::None;
+  bool locked = sim::hasCurrentProcess() && sim::currentProcess().device().lockedSinceRestart();
+  if (locked && !unprotected) {
+    describe(error, path, EPERM);  // no class key to write with until the first unlock
     return false;
   }
   sim::WriteFault fault = sim::WriteFault::None;
@@ -83,7 +97,10 @@ bool writePropertyList(const std::string& path, const base::Value& value, PlistF
     faults->crashBeforeRename = false;
     fault = sim::WriteFault::CrashBeforeRename;
   }
-  return sim::writeFileAtomically(path, sim::encodePlist(value, format), fault, error);
+  if (!sim::writeFileAtomically(path, sim::encodePlist(value, format), fault, error)) return false;
+  if (sim::hasCurrentProcess())
+    sim::currentProcess().device().noteProtection(path, protection);
+  return true;
 }
 
 }  // namespace sys

@@ -1,5 +1,7 @@
 #include "sim/type_checks.hpp"
 
+#include "rt/encoding.hpp"
+
 namespace sim {
 
 void TypeChecks::noteImplementation(rt::IMP imp, const std::string& normalized) {
@@ -16,7 +18,7 @@ bool TypeChecks::implementationAccepts(rt::IMP imp, const std::string& normalize
   auto it = impTypes_.find(imp);
   if (it == impTypes_.end()) return true;  // installed without types: nothing to check against
   for (const auto& t : it->second)
-    if (t == normalized) return true;
+    if (rt::sameCallTypes(normalized, t)) return true;
   return false;
 }
 

@@ -20,7 +20,8 @@ namespace sim {
 class TypeChecks {
  public:
   void noteImplementation(rt::IMP imp, const std::string& normalized);
-  // True when `imp` was installed under `normalized`, or without any types.
+  // True when `imp` was installed under types that `normalized` calls safely
+  // (rt::sameCallTypes), or without any types.
   bool implementationAccepts(rt::IMP imp, const std::string& normalized) const;
   bool knowsImplementation(rt::IMP imp) const;
 

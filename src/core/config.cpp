@@ -2,9 +2,11 @@
 // finds there, and the 17 keys save writes.
 #include "core/config.hpp"
 
+#include "core/gate_file.hpp"
 #include "core/kept_aside.hpp"
 #include "sys/files.hpp"
 #include "sys/log.hpp"
+#include "sys/notifications.hpp"
 #include "sys/process_state.hpp"
 
 namespace core {
@@ -72,7 +74,21 @@ void QBConfig::setDailyWindowsField(DailyWindows v) {
 
 void QBConfig::load() {
   std::string path = configURL();
-  sys::PlistFile file = sys::readPropertyListFile(path);
+  if (applyFile(path, sys::readPropertyListFile(path))) return;
+  // Closed until the first unlock: not damaged, so neither kept aside nor
+  // replaced. Until it is read, the gating knows the secrets by their hashes.
+  applySettings(base::Value());
+  applyGate();
+  waitingForFile_ = true;
+  sys::log("[QB] config protected until first unlock");
+  unlockObserver_ =
+      sys::addObserver(sys::kProtectedDataDidBecomeAvailable, [this](const sys::Notification&) {
+        readAfterUnlock();
+      }).id;
+}
+
+bool QBConfig::applyFile(const std::string& path, const sys::PlistFile& file) {
+  if (file.status == sys::ReadStatus::NotYetReadable) return false;
   bool usable = file.status == sys::ReadStatus::Read && file.value.isDictionary();
   if (file.status != sys::ReadStatus::Missing && !usable) {
     std::string error;
@@ -80,6 +96,65 @@ void QBConfig::load() {
       sys::log("[QB] config unreadable, left in place: %@", error);
   }
   applySettings(usable ? file.value : base::Value());
+  // A file from before the gate file existed gets one now, so a restart
+  // before the next save still gates.
+  if (usable) writeGate();
+  return true;
+}
+
+void QBConfig::applyGate() {
+  sys::PlistFile file = sys::readPropertyListFile(gateFilePath());
+  std::optional<GateRecord> gate =
+      file.status == sys::ReadStatus::Read ? gateFromValue(file.value) : std::nullopt;
+  if (!gate) return;  // nothing known: every default
+  secretNotifyMode_ = gate->notifyMode;
+  backgroundNotify_ = gate->notifyMode != 0;
+  voipVoice_ = gate->voipVoice;
+  voipVideo_ = gate->voipVideo;
+  std::lock_guard lock(lock_);
+  gateSalt_ = gate->salt;
+  gateHashes_ = std::move(gate->hashes);
+}
+
+void QBConfig::readAfterUnlock() {
+  if (!waitingForFile_) return;
+  std::string path = configURL();
+  // The transient state is the running process's, not the file's.
+  bool wasUnlocked = unlocked_, autoLock = suppressAutoLock_, sessionApply = suppressSessionApply_;
+  if (!applyFile(path, sys::readPropertyListFile(path))) return;
+  unlocked_ = wasUnlocked;
+  suppressAutoLock_ = autoLock;
+  suppressSessionApply_ = sessionApply;
+  {
+    std::lock_guard lock(lock_);
+    gateHashes_.clear();
+  }
+  waitingForFile_ = false;
+  sys::removeObserver(sys::ObserverToken{unlockObserver_});
+  sys::log("[QB] config read after first unlock");
+  requestVisibilitySync();
+}
+
+void QBConfig::writeGate() {
+  GateRecord record;
+  record.notifyMode = secretNotifyMode();
+  record.voipVoice = voipVoiceNotifyEnabled();
+  record.voipVideo = voipVideoNotifyEnabled();
+  std::string path = gateFilePath();
+  sys::PlistFile onDisk = sys::readPropertyListFile(path);
+  std::optional<GateRecord> old =
+      onDisk.status == sys::ReadStatus::Read ? gateFromValue(onDisk.value) : std::nullopt;
+  {
+    std::lock_guard lock(lock_);
+    if (gateSalt_.empty()) gateSalt_ = old ? old->salt : newGateSalt();
+    record.salt = gateSalt_;
+    for (const std::string& name : secrets_) record.hashes.insert(gateHash(gateSalt_, name));
+  }
+  if (old && *old == record) return;
+  std::string error;
+  if (!sys::writePropertyList(path, gateValue(record), sys::PlistFormat::Xml, &error,
+                              sys::FileProtection::None))
+    sys::log("[QB] gate save failed: %@", error);
 }
 
 bool QBConfig::moveUnusableAside(const std::string& path, bool found, std::string* error) {
@@ -187,9 +262,18 @@ void QBConfig::save() {
   base::Value dict = settingsDictionary();
   std::string path = configURL();
   std::string error;
+  if (waitingForFile_) {
+    // What is in memory is not the user's list: writing it would replace it.
+    sys::log("[QB] config save refused: not read yet (locked since restart)");
+    return;
+  }
   if (!moveUnusableAside(path, false, &error) ||
-      !sys::writePropertyList(path, dict, sys::PlistFormat::Xml, &error))
+      !sys::writePropertyList(path, dict, sys::PlistFormat::Xml, &error,
+                              sys::FileProtection::UntilFirstUnlock)) {
     sys::log("[QB] config save failed: %@", error);
+    return;
+  }
+  writeGate();
 }
 
 }  // namespace core

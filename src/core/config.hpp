@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@
 
 #include "base/value.hpp"
 #include "core/daily_window.hpp"
+#include "sys/files.hpp"
 
 namespace core {
 
@@ -30,12 +32,19 @@ class QBConfig {
   // Replaces every persisted field from the file, with the migrations and
   // repairs of old or damaged data. Called once, by shared(). A file that
   // cannot be read or is not a dictionary gives every default and is kept
-  // aside (logged).
+  // aside (logged). A file closed by data protection (the phone not unlocked
+  // since it started) is left alone: the gating runs on the hashes of the
+  // gate file until the file is read, on
+  // UIApplicationProtectedDataDidBecomeAvailable.
   void load();
-  // Writes exactly the 17 keys. A failed write logs one line and keeps the
-  // settings in memory; a file load could not keep aside is never written
-  // over (each save tries again to move it first).
+  // Writes exactly the 17 keys, readable once the phone has been unlocked
+  // after a restart, and the gate file beside them. A failed write logs one
+  // line and keeps the settings in memory; a file load could not keep aside is
+  // never written over (each save tries again to move it first); nothing is
+  // written while the file has not been read yet.
   void save();
+  // True while the settings file exists but could not be read yet.
+  bool waitingForProtectedData() const { return waitingForFile_; }
   // What save writes, in its order (also what the simulator shows).
   base::Value settingsDictionary();
   // The load rules applied to a file's root value (any value: a non-dictionary
@@ -129,6 +138,15 @@ class QBConfig {
   // Sets aside the unusable file at `path` when one was `found` now or is
   // still in place from before. False, with `error`, while it is in place.
   bool moveUnusableAside(const std::string& path, bool found, std::string* error);
+  // load's steps once the file's status is known; false when it is still
+  // closed by data protection.
+  bool applyFile(const std::string& path, const sys::PlistFile& file);
+  // Gating from the gate file, while the settings file is closed.
+  void applyGate();
+  // The settings file, read at last after the first unlock.
+  void readAfterUnlock();
+  // Writes the gate file when it differs from what the settings say.
+  void writeGate();
 
   mutable std::mutex lock_;  // the secret set, the two non-scalar settings, load and save
   std::unordered_set<std::string> secrets_;
@@ -141,6 +159,12 @@ class QBConfig {
       secretNotifyMode_{0};
   DailyWindows dailyWindows_ = defaultDailyWindows();
   bool unusableInPlace_ = false;  // a file load could not keep aside
+  // The settings file exists but is closed by data protection: saves are
+  // refused and the secret set is known only by gateHashes_.
+  std::atomic<bool> waitingForFile_{false};
+  std::unordered_set<std::string> gateHashes_;  // under lock_
+  std::string gateSalt_;                        // under lock_
+  std::uint64_t unlockObserver_ = 0;
 };
 
 }  // namespace core

@@ -2,6 +2,7 @@
 // reveals, and the one deferred notification by which every hook learns that
 // the state changed.
 #include "core/config.hpp"
+#include "core/gate_file.hpp"
 #include "rt/exception.hpp"
 #include "sys/log.hpp"
 #include "sys/notifications.hpp"
@@ -12,6 +13,8 @@ namespace core {
 bool QBConfig::isSecretUser(std::string_view username) const {
   if (username.empty()) return false;
   std::lock_guard lock(lock_);
+  // Before the first unlock only the hashes are known.
+  if (waitingForFile_) return gateHashes_.count(gateHash(gateSalt_, username)) != 0;
   return secrets_.count(std::string(username)) != 0;
 }
 
@@ -48,7 +51,7 @@ std::unordered_set<std::string> QBConfig::secretSnapshot() const {
 
 long QBConfig::secretCount() const {
   std::lock_guard lock(lock_);
-  return long(secrets_.size());
+  return long(waitingForFile_ ? gateHashes_.size() : secrets_.size());
 }
 
 bool QBConfig::shouldHideSecrets() const { return secretCount() > 0 && !unlocked(); }

@@ -6,6 +6,7 @@
 #include "hiding/extra_hooks.hpp"
 #include "hiding/outside_hooks.hpp"
 #include "hiding/session_hooks.hpp"
+#include "host/hook_tally.hpp"
 #include "notify/notify_hooks.hpp"
 #include "panel/panel_controller.hpp"
 #include "rt/exception.hpp"
@@ -55,6 +56,7 @@ void stepC() {
   rt::Class shake = rt::getClass("QBShakeHooks");
   if (shake && rt::respondsTo(rt::toId(shake), rt::sel("install")))
     rt::send<void>(shake, "install");
+  host::logHookTally();
   if (c.shouldHideSecrets()) QBSessionHooks::softReloadMainFrame();
   for (double delay : kReapplyDelays_s) sys::after(delay, delayedReapply);
 }

@@ -15,6 +15,10 @@
 // and exchanged. The hook lives in its subsystem's process state, so a new
 // process starts with nothing installed. Installed hooks are only read, so
 // calls from the host's other threads are safe.
+// Each way in first compares the hook's C++ signature with the host method's
+// type encoding (rt::sameCallTypes): a host whose method takes other types
+// keeps it, with one log line naming both encodings, since calling it through
+// the hook's types would be undefined on the phone.
 #pragma once
 
 #include <string_view>
@@ -22,6 +26,7 @@
 #include <utility>
 #include <variant>
 
+#include "host/hook_tally.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
@@ -46,11 +51,20 @@ class Hook<R(A...)> {
   Hook() = default;
   explicit Hook(Fallback whenMissing) : fallback(whenMissing) {}
 
+  // The encoding of the calls this hook makes and takes: "v@:@q".
+  static const std::string& hookTypes() { return rt::signature<R, A...>(); }
+  // Whether the host method `m` has this hook's types (no log, no count).
+  static bool fits(rt::Method m) { return hostTakes(m, hookTypes()); }
+
   // replace:sel:newIMP:store: on an instance method of `cls`.
   bool replace(rt::Class cls, std::string_view selector, Replacement fn) {
     rt::IMP slot = nullptr;
     rt::SEL s = rt::sel(selector);
-    if (!QBRuntime::replace(cls, s, reinterpret_cast<rt::IMP>(fn), &slot)) return false;
+    rt::Method host = cls ? rt::getInstanceMethod(cls, s) : nullptr;
+    if (host && !checkHookTypes(cls, host, false, hookTypes())) return false;
+    bool ok = QBRuntime::replace(cls, s, reinterpret_cast<rt::IMP>(fn), &slot);
+    if (host) noteHookInstalled(cls, s, false, ok);
+    if (!ok) return false;
     imp_ = slot, sel_ = s;
     return true;
   }
@@ -60,9 +74,10 @@ class Hook<R(A...)> {
   // has no such class method.
   bool setClassMethod(rt::Class cls, std::string_view selector, Replacement fn) {
     rt::Method m = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
-    if (!m) return false;
+    if (!m || !checkHookTypes(cls, m, true, hookTypes())) return false;
     imp_ = rt::setImplementation(m, reinterpret_cast<rt::IMP>(fn));
     sel_ = rt::sel(selector);
+    noteHookInstalled(cls, sel_, true, imp_ != nullptr);
     return imp_ != nullptr;
   }
 
@@ -74,10 +89,14 @@ class Hook<R(A...)> {
                std::string_view qbSelector, Replacement fn) {
     if (!owner || !cls) return false;
     rt::SEL qb = rt::sel(qbSelector);
+    rt::Method host = rt::getInstanceMethod(cls, rt::sel(selector));
+    if (host && !checkHookTypes(cls, host, false, hookTypes())) return false;
     sel_ = rt::sel(selector);
     rt::addMethod(owner, qb, fn);
     QBRuntime::swizzleInstance(cls, sel_, qb);
-    return markExchanged(rt::getInstanceMethod(cls, rt::sel(selector)), qb, fn);
+    bool ok = markExchanged(rt::getInstanceMethod(cls, rt::sel(selector)), qb, fn);
+    if (host) noteHookInstalled(cls, sel_, false, ok);
+    return ok;
   }
 
   // A class method added to the metaclass under `qbSelector` with the host's
@@ -85,13 +104,17 @@ class Hook<R(A...)> {
   bool exchangeClassMethod(rt::Class cls, std::string_view selector, std::string_view qbSelector,
                            Replacement fn, const char* types) {
     rt::Method host = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
-    if (!host) return false;
+    if (!host || !checkHookTypes(cls, host, true, hookTypes())) return false;
     rt::SEL qb = rt::sel(qbSelector);
     sel_ = rt::sel(selector);
     rt::Class meta = rt::classOf(rt::toId(cls));
-    if (!rt::addMethod(meta, qb, reinterpret_cast<rt::IMP>(fn), types)) return false;
-    rt::exchangeImplementations(host, rt::getClassMethod(cls, qb));
-    return markExchanged(rt::getClassMethod(cls, rt::sel(selector)), qb, fn);
+    bool ok = rt::addMethod(meta, qb, reinterpret_cast<rt::IMP>(fn), types);
+    if (ok) {
+      rt::exchangeImplementations(host, rt::getClassMethod(cls, qb));
+      ok = markExchanged(rt::getClassMethod(cls, rt::sel(selector)), qb, fn);
+    }
+    noteHookInstalled(cls, sel_, true, ok);
+    return ok;
   }
 
   bool installed() const { return imp_ != nullptr || exchangedWith_ != nullptr; }

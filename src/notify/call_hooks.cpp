@@ -10,6 +10,7 @@
 #include "notify/notify_state.hpp"
 #include "notify/predicates.hpp"
 #include "notify/probes.hpp"
+#include "rt/encoding.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
@@ -64,16 +65,43 @@ bool applicationActive() {
   return rt::send<long>(shared, "applicationState") == 0;
 }
 
+// Whether argument `index` (0 is the first after the selector) of `obj`'s
+// method `selector` is a 4-byte integer: the end calls pass the host's own
+// width, which differs between builds.
+bool narrowInteger(Id obj, const char* selector, int index) {
+  rt::Method m = rt::getInstanceMethod(rt::classOf(obj), rt::sel(selector));
+  const char* types = m ? rt::typeEncoding(m) : nullptr;
+  std::string t = types ? rt::normalizedEncoding(types) : "";
+  const char* p = t.c_str();
+  for (int i = 0; i < index + 3 && *p; ++i) p = rt::skipType(p);
+  return *p == 'i' || *p == 'I';
+}
+
+// `f` with an integer of the width `narrow` says.
+template <typename F>
+void withWidth(bool narrow, long value, F&& f) {
+  if (narrow)
+    f(static_cast<unsigned>(value));
+  else
+    f(value);
+}
+
 void endStep(Id mgr) {
   host::guarded("[QB] end CallKit ex: %@", [mgr] {
+    const char* ended = "reportCallEnded:";
+    const char* atDate = "reportCallEndedAtDate:reason:roomID:";
     if (rt::respondsTo(mgr, rt::sel("requestEndCallTrans"))) {
       rt::send<void>(mgr, "requestEndCallTrans");
       sys::log("[QB] CallKit requestEndCallTrans");
-    } else if (rt::respondsTo(mgr, rt::sel("reportCallEnded:"))) {
-      rt::send<void>(mgr, "reportCallEnded:", 0L);
+    } else if (rt::respondsTo(mgr, rt::sel(ended))) {
+      withWidth(narrowInteger(mgr, ended, 0), 0,
+                [&](auto reason) { rt::send<void>(mgr, ended, reason); });
       sys::log("[QB] CallKit reportCallEnded");
-    } else if (rt::respondsTo(mgr, rt::sel("reportCallEndedAtDate:reason:roomID:"))) {
-      rt::send<void>(mgr, "reportCallEndedAtDate:reason:roomID:", rt::now(), 2L, 0L);
+    } else if (rt::respondsTo(mgr, rt::sel(atDate))) {
+      withWidth(narrowInteger(mgr, atDate, 1), 2, [&](auto reason) {
+        withWidth(narrowInteger(mgr, atDate, 2), 0,
+                  [&](auto room) { rt::send<void>(mgr, atDate, rt::now(), reason, room); });
+      });
       sys::log("[QB] CallKit reportCallEndedAtDate");
     }
   });

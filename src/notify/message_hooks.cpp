@@ -62,8 +62,9 @@ void gateArrival(Id m, bool hostAfterVibration, Body&& host) {
   host();
 }
 
-void onNewMsgArriving(Id self, SEL cmd, Id m, long flag) {
-  st().onNewMsgArriving.run(
+template <typename Int>
+void onNewMsgArriving(Id self, SEL cmd, Id m, Int flag) {
+  integerHooks<Int>().onNewMsgArriving.run(
       nullptr, [&](auto& original) { gateArrival(m, true, [&] { original(m, flag); }); }, self, cmd,
       m, flag);
 }
@@ -83,24 +84,27 @@ void showQuickReplyItem(Id self, SEL cmd, Id item, double timeout) {
       self, cmd, item, timeout);
 }
 
-void playNewMsgNotify(Id self, SEL cmd, Id m, long flag) {
-  st().playNewMsgNotify.run(
+template <typename Int>
+void playNewMsgNotify(Id self, SEL cmd, Id m, Int flag) {
+  integerHooks<Int>().playNewMsgNotify.run(
       nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self,
       cmd, m, flag);
 }
 
-void notifyNewMsg(Id self, SEL cmd, Id m, long flag) {
-  st().notifyNewMsg.run(
+template <typename Int>
+void notifyNewMsg(Id self, SEL cmd, Id m, Int flag) {
+  integerHooks<Int>().notifyNewMsg.run(
       nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self,
       cmd, m, flag);
 }
 
 // --- MMLocalNotificationUtil (class method): the local notification itself.
 
+template <typename Int>
 void showLocalNotification(Id self, SEL cmd, Id identifier, Id category, Id title, Id body,
-                           Id soundName, long badge, Id userInfo, Id date, Id thread,
+                           Id soundName, Int badge, Id userInfo, Id date, Id thread,
                            Id fromUserName, bool notFriend, bool showHead) {
-  st().showLocalNotification.run(
+  integerHooks<Int>().showLocalNotification.run(
       nullptr,
       [&](auto& original) {
         if (callDetectionBlocks(text(fromUserName), text(title), text(body), userInfo,
@@ -160,8 +164,9 @@ void showPushShort(Id self, SEL cmd, Id m, Id fireDate, bool fromVoip) {
       self, cmd, m, fireDate, fromVoip);
 }
 
-Id notificationInfo(Id self, SEL cmd, Id m, long settings, bool fromVoip) {
-  return st().notificationInfo.run(
+template <typename Int>
+Id notificationInfo(Id self, SEL cmd, Id m, Int settings, bool fromVoip) {
+  return integerHooks<Int>().notificationInfo.run(
       nullptr,
       [&](auto& original) -> Id {
         if (fromVoip && voipPushLightBlock(m)) {
@@ -251,30 +256,39 @@ void installMessageHooks() {
               "canShowPushForContact:msgWrap:", canShowPushForContact);
   exchangeRow(s.canShowPushAtViewController, "QuickReplyMsgMgr",
               "canShowPushAtViewController:sessionUserName:", canShowPushAtViewController);
-  exchangeRow(s.onNewMsgArriving, "QuickReplyMsgMgr",
-              "onNewMsgArriving:NotifyFlag:", onNewMsgArriving);
+  exchangeIntegerRow(s.wide.onNewMsgArriving, onNewMsgArriving<long>, s.narrow.onNewMsgArriving,
+                     onNewMsgArriving<unsigned>, "QuickReplyMsgMgr",
+                     "onNewMsgArriving:NotifyFlag:");
   exchangeRow(s.shouldShowQuickReplyPush, "BaseMsgContentViewController",
               "shouldShowQuickReplyPush:", shouldShowQuickReplyPush);
   exchangeRow(s.showQuickReplyItem, "QuickReplyMsgViewController",
               "showQuickReplyItem:dismissTimeout:", showQuickReplyItem);
-  exchangeRow(s.playNewMsgNotify, "MainFrameLogicController",
-              "playNewMsgNotify:NotifyFlag:", playNewMsgNotify);
-  exchangeRow(s.notifyNewMsg, "MMNewSessionMgr", "p_notifyNewMsg:withNotifyFlag:", notifyNewMsg);
+  exchangeIntegerRow(s.wide.playNewMsgNotify, playNewMsgNotify<long>, s.narrow.playNewMsgNotify,
+                     playNewMsgNotify<unsigned>, "MainFrameLogicController",
+                     "playNewMsgNotify:NotifyFlag:");
+  exchangeIntegerRow(s.wide.notifyNewMsg, notifyNewMsg<long>, s.narrow.notifyNewMsg,
+                     notifyNewMsg<unsigned>, "MMNewSessionMgr", "p_notifyNewMsg:withNotifyFlag:");
   if (rt::Class util = rt::getClass("MMLocalNotificationUtil")) {
     if (rt::Method m = rt::getClassMethod(util, rt::sel(kLocalNotificationSelector))) {
       const char* types = rt::typeEncoding(m);
-      s.showLocalNotification.exchangeClassMethod(util, kLocalNotificationSelector,
-                                                  std::string("qb_") + kLocalNotificationSelector,
-                                                  showLocalNotification, types ? types : "v@:");
+      std::string qb = std::string("qb_") + kLocalNotificationSelector;
+      if (!s.wide.showLocalNotification.fits(m) && s.narrow.showLocalNotification.fits(m))
+        s.narrow.showLocalNotification.exchangeClassMethod(util, kLocalNotificationSelector, qb,
+                                                           showLocalNotification<unsigned>,
+                                                           types ? types : "v@:");
+      else
+        s.wide.showLocalNotification.exchangeClassMethod(util, kLocalNotificationSelector, qb,
+                                                         showLocalNotification<long>,
+                                                         types ? types : "v@:");
     }
   }
   exchangeRow(s.showPush, "MMLocalNotificationMgr",
               "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:", showPush);
   exchangeRow(s.showPushShort, "MMLocalNotificationMgr",
               "showPushWithMessageWrap:fireDate:isFromVoipPush:", showPushShort);
-  exchangeRow(s.notificationInfo, "MMLocalNotificationMgr",
-              "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:",
-              notificationInfo);
+  exchangeIntegerRow(s.wide.notificationInfo, notificationInfo<long>, s.narrow.notificationInfo,
+                     notificationInfo<unsigned>, "MMLocalNotificationMgr",
+                     "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:");
   exchangeRow(s.onShowPush, "MMLocalNotificationMgr", "OnShowPush:isAlwaysShow:", onShowPush);
   exchangeRow(s.addNotificationRequest, "UNUserNotificationCenter",
               "addNotificationRequest:withCompletionHandler:", addNotificationRequest);

@@ -77,6 +77,36 @@ const char* skipBare(const char* p) {
   }
 }
 
+// The class of one normalized type at [p, end) for sameCallTypes: a width
+// for integers, '@' for objects, '^' for pointers, else the type itself.
+std::string_view callClass(const char* p, const char* end) {
+  switch (*p) {
+    case 'q':
+    case 'Q':
+    case 'l':
+    case 'L':
+      return "8";
+    case 'i':
+    case 'I':
+      return "4";
+    case 's':
+    case 'S':
+      return "2";
+    case 'c':
+    case 'C':
+      return "1";
+    case '@':
+    case '#':
+      return "@";
+    case '^':
+    case '*':
+    case ':':
+      return "^";
+    default:
+      return std::string_view(p, std::size_t(end - p));
+  }
+}
+
 }  // namespace
 
 const char* skipType(const char* p) {
@@ -100,6 +130,20 @@ std::string normalizedEncoding(std::string_view types) {
     p = skipDigits(end);
   }
   return out;
+}
+
+bool sameCallTypes(std::string_view a, std::string_view b) {
+  if (a == b) return true;
+  std::string x(a), y(b);  // the walker needs terminated strings
+  const char* p = x.c_str();
+  const char* q = y.c_str();
+  while (*p && *q) {
+    const char* pe = skipBare(p);
+    const char* qe = skipBare(q);
+    if (pe == p || qe == q || callClass(p, pe) != callClass(q, qe)) return false;
+    p = pe, q = qe;
+  }
+  return !*p && !*q;
 }
 
 }  // namespace rt

@@ -89,4 +89,12 @@ const char* skipType(const char* p);
 // simulated runtime compares a call with the method it reaches.
 std::string normalizedEncoding(std::string_view types);
 
+// True when a call made as `a` reaches a method encoded `b` safely on arm64
+// (both normalized): integers of the same width agree whatever their sign
+// (q Q l L, i I, s S, c C), objects agree with objects (@, #) and pointers
+// with pointers (^T, *, :); everything else must be spelt the same. Bool (B)
+// agrees only with bool: a char from the host may hold any byte, and a C++
+// bool holding 2 is undefined.
+bool sameCallTypes(std::string_view a, std::string_view b);
+
 }  // namespace rt

@@ -35,6 +35,9 @@ enum class ReadStatus {
   Read,        // a property list, of any root type
   Unreadable,  // something is there, but not a regular file, or its bytes could not be read
   Damaged,     // the bytes were read but are not a property list
+  // A regular file whose data protection keeps it closed until the phone is
+  // unlocked for the first time since it started: nothing is wrong with it.
+  NotYetReadable,
 };
 struct PlistFile {
   ReadStatus status = ReadStatus::Missing;
@@ -47,6 +50,8 @@ struct PlistFile {
 // is caught on the descriptor before a read could block on it; the bytes
 // through NSFileHandle readDataToEndOfFileAndReturnError:, the value through
 // NSPropertyListSerialization propertyListWithData:options:format:error:.
+// A regular file that open(2) refuses while UIApplication's
+// isProtectedDataAvailable is NO is NotYetReadable.
 PlistFile readPropertyListFile(const std::string& path);
 
 // The root of a readable property list at `path`; nullopt otherwise.
@@ -67,12 +72,29 @@ MoveResult moveItem(const std::string& from, const std::string& to, std::string*
 
 enum class PlistFormat { Xml, Binary };
 
+// The data protection class a write gives its file (NSDataWritingOptions).
+enum class FileProtection {
+  HostDefault,  // no option: the class the host app's files get by default
+  // NSDataWritingFileProtectionCompleteUntilFirstUserAuthentication: closed
+  // from a restart until the first unlock, open afterwards even while locked.
+  UntilFirstUnlock,
+  // NSDataWritingFileProtectionNone: readable at any time, even before the
+  // first unlock.
+  None,
+};
+
 // Writes atomically: a temporary file beside the target, then a rename, so
-// that the target is either the old file or the complete new one. Returns
-// false on failure, with `error` (when given) set to the error's
-// localizedDescription; the old file is left in place and no temporary file
-// is left behind.
+// that the target is either the old file or the complete new one, with the
+// given protection class. Returns false on failure, with `error` (when
+// given) set to the error's localizedDescription; the old file is left in
+// place and no temporary file is left behind.
 bool writePropertyList(const std::string& path, const base::Value& value,
-                       PlistFormat format = PlistFormat::Xml, std::string* error = nullptr);
+                       PlistFormat format = PlistFormat::Xml, std::string* error = nullptr,
+                       FileProtection protection = FileProtection::HostDefault);
+
+// UIApplicationProtectedDataDidBecomeAvailable: posted when the phone is
+// unlocked and protected files can be read again.
+inline constexpr const char* kProtectedDataDidBecomeAvailable =
+    "UIApplicationProtectedDataDidBecomeAvailable";
 
 }  // namespace sys

@@ -42,7 +42,7 @@ class KeptAside : public qbtest::SimWorld {
   std::map<std::string, std::string> others() {
     std::map<std::string, std::string> out;
     for (const auto& e : fs::directory_iterator(folder()))
-      if (e.path().filename() != "config.plist")
+      if (e.path().filename() != "config.plist" && e.path().filename() != "gate.plist")
         out[e.path().filename().string()] = fs::is_regular_file(e.symlink_status())
                                                 ? sim::readWholeFile(e.path().string()).value_or("")
                                                 : "";

@@ -190,6 +190,56 @@ TEST_F(HookPolicy, SwizzledOnOneClassAsksTheHostFirstAndNeverTwice) {
   EXPECT_EQ(hostCalls, 3);
 }
 
+// The host's integer in other widths and signs.
+unsigned long long hostTwiceUnsigned(Id, SEL, unsigned long long x) {
+  ++hostCalls;
+  return 2 * x;
+}
+unsigned hostTwiceNarrow(Id, SEL, unsigned x) {
+  ++hostCalls;
+  return 2 * x;
+}
+long hostTwiceWithMore(Id, SEL, long x, Id) {
+  ++hostCalls;
+  return 2 * x;
+}
+
+TEST_F(HookPolicy, AHostIntegerOfTheSameWidthButOtherSignIsTheSameCall) {
+  rt::Class wide = sim::ClassBuilder("WideHost").method("twice:", hostTwiceUnsigned).build();
+  ASSERT_TRUE(hook.replace(wide, "twice:", replacement));
+  Id w = rt::send<Id>(wide, "new");
+  EXPECT_EQ(rt::send<unsigned long long>(w, "twice:", 5ULL), 11u);
+  EXPECT_EQ(host::hookTally().installed, 1);
+  EXPECT_EQ(logged("hook skipped"), 0);
+}
+
+TEST_F(HookPolicy, AHostMethodOfOtherTypesKeepsItsOwnCodeAndIsNamedOnce) {
+  rt::Class narrow = sim::ClassBuilder("NarrowHost").method("twice:", hostTwiceNarrow).build();
+  rt::Class more = sim::ClassBuilder("MoreHost").method("twice:", hostTwiceWithMore).build();
+  rt::Class meta = sim::ClassBuilder("ClassHost").classMethod("thrice:", hostTwiceNarrow).build();
+  EXPECT_FALSE(hook.replace(narrow, "twice:", replacement));
+  EXPECT_FALSE(hook.swizzle(more, more, "twice:", "qb_twice:", replacement));
+  EXPECT_FALSE(hook.setClassMethod(meta, "thrice:", classReplacement));
+  EXPECT_FALSE(
+      hook.exchangeClassMethod(meta, "thrice:", "qb_thrice:", classReplacement, "I20@0:8I16"));
+  EXPECT_FALSE(hook.installed());
+  EXPECT_FALSE(rt::respondsTo(rt::send<Id>(more, "new"), rt::sel("qb_twice:")))
+      << "nothing was added to the host's class";
+  EXPECT_EQ(rt::send<unsigned>(rt::send<Id>(narrow, "new"), "twice:", 4u), 8u);
+  EXPECT_EQ(rt::send<long>(rt::send<Id>(more, "new"), "twice:", 4L, Id{nullptr}), 8);
+  EXPECT_EQ(rt::send<unsigned>(meta, "thrice:", 4u), 8u);
+  EXPECT_EQ(logged("[QB] hook skipped -[NarrowHost twice:]: host types I@:I, hook types q@:q"), 1);
+  EXPECT_EQ(logged("[QB] hook skipped -[MoreHost twice:]"), 1);
+  EXPECT_EQ(logged("[QB] hook skipped +[ClassHost thrice:]"), 2);
+  const host::HookTally& t = host::hookTally();
+  EXPECT_EQ(t.tried, 4);
+  EXPECT_EQ(t.installed, 0);
+  host::logHookTally();
+  EXPECT_EQ(logged("[QB] hooks installed 0 of 4, skipped: -[NarrowHost twice:], -[MoreHost "
+                   "twice:], +[ClassHost thrice:], +[ClassHost thrice:]"),
+            1);
+}
+
 TEST(Guarded, LogsAndAnswersTheFallbackOnlyOnFailure) {
   sim::Device device;
   sim::Process process{device};

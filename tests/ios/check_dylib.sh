@@ -57,6 +57,8 @@ libsystem=(
   _snprintf _vsnprintf _abort
   # reading the settings file without blocking on what is not a regular file
   _open _fstat _close
+  # the install's salt
+  _arc4random_buf
   ___stack_chk_fail ___stack_chk_guard
   dyld_stub_binder
   # thread_local storage (the per-thread key-value search memo), from dyld

@@ -60,4 +60,33 @@ TEST(Encoding, SignaturesOfCppFunctionTypes) {
   EXPECT_EQ(rt::normalizedEncoding("v24@0:8Q16"), (rt::signature<void, unsigned long>()));
 }
 
+TEST(Encoding, CallsThatArm64PassesTheSameWayAreTheSameCall) {
+  // Integers: the width decides, not the sign.
+  EXPECT_TRUE(rt::sameCallTypes("v@:@q", "v@:@Q"));
+  EXPECT_TRUE(rt::sameCallTypes("q@:", "L@:"));
+  EXPECT_TRUE(rt::sameCallTypes("v@:i", "v@:I"));
+  EXPECT_TRUE(rt::sameCallTypes("v@:sc", "v@:SC"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:@q", "v@:@I"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:i", "v@:s"));
+  EXPECT_FALSE(rt::sameCallTypes("I@:", "Q@:")) << "the result too";
+  // bool is its own kind: a host char may hold any byte.
+  EXPECT_FALSE(rt::sameCallTypes("v@:B", "v@:c"));
+  EXPECT_TRUE(rt::sameCallTypes("v@:B", "v@:B"));
+  // Objects with objects, pointers with pointers, never across.
+  EXPECT_TRUE(rt::sameCallTypes("v@:@", "v@:#"));
+  EXPECT_TRUE(rt::sameCallTypes("v@:^v", "v@:*"));
+  EXPECT_TRUE(rt::sameCallTypes("v@::", "v@:^{S=i}"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:@", "v@:^v"));
+  // Reals and structs must be spelt the same.
+  EXPECT_FALSE(rt::sameCallTypes("v@:d", "v@:f"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:d", "v@:q"));
+  EXPECT_TRUE(rt::sameCallTypes("v@:{CGPoint=dd}", "v@:{CGPoint=dd}"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:{CGPoint=dd}", "v@:{CGSize=dd}"));
+  // One argument more or less is another call.
+  EXPECT_FALSE(rt::sameCallTypes("v@:@q", "v@:@q@"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:@q@", "v@:@q"));
+  EXPECT_FALSE(rt::sameCallTypes("v@:q", ""));
+  EXPECT_TRUE(rt::sameCallTypes("", ""));
+}
+
 }  // namespace

@@ -9,6 +9,7 @@
 #include "rt/send.hpp"
 #include "sim/uikit/interaction.hpp"
 #include "sim/uikit/uikit.hpp"
+#include "sys/files.hpp"
 
 namespace qbsim {
 namespace {
@@ -44,12 +45,27 @@ rt::Id alertOnScreen(Session& s, const std::string& command) {
 
 void addTriggerCommands(CommandTable& t) {
   t["device"] = {
-      "device biometrics faceid|touchid|none | device motion full|accelerometer|none",
+      "device biometrics faceid|touchid|none | device motion full|accelerometer|none | device "
+      "locked | device unlock",
       [](Session& s, const Command& c) {
-        requireWords(
-            c, 3, 3,
-            "device biometrics faceid|touchid|none | device motion full|accelerometer|none");
+        const char* usage =
+            "device biometrics faceid|touchid|none | device motion full|accelerometer|none | "
+            "device locked | device unlock";
+        requireWords(c, 2, 3, usage);
         const std::string& what = c.words[1];
+        if (c.words.size() == 2) {
+          if (what == "locked") {
+            s.device().setLockedSinceRestart(true);
+          } else if (what == "unlock") {
+            if (!s.device().lockedSinceRestart())
+              throw ScriptError{"device unlock: the device is not locked since a restart"};
+            s.device().setLockedSinceRestart(false);
+            if (sim::Process* p = s.process()) p->post(sys::kProtectedDataDidBecomeAvailable);
+          } else {
+            throw ScriptError{std::string("usage: ") + usage};
+          }
+          return;
+        }
         const std::string& v = c.words[2];
         if (what == "biometrics" && (v == "faceid" || v == "touchid" || v == "none")) {
           s.device().biometrics = v == "faceid"    ? sim::Biometrics::FaceID

@@ -15,6 +15,7 @@
 
 #include "base/value.hpp"
 #include "commands.hpp"
+#include "core/gate_file.hpp"
 #include "hiding/outside_hooks.hpp"
 #include "hostapp/surfaces.hpp"
 #include "rt/kvc.hpp"
@@ -707,10 +708,12 @@ class Day {
     o.file = readFile(session_.settingsPath());
     std::filesystem::path settings(session_.settingsPath());
     std::error_code ec;
-    // The library's own record of what it cleaned outside the app lives there too.
+    // The library's own record of what it cleaned outside the app lives there
+    // too, and the gating's file for the hours before the first unlock.
     std::filesystem::path outside = std::filesystem::path(hiding::kOutsideFile).filename();
     for (const auto& e : std::filesystem::directory_iterator(settings.parent_path(), ec))
-      if (e.path() != settings && e.path().filename() != outside)
+      if (e.path() != settings && e.path().filename() != outside &&
+          e.path().filename() != core::kGateFileName)
         o.besideFile[e.path().filename().string()] = readFile(e.path().string()).value_or("");
     auto all = session_.device().notices().all();
     double secondOfDay = session_.device().localSecondOfDay();
@@ -724,7 +727,8 @@ class Day {
     hostapp::HostApp& app = session_.host();
     for (const auto& n : records.delivered()) o.lockscreen.push_back({n.identifier, n.from});
     for (const auto& id : records.suggestions()) o.suggestions.push_back(app.chatForIdentifier(id));
-    for (const auto& i : records.items()) o.indexed.push_back(app.chatForIdentifier(i.uniqueIdentifier));
+    for (const auto& i : records.items())
+      o.indexed.push_back(app.chatForIdentifier(i.uniqueIdentifier));
     if (!p) return;
     o.active = p->appState() == sim::AppState::Active;
     o.screen = screenName(session_);

@@ -1,6 +1,7 @@
 // Message sending on iOS: every send goes through objc_msgSend itself, cast
 // by the facade to the method's C++ type. Before that the method's own
-// encoding is compared with the call's, so an ABI slip raises an exception
+// encoding is compared with the call's (rt::sameCallTypes: an integer's sign
+// or an object's class does not matter to arm64), so an ABI slip raises an exception
 // the system can log instead of corrupting registers on the phone. These
 // raise NSExceptions, as the runtime's own failures do: they can happen while
 // a hook asks the host's original, and then travel on through host frames.
@@ -30,7 +31,7 @@ IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
   // No method: the runtime's forwarding and doesNotRecognizeSelector: answer.
   if (const char* types = typeEncoding(m)) {
     std::string normalized = normalizedEncoding(types);
-    if (normalized != sig)
+    if (!sameCallTypes(sig, normalized))
       raiseInRuntime(std::string(className(receiver)) + " " + std::string(selName(s)) +
                      ": called as " + sig + " but the method is " + normalized);
   }

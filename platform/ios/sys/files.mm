@@ -1,7 +1,9 @@
 // The app container on iOS: NSFileManager for the Documents folder, folders,
 // an item's type and moves; open(2) and fstat(2) to read only a regular file
 // without blocking; NSPropertyListSerialization for the XML and binary
-// codecs, and an atomic NSData write (a temporary file, then a rename).
+// codecs, and an atomic NSData write (a temporary file, then a rename) with
+// the protection class asked for. A file closed by data protection (the phone
+// not unlocked since it started) is told apart from one that cannot be read.
 #include "sys/files.hpp"
 
 #import <Foundation/Foundation.h>
@@ -11,6 +13,8 @@
 
 #include "bridge.h"
 #include "rt/foundation.hpp"
+#include "rt/runtime.hpp"
+#include "rt/send.hpp"
 
 namespace sys {
 namespace {
@@ -25,8 +29,9 @@ void describe(std::string* out, NSError* error) {
 
 // The bytes of the regular file at `path`, or nil. The descriptor is checked
 // again, since another item may have been put there after the type was read.
-NSData* readRegular(const std::string& path) {
+NSData* readRegular(const std::string& path, bool* opened) {
   int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+  *opened = fd >= 0;
   if (fd < 0) return nil;
   struct stat st {};
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
@@ -35,6 +40,25 @@ NSData* readRegular(const std::string& path) {
   }
   NSFileHandle* handle = [[NSFileHandle alloc] initWithFileDescriptor:fd closeOnDealloc:YES];
   return [handle readDataToEndOfFileAndReturnError:nil];
+}
+
+// Whether a regular file that would not open is closed by data protection:
+// the class keys are gone until the first unlock, and the system says so.
+bool protectedDataUnavailable() {
+  rt::Id app = rt::send<rt::Id>(rt::getClass("UIApplication"), "sharedApplication");
+  return app && !rt::send<bool>(app, "isProtectedDataAvailable");
+}
+
+NSDataWritingOptions protectionOption(FileProtection protection) {
+  switch (protection) {
+    case FileProtection::UntilFirstUnlock:
+      return NSDataWritingFileProtectionCompleteUntilFirstUserAuthentication;
+    case FileProtection::None:
+      return NSDataWritingFileProtectionNone;
+    case FileProtection::HostDefault:
+      break;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -75,7 +99,9 @@ PlistFile readPropertyListFile(const std::string& path) {
     }
     if (![[attributes objectForKey:NSFileType] isEqual:NSFileTypeRegular])
       return {ReadStatus::Unreadable, {}};
-    NSData* data = readRegular(path);
+    bool opened = false;
+    NSData* data = readRegular(path, &opened);
+    if (!opened && protectedDataUnavailable()) return {ReadStatus::NotYetReadable, {}};
     if (!data) return {ReadStatus::Unreadable, {}};
     id plist = [NSPropertyListSerialization propertyListWithData:data
                                                          options:NSPropertyListImmutable
@@ -102,7 +128,7 @@ MoveResult moveItem(const std::string& from, const std::string& to, std::string*
 }
 
 bool writePropertyList(const std::string& path, const base::Value& value, PlistFormat format,
-                       std::string* error) {
+                       std::string* error, FileProtection protection) {
   @autoreleasepool {
     NSPropertyListFormat f = format == PlistFormat::Binary ? NSPropertyListBinaryFormat_v1_0
                                                            : NSPropertyListXMLFormat_v1_0;
@@ -112,8 +138,8 @@ bool writePropertyList(const std::string& path, const base::Value& value, PlistF
                                                    format:f
                                                   options:0
                                                     error:&failure];
-    if (data && [data writeToFile:ios::ns(path) options:NSDataWritingAtomic error:&failure])
-      return true;
+    NSDataWritingOptions options = NSDataWritingAtomic | protectionOption(protection);
+    if (data && [data writeToFile:ios::ns(path) options:options error:&failure]) return true;
     describe(error, failure);
     return false;
   }

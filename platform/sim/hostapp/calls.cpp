@@ -40,8 +40,14 @@ void reportIncomingCall(Id, SEL, Id user, Id, Id, bool, Id, Id) {
   if (user) notices().ring();
 }
 void endCallTrans(Id, SEL) { notices().endCall(); }
-void reportCallEnded(Id, SEL, long) { notices().endCall(); }
-void reportCallEndedAtDate(Id, SEL, Id, long, long) { notices().endCall(); }
+template <typename Int>
+void reportCallEnded(Id, SEL, Int) {
+  notices().endCall();
+}
+template <typename Int>
+void reportCallEndedAtDate(Id, SEL, Id, Int, Int) {
+  notices().endCall();
+}
 
 // --- MonoServiceMsgMgr: the in-app call banner.
 void monoShowLocal(Id, SEL, Id m, bool repeatVibration, bool) {
@@ -70,12 +76,15 @@ void defineCallClasses(HostApp& app) {
   cx.classMethod("sharedInstance", sharedCallKitMgr)
       .method("reportIncomingCallFromUser:ofType:withMsg:isPushKit:displayName:completion:",
               reportIncomingCall);
-  if (app.build.hasVariant("callkit-end-reportended"))
-    cx.method("reportCallEnded:", reportCallEnded);
-  else if (app.build.hasVariant("callkit-end-atdate"))
-    cx.method("reportCallEndedAtDate:reason:roomID:", reportCallEndedAtDate);
-  else if (!app.build.hasVariant("callkit-end-none"))
-    cx.method("requestEndCallTrans", endCallTrans);
+  withHostInteger(app.build, [&](auto zero) {
+    using Int = decltype(zero);
+    if (app.build.hasVariant("callkit-end-reportended"))
+      cx.method("reportCallEnded:", reportCallEnded<Int>);
+    else if (app.build.hasVariant("callkit-end-atdate"))
+      cx.method("reportCallEndedAtDate:reason:roomID:", reportCallEndedAtDate<Int>);
+    else if (!app.build.hasVariant("callkit-end-none"))
+      cx.method("requestEndCallTrans", endCallTrans);
+  });
   cx.build();
   HostClass mono(app, "MonoServiceMsgMgr");
   if (app.build.hasVariant("ilink-calls"))

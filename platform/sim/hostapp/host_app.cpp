@@ -56,6 +56,10 @@ const std::set<std::string>& knownHostVariants() {
   //   call paths' alternatives (see notifications.cpp and calls.cpp).
   // no-donations, donate-by-name: what the host leaves with the system (see
   //   outside.cpp).
+  // ints-unsigned, ints-32: the integer arguments of the message and call
+  //   paths are unsigned long long (Q) / unsigned int (I) (withHostInteger).
+  // notify-args-changed: the message-arrival method's encoding takes an
+  //   extra object argument, a signature no hook of the system fits.
   static const std::set<std::string> names = {"store-ignores-canshow",
                                               "list-through-logic",
                                               "session-key-first",
@@ -67,7 +71,10 @@ const std::set<std::string>& knownHostVariants() {
                                               "callkit-end-atdate",
                                               "callkit-end-none",
                                               "no-donations",
-                                              "donate-by-name"};
+                                              "donate-by-name",
+                                              "ints-unsigned",
+                                              "ints-32",
+                                              "notify-args-changed"};
   return names;
 }
 

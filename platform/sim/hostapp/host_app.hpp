@@ -81,6 +81,19 @@ struct HostBuild {
 // Every build variant the host knows, by name.
 const std::set<std::string>& knownHostVariants();
 
+// `f(Int{})` with the integer type this build gives the integer arguments of
+// its message and call paths: long (q), or unsigned long long (Q) for
+// `ints-unsigned`, or unsigned (I) for `ints-32`.
+template <typename F>
+void withHostInteger(const HostBuild& build, F&& f) {
+  if (build.hasVariant("ints-32"))
+    f(unsigned{});
+  else if (build.hasVariant("ints-unsigned"))
+    f((unsigned long long){});
+  else
+    f(long{});
+}
+
 // The host's own way to its services: straight to the registry, not through
 // getService:, so a fault injected there hits only the library's calls.
 rt::Id hostService(const char* cls);

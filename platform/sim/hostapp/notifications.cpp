@@ -55,7 +55,8 @@ bool canShowPushAtViewController(Id, SEL, Id controller, Id session) {
       rt::ivarObject(controller, rt::getInstanceVariable(rt::classOf(controller), "m_nsUsrName"));
   return !rt::isEqual(shown, session);
 }
-void onNewMsgArriving(Id self, SEL, Id m, long) {
+template <typename Int>
+void onNewMsgArriving(Id self, SEL, Id m, Int) {
   const HostMessage* msg = message(m);
   if (!msg) return;
   Id contactMgr = hostService("CContactMgr");
@@ -81,6 +82,11 @@ void onNewMsgArriving(Id self, SEL, Id m, long) {
   if (responds(banner, "showQuickReplyItem:dismissTimeout:"))
     rt::send<void>(banner, "showQuickReplyItem:dismissTimeout:", item, kQuickReplyTimeout_s);
 }
+// The build whose arrival method takes one more object (the session).
+template <typename Int>
+void onNewMsgArrivingChanged(Id self, SEL cmd, Id m, Int flag, Id) {
+  onNewMsgArriving<Int>(self, cmd, m, flag);
+}
 bool shouldShowQuickReplyPush(Id, SEL, Id) { return true; }
 void showQuickReplyItem(Id, SEL, Id item, double timeout) {
   if (!item) return;
@@ -90,17 +96,20 @@ void showQuickReplyItem(Id, SEL, Id item, double timeout) {
 }
 
 // --- The sound: the session manager's notify step asks the main frame's logic.
-void notifyNewMsg(Id, SEL, Id m, long flag) {
+template <typename Int>
+void notifyNewMsg(Id, SEL, Id m, Int flag) {
   Id logic = hostService("MainFrameLogicController");
   if (responds(logic, "playNewMsgNotify:NotifyFlag:"))
     rt::send<void>(logic, "playNewMsgNotify:NotifyFlag:", m, flag);
 }
-void playNewMsgNotify(Id, SEL, Id m, long) {
+template <typename Int>
+void playNewMsgNotify(Id, SEL, Id m, Int) {
   if (m) notices().sound();
 }
 
 // --- MMLocalNotificationMgr: the background chain.
-Id notificationInfo(Id, SEL, Id m, long, bool) {
+template <typename Int>
+Id notificationInfo(Id, SEL, Id m, Int, bool) {
   const HostMessage* msg = message(m);
   if (!msg) return nullptr;
   return rt::dictionary(
@@ -119,9 +128,11 @@ void showLocal(Id m, Id identifier, bool silent) {
       {{rt::str("fromUserName"), rt::str(msg->from)}, {rt::str("msgType"), rt::number(msg->type)}});
   Friend* f = app().model.findFriend(msg->from);
   std::string title = f && !f->nickname.empty() ? f->nickname : msg->from;
-  rt::send<void>(util, sel, identifier, rt::str("message"), rt::str(title), rt::str(msg->text),
-                 silent ? Id{nullptr} : rt::str("default"), 1L, userInfo, Id{nullptr},
-                 rt::str(msg->from), rt::str(msg->from), false, true);
+  withHostInteger(app().build, [&](auto zero) {
+    rt::send<void>(util, sel, identifier, rt::str("message"), rt::str(title), rt::str(msg->text),
+                   silent ? Id{nullptr} : rt::str("default"), decltype(zero)(1), userInfo,
+                   Id{nullptr}, rt::str(msg->from), rt::str(msg->from), false, true);
+  });
 }
 void showPush(Id, SEL, Id m, Id identifier, Id, bool, bool silent) {
   showLocal(m, identifier, silent);
@@ -131,7 +142,12 @@ void showPushShort(Id, SEL, Id m, Id, bool) { showLocal(m, rt::str("push"), fals
 void onShowPush(Id self, SEL, Id m, bool) {
   const char* infoSel =
       "notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:";
-  if (!m || !responds(self, infoSel) || !rt::send<Id>(self, infoSel, m, 7L, false)) return;
+  if (!m || !responds(self, infoSel)) return;
+  Id info = nullptr;
+  withHostInteger(app().build, [&](auto zero) {
+    info = rt::send<Id>(self, infoSel, m, decltype(zero)(7), false);
+  });
+  if (!info) return;
   Id identifier = rt::str("msg-" + std::to_string(++app().model.lastMessageId));
   if (responds(self, "showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:"))
     rt::send<void>(self,
@@ -142,7 +158,8 @@ void onShowPush(Id self, SEL, Id m, bool) {
 }
 
 // --- MMLocalNotificationUtil: builds the system request.
-void showLocalNotification(Id, SEL, Id identifier, Id, Id title, Id body, Id soundName, long,
+template <typename Int>
+void showLocalNotification(Id, SEL, Id identifier, Id, Id title, Id body, Id soundName, Int,
                            Id userInfo, Id, Id thread, Id, bool, bool) {
   Id content = rt::send<Id>(rt::getClass("UNMutableNotificationContent"), "new");
   rt::send<void>(content, "setTitle:", title);
@@ -200,11 +217,23 @@ void defineNotificationClasses(HostApp& app) {
         .ivar("m_uiMessageType", "@")
         .build();
   }
-  HostClass(app, "QuickReplyMsgMgr")
-      .method("onNewMsgArriving:NotifyFlag:", onNewMsgArriving)
-      .method("canShowPushForContact:msgWrap:", canShowPushForContact)
-      .method("canShowPushAtViewController:sessionUserName:", canShowPushAtViewController)
-      .build();
+  withHostInteger(app.build, [&](auto zero) {
+    using Int = decltype(zero);
+    HostClass quickReply(app, "QuickReplyMsgMgr");
+    if (app.build.hasVariant("notify-args-changed"))
+      quickReply.method("onNewMsgArriving:NotifyFlag:", onNewMsgArrivingChanged<Int>);
+    else
+      quickReply.method("onNewMsgArriving:NotifyFlag:", onNewMsgArriving<Int>);
+    quickReply.method("canShowPushForContact:msgWrap:", canShowPushForContact)
+        .method("canShowPushAtViewController:sessionUserName:", canShowPushAtViewController)
+        .build();
+    HostClass(app, "MMNewSessionMgr")
+        .method("p_notifyNewMsg:withNotifyFlag:", notifyNewMsg<Int>)
+        .build();
+    HostClass(app, "MainFrameLogicController")
+        .method("playNewMsgNotify:NotifyFlag:", playNewMsgNotify<Int>)
+        .build();
+  });
   HostClass(app, "QuickReplyItem").ivar("msgWrap", "@").build();
   HostClass(app, "QuickReplyMsgViewController", "UIViewController")
       .method("showQuickReplyItem:dismissTimeout:", showQuickReplyItem)
@@ -212,26 +241,26 @@ void defineNotificationClasses(HostApp& app) {
   HostClass(app, "BaseMsgContentViewController", "UIViewController")
       .method("shouldShowQuickReplyPush:", shouldShowQuickReplyPush)
       .build();
-  HostClass(app, "MMNewSessionMgr").method("p_notifyNewMsg:withNotifyFlag:", notifyNewMsg).build();
-  HostClass(app, "MainFrameLogicController")
-      .method("playNewMsgNotify:NotifyFlag:", playNewMsgNotify)
-      .build();
   HostClass push(app, "MMLocalNotificationMgr");
-  push.method("OnShowPush:isAlwaysShow:", onShowPush)
-      .method("notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:",
-              notificationInfo);
+  push.method("OnShowPush:isAlwaysShow:", onShowPush);
+  withHostInteger(app.build, [&](auto zero) {
+    push.method("notificationInfoForMessage:withEnabledNotificationSettings:isFromVoipPush:",
+                notificationInfo<decltype(zero)>);
+  });
   if (app.build.hasVariant("push-3arg"))
     push.method("showPushWithMessageWrap:fireDate:isFromVoipPush:", showPushShort);
   else
     push.method("showPushWithMessageWrap:identifier:fireDate:isFromVoipPush:shouldSilent:",
                 showPush);
   push.build();
-  HostClass(app, "MMLocalNotificationUtil")
-      .classMethod(
-          "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:date:"
-          "threadIdentifier:fromUserName:fromNotFrient:showHeadImage:",
-          showLocalNotification)
-      .build();
+  withHostInteger(app.build, [&](auto zero) {
+    HostClass(app, "MMLocalNotificationUtil")
+        .classMethod(
+            "showLocalNotificationWithIdentifier:category:title:body:soundName:badge:userInfo:"
+            "date:threadIdentifier:fromUserName:fromNotFrient:showHeadImage:",
+            showLocalNotification<decltype(zero)>)
+        .build();
+  });
   HostClass(app, "AudioHelper").classMethod("playVibration", playVibration).build();
 }
 
@@ -250,11 +279,18 @@ void HostApp::deliverMessage(const std::string& from, const std::string& text, b
   Id m = makeHostMessage(from, text, missedCall, video);
   if (p.appState() == sim::AppState::Active) {
     Id quickReply = hostService("QuickReplyMsgMgr");
-    if (openChatUsername() != from && responds(quickReply, "onNewMsgArriving:NotifyFlag:"))
-      rt::send<void>(quickReply, "onNewMsgArriving:NotifyFlag:", m, 1L);
-    Id sessions = hostService("MMNewSessionMgr");
-    if (responds(sessions, "p_notifyNewMsg:withNotifyFlag:"))
-      rt::send<void>(sessions, "p_notifyNewMsg:withNotifyFlag:", m, 1L);
+    withHostInteger(build, [&](auto zero) {
+      using Int = decltype(zero);
+      if (openChatUsername() != from && responds(quickReply, "onNewMsgArriving:NotifyFlag:")) {
+        if (build.hasVariant("notify-args-changed"))
+          rt::send<void>(quickReply, "onNewMsgArriving:NotifyFlag:", m, Int(1), rt::str(from));
+        else
+          rt::send<void>(quickReply, "onNewMsgArriving:NotifyFlag:", m, Int(1));
+      }
+      Id sessions = hostService("MMNewSessionMgr");
+      if (responds(sessions, "p_notifyNewMsg:withNotifyFlag:"))
+        rt::send<void>(sessions, "p_notifyNewMsg:withNotifyFlag:", m, Int(1));
+    });
     return;
   }
   Id push = hostService("MMLocalNotificationMgr");

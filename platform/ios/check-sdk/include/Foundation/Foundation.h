@@ -131,7 +131,11 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 
 typedef NSUInteger NSDataWritingOptions;
-enum : NSDataWritingOptions { NSDataWritingAtomic = 1 };
+enum : NSDataWritingOptions {
+  NSDataWritingAtomic = 1,
+  NSDataWritingFileProtectionNone = 0x10000000,
+  NSDataWritingFileProtectionCompleteUntilFirstUserAuthentication = 0x30000000,
+};
 
 @interface NSData : NSObject <NSCopying>
 + (instancetype)dataWithBytes:(const void *)bytes length:(NSUInteger)length;

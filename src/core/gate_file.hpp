@@ -1,0 +1,41 @@
+// What the notification and call gating needs between a restart and the
+// first unlock, when the settings file cannot be read: salted SHA-256 hashes
+// of the secret usernames, the notify mode and the two call switches. It is
+// written without data protection beside the settings, so it holds no name:
+// a hash answers "is this caller secret" for a name already at hand, and the
+// per-install salt keeps a list of common names from being tried against it
+// ahead of time.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "base/value.hpp"
+
+namespace core {
+
+struct GateRecord {
+  std::string salt;  // hexadecimal, chosen once per install
+  std::unordered_set<std::string> hashes;
+  long notifyMode = 0;
+  bool voipVoice = false;
+  bool voipVideo = false;
+  bool operator==(const GateRecord&) const = default;
+};
+
+inline constexpr const char* kGateFileName = "gate.plist";
+// Documents/Quenby/gate.plist.
+std::string gateFilePath();
+// SHA-256 of the salt, a newline and the username, in hexadecimal.
+std::string gateHash(std::string_view salt, std::string_view username);
+// A new salt: 16 random bytes in hexadecimal.
+std::string newGateSalt();
+
+base::Value gateValue(const GateRecord& record);
+// The record in a file's root; nullopt for anything that is not one (a
+// missing salt, a hash that is not 64 hexadecimal digits, a mode out of range).
+std::optional<GateRecord> gateFromValue(const base::Value& root);
+
+}  // namespace core

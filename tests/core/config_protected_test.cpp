@@ -1,0 +1,176 @@
+// The settings file between a restart and the first unlock: closed, not
+// damaged. It is neither kept aside nor written over, the gating knows the
+// secrets by their salted hashes meanwhile, and the file is read when the
+// system says protected data is available.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "core/config.hpp"
+#include "core/gate_file.hpp"
+#include "sim/atomic_file.hpp"
+#include "support/sim_world.hpp"
+#include "sys/files.hpp"
+#include "sys/notifications.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+using core::QBConfig;
+
+class Protected : public qbtest::SimWorld {
+ protected:
+  std::string folder() { return device.documentsPath() + "/Quenby"; }
+  std::string bytes(const std::string& name) {
+    return sim::readWholeFile(folder() + "/" + name).value_or("");
+  }
+  // A first run that saved bob and team@chatroom as secrets, mode 1, video on.
+  void savedBefore() {
+    QBConfig c;
+    c.load();
+    c.setPassword("2468");
+    c.setSecretNotifyMode(1);
+    c.setVoipVideoNotifyEnabled(true);
+    c.addSecretUser("bob");
+    c.addSecretUser("team@chatroom");
+  }
+  bool logged(const std::string& text) {
+    for (const auto& l : device.log())
+      if (l.text.find(text) != std::string::npos) return true;
+    return false;
+  }
+};
+
+TEST_F(Protected, TheGateFileNamesNoSecretAndOnlyItIsReadableBeforeTheFirstUnlock) {
+  savedBefore();
+  std::string gate = bytes("gate.plist");
+  ASSERT_FALSE(gate.empty());
+  // Readable from the first unlock on whatever the host's default; the
+  // gate file at any time.
+  EXPECT_EQ(device.protectionOf(folder() + "/config.plist"), sys::FileProtection::UntilFirstUnlock);
+  EXPECT_EQ(device.protectionOf(core::gateFilePath()), sys::FileProtection::None);
+  EXPECT_EQ(gate.find("bob"), std::string::npos);
+  EXPECT_EQ(gate.find("team"), std::string::npos);
+  device.setLockedSinceRestart(true);
+  EXPECT_EQ(sys::readPropertyListFile(folder() + "/config.plist").status,
+            sys::ReadStatus::NotYetReadable);
+  sys::PlistFile g = sys::readPropertyListFile(core::gateFilePath());
+  ASSERT_EQ(g.status, sys::ReadStatus::Read);
+  std::optional<core::GateRecord> record = core::gateFromValue(g.value);
+  ASSERT_TRUE(record);
+  EXPECT_EQ(record->hashes.size(), 2u);
+  EXPECT_TRUE(record->hashes.count(core::gateHash(record->salt, "bob")));
+  EXPECT_FALSE(record->hashes.count(core::gateHash("another salt", "bob")));
+}
+
+TEST_F(Protected, BeforeTheFirstUnlockTheGatingKnowsTheSecretsByHashAndNothingIsWritten) {
+  savedBefore();
+  std::string settings = bytes("config.plist"), gate = bytes("gate.plist");
+  device.setLockedSinceRestart(true);
+  QBConfig c;
+  c.load();
+  EXPECT_TRUE(c.waitingForProtectedData());
+  EXPECT_TRUE(c.isSecretUser("bob"));
+  EXPECT_TRUE(c.isSecretUser("team@chatroom"));
+  EXPECT_FALSE(c.isSecretUser("alice"));
+  EXPECT_FALSE(c.isSecretUser(""));
+  EXPECT_EQ(c.secretCount(), 2);
+  EXPECT_TRUE(c.shouldHideSecrets());
+  EXPECT_TRUE(c.secretSnapshot().empty()) << "no name is known";
+  EXPECT_EQ(c.secretNotifyMode(), 1);
+  EXPECT_TRUE(c.backgroundNotifyEnabled());
+  EXPECT_TRUE(c.voipVideoNotifyEnabled());
+  EXPECT_FALSE(c.voipVoiceNotifyEnabled());
+  // The panel's changes meanwhile are refused, not written over the list.
+  c.addSecretUser("carol");
+  c.setPassword("0000");
+  c.save();
+  EXPECT_TRUE(logged("[QB] config save refused"));
+  EXPECT_FALSE(logged("kept aside"));
+  EXPECT_EQ(bytes("config.plist"), settings);
+  EXPECT_EQ(bytes("gate.plist"), gate);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder()), fs::directory_iterator()), 2);
+  // The first unlock: the file is read, and saves work again.
+  device.setLockedSinceRestart(false);
+  sys::postNotification(sys::kProtectedDataDidBecomeAvailable);
+  EXPECT_FALSE(c.waitingForProtectedData());
+  EXPECT_EQ(c.password(), "2468");
+  EXPECT_EQ(c.secretSnapshot(), (std::unordered_set<std::string>{"bob", "team@chatroom"}));
+  EXPECT_FALSE(c.isSecretUser("carol"));
+  c.addSecretUser("carol");
+  QBConfig again;
+  again.load();
+  EXPECT_EQ(again.secretCount(), 3);
+  EXPECT_EQ(again.password(), "2468");
+}
+
+TEST_F(Protected, AnUnlockBeforeTheFileCanBeReadKeepsWaiting) {
+  savedBefore();
+  device.setLockedSinceRestart(true);
+  QBConfig c;
+  c.load();
+  sys::postNotification(sys::kProtectedDataDidBecomeAvailable);  // still closed
+  EXPECT_TRUE(c.waitingForProtectedData());
+  EXPECT_TRUE(c.isSecretUser("bob"));
+  device.setLockedSinceRestart(false);
+  sys::postNotification(sys::kProtectedDataDidBecomeAvailable);
+  EXPECT_FALSE(c.waitingForProtectedData());
+  EXPECT_TRUE(c.isSecretUser("bob"));
+}
+
+TEST_F(Protected, WithoutAGateFileNothingIsKnownAndTheSettingsStillWait) {
+  savedBefore();
+  fs::remove(folder() + "/gate.plist");
+  device.setLockedSinceRestart(true);
+  QBConfig c;
+  c.load();
+  EXPECT_TRUE(c.waitingForProtectedData());
+  EXPECT_FALSE(c.isSecretUser("bob"));
+  EXPECT_EQ(c.secretNotifyMode(), 0);
+  EXPECT_FALSE(c.shouldHideSecrets());
+}
+
+TEST_F(Protected, ALoadedFileWithoutAGateFileGetsOneAndASaveKeepsTheSalt) {
+  savedBefore();
+  fs::remove(folder() + "/gate.plist");
+  QBConfig c;
+  c.load();
+  std::optional<core::GateRecord> first =
+      core::gateFromValue(*sys::readPropertyList(core::gateFilePath()));
+  ASSERT_TRUE(first);
+  EXPECT_EQ(first->hashes.size(), 2u);
+  c.removeSecretUser("bob");
+  std::optional<core::GateRecord> second =
+      core::gateFromValue(*sys::readPropertyList(core::gateFilePath()));
+  ASSERT_TRUE(second);
+  EXPECT_EQ(second->salt, first->salt);
+  EXPECT_EQ(second->hashes,
+            (std::unordered_set<std::string>{core::gateHash(first->salt, "team@chatroom")}));
+}
+
+TEST(GateRecord, MalformedRecordsAreRefused) {
+  core::GateRecord r;
+  r.salt = "00ff";
+  r.hashes = {core::gateHash("00ff", "bob")};
+  r.notifyMode = 2;
+  base::Value good = core::gateValue(r);
+  EXPECT_EQ(core::gateFromValue(good), r);
+  auto changed = [&](const char* key, std::optional<base::Value> value) {
+    base::Dictionary d;
+    for (const auto& [k, v] : *good.asDictionary())
+      if (k != key) d.emplace_back(k, v);
+    if (value) d.emplace_back(key, *value);
+    return base::Value(d);
+  };
+  for (const char* key :
+       {"salt", "secretHashes", "secretNotifyMode", "voipVoiceNotify", "voipVideoNotify"})
+    EXPECT_FALSE(core::gateFromValue(changed(key, std::nullopt))) << key;
+  EXPECT_FALSE(
+      core::gateFromValue(changed("secretHashes", base::Value(base::Array{base::Value("bob")}))))
+      << "a name where a hash belongs";
+  EXPECT_FALSE(core::gateFromValue(changed("secretNotifyMode", base::Value(3L))));
+  EXPECT_FALSE(core::gateFromValue(changed("salt", base::Value(""))));
+  EXPECT_FALSE(core::gateFromValue(base::Value("text")));
+}
+
+}  // namespace
