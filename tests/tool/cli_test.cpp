@@ -132,6 +132,22 @@ TEST_F(Cli, SeveralFilesRunOnNewDevicesAndTheWorstStatusWins) {
   EXPECT_EQ(run({(dir / "missing.qbs").string()}), 2);
 }
 
+TEST_F(Cli, ShowScreenNamesTheScreenOnTopAndPrintsWhatItShows) {
+  std::string f = script("screen.qbs",
+                         "friend alice\nfriend bob\nsession alice\nsecret bob\nlaunch\n"
+                         "wait 2\nshow screen\nopen chat alice\nshow screen\nopen main\n"
+                         "shake\nshow screen\ntype 12\nshow screen\n");
+  EXPECT_EQ(run({f}), 0) << out.str();
+  std::string o = out.str();
+  EXPECT_NE(o.find("screen main\nalice\n"), std::string::npos) << o;
+  EXPECT_NE(o.find("screen chat\nchat with alice\n"), std::string::npos) << o;
+  // The password dialog: its title, its field (hidden once typed into), its buttons.
+  std::size_t dialog = o.find("screen alert\ntitle: ");
+  ASSERT_NE(dialog, std::string::npos) << o;
+  EXPECT_NE(o.find("buttons: [取消]  [确定]", dialog), std::string::npos) << o;
+  EXPECT_NE(o.find("field: **\n", dialog), std::string::npos) << o;
+}
+
 TEST_F(Cli, AByteOrderMarkAtTheStartIsSkipped) {
   std::string f = script("bom.qbs",
                          "\xEF\xBB\xBF"
