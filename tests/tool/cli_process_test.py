@@ -36,6 +36,9 @@ def help_goes_to_stdout():
               f"{args}: exit {r.returncode}, stdout {r.stdout[:60]!r}, stderr {r.stderr!r}")
     r = run(["help", "show", "screen"])
     check(r.returncode == 0 and "show screen" in r.stdout, f"help show screen: {r.stdout!r}")
+    r = run(["rnu", "x.qbs"])
+    check(r.returncode == 2 and "unknown mode 'rnu' (did you mean 'run'?)" in r.stderr,
+          f"rnu: {r.stderr!r}")
     r = run(["help", "lanch"])
     check(r.returncode == 2 and "did you mean 'launch'" in r.stderr, f"help lanch: {r.stderr!r}")
 

@@ -102,7 +102,9 @@ std::size_t editDistance(const std::string& a, const std::string& b) {
   return row[b.size()];
 }
 
-std::string closestOf(const std::string& word, const std::vector<std::string>& names) {
+}  // namespace
+
+std::string closestWord(const std::string& word, const std::vector<std::string>& names) {
   std::string best;
   std::size_t bestDistance = SIZE_MAX;
   for (const std::string& n : names) {
@@ -111,6 +113,8 @@ std::string closestOf(const std::string& word, const std::vector<std::string>& n
   }
   return best;
 }
+
+namespace {
 
 bool isPair(const std::string& first) { return first == "show" || first == "expect"; }
 
@@ -130,7 +134,7 @@ std::string closestCommand(const std::string& first, const std::string& second) 
     else if (!isPair(first))
       names.push_back(name.substr(0, blank));
   }
-  std::string best = closestOf(isPair(first) ? second : first, names);
+  std::string best = closestWord(isPair(first) ? second : first, names);
   return isPair(first) ? first + " " + best : best;
 }
 

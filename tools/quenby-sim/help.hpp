@@ -19,5 +19,7 @@ const std::string* commandSummary(const std::string& name);
 // The known command closest to `word` by edit distance ("lanch" → "launch");
 // for show and expect, the closest of their second words.
 std::string closestCommand(const std::string& first, const std::string& second = "");
+// The word of `words` closest to `word` by edit distance.
+std::string closestWord(const std::string& word, const std::vector<std::string>& words);
 
 }  // namespace qbsim

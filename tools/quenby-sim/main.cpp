@@ -137,7 +137,8 @@ int run(int argc, char** argv) {
     return qbsim::runRepl(std::cin, isatty(0), options, std::cout);
   }
   if (mode != "demo" && mode != "run" && mode != "swarm" && mode != "repl")
-    std::cerr << "quenby-sim: unknown mode '" << mode << "'\n";
+    std::cerr << "quenby-sim: unknown mode '" << mode << "' (did you mean '"
+              << qbsim::closestWord(mode, {"demo", "run", "repl", "swarm", "help"}) << "'?)\n";
   return usage();
 }
 
