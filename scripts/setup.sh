@@ -10,6 +10,8 @@ packages=(
   python3  # scripts/bench.sh reads the benchmarks' JSON
   # The simulator's pictures: cairo and pango, and a font with the Chinese texts.
   libcairo2-dev libpango1.0-dev fonts-noto-cjk
+  # The simulator's REPL: line editing, history and completion.
+  libedit-dev
   # The iOS check build: ld64.lld, libc++'s headers, glibc's arm64 headers.
   lld-14 libc++-14-dev libc++abi-14-dev libc6-dev-arm64-cross file
 )

@@ -27,7 +27,9 @@ void pickerTime(rt::Id picker, long& hour, long& minute);
 struct PickerLayout {
   double top = 56;  // below the top of the alert's view
   double height = 160;
-  double minAlertHeight = 320;  // the alert's view at least this high
+  // The alert's view at least this high: the wheel, a margin and the button
+  // row, so no gap is left between the wheel and the buttons.
+  double minAlertHeight = 56 + 160 + 8 + 44;
 };
 // Adds the picker to the alert's view, horizontally centred.
 void addPickerToAlert(rt::Id alert, rt::Id picker, const PickerLayout& layout);

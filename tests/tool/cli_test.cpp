@@ -96,6 +96,24 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"launch\nshow forward\n", ":2: show forward: the forward screen has not been opened"},
       {"expect contacts\n", ":1: expect contacts: the app is not running"},
       {"moment\n", ":1: usage: moment USER [TEXT]"},
+      {"host lacks NoSuchHostClass\n", ":1: host lacks: the host has no class 'NoSuchHostClass'"},
+      {"launch\nopen settings\n",
+       ":2: open: no screen 'settings' (usage: open main|contacts|moments|about|forward | open "
+       "chat USER | open search TEXT)"},
+      {"setting dailyWindows 08:00-13:00 show 12:00-14:00 hide\n",
+       ":1: setting dailyWindows: two windows overlap (the panel says \"时段不能重叠。"},
+      {"setting dailyWindows 08:00-08:00 show\n",
+       ":1: setting dailyWindows: a window starts and ends at the same time (the panel says "
+       "\"开始与结束不能相同\")"},
+      {"setting dailyWindows 08:00-25:00 show\n",
+       ":1: setting dailyWindows: write windows as HH:MM-HH:MM show|hide"},
+      {"lanch\n", ":1: unknown command 'lanch' (did you mean 'launch'?)"},
+      {"show scren\n", ":1: unknown show 'scren' (did you mean 'show screen'?)"},
+      // Only one mark is skipped: a second is part of the word.
+      {"\xEF\xBB\xBF\xEF\xBB\xBF"
+       "friend a\n",
+       ":1: unknown command '\xEF\xBB\xBF"
+       "friend'"},
   };
   for (const Case& c : cases) {
     std::string f = script("err.qbs", c.text);
@@ -112,6 +130,52 @@ TEST_F(Cli, SeveralFilesRunOnNewDevicesAndTheWorstStatusWins) {
   EXPECT_NE(out.str().find("2 passed, 1 failed"), std::string::npos);
   EXPECT_EQ(run({bad, err}), 2);
   EXPECT_EQ(run({(dir / "missing.qbs").string()}), 2);
+}
+
+TEST_F(Cli, ShowScreenNamesTheScreenOnTopAndPrintsWhatItShows) {
+  std::string f = script("screen.qbs",
+                         "friend alice\nfriend bob\nsession alice\nsecret bob\nlaunch\n"
+                         "wait 2\nshow screen\nopen chat alice\nshow screen\nopen main\n"
+                         "shake\nshow screen\ntype 12\nshow screen\n");
+  EXPECT_EQ(run({f}), 0) << out.str();
+  std::string o = out.str();
+  EXPECT_NE(o.find("screen main\nalice\n"), std::string::npos) << o;
+  EXPECT_NE(o.find("screen chat\nchat with alice\n"), std::string::npos) << o;
+  // The password dialog: its title, its field (hidden once typed into), its buttons.
+  std::size_t dialog = o.find("screen alert\ntitle: ");
+  ASSERT_NE(dialog, std::string::npos) << o;
+  EXPECT_NE(o.find("buttons: [取消]  [确定]", dialog), std::string::npos) << o;
+  EXPECT_NE(o.find("field: **\n", dialog), std::string::npos) << o;
+}
+
+TEST_F(Cli, AByteOrderMarkAtTheStartIsSkipped) {
+  std::string f = script("bom.qbs",
+                         "\xEF\xBB\xBF"
+                         "friend alice\nlaunch\nsession alice\n"
+                         "expect main alice\n");
+  EXPECT_EQ(run({f}), 0) << out.str();
+}
+
+TEST_F(Cli, AFolderRunsItsScriptsInNameOrderEachFromItsOwnContainer) {
+  std::filesystem::create_directories(dir / "suite" / "b.container" / "Documents" / "Quenby");
+  std::ofstream(dir / "suite" / "b.container" / "Documents" / "Quenby" / "config.plist")
+      << "not a property list";
+  script("suite/b.qbs", "launch\nexpect log \"kept aside\"\n");
+  script("suite/a.qbs", "launch\nexpect no-log \"kept aside\"\n");
+  script("suite/notes.txt", "not a script\n");
+  std::string suite = (dir / "suite").string();
+  EXPECT_EQ(run({suite}), 0) << out.str();
+  std::string o = out.str();
+  EXPECT_LT(o.find("PASS " + suite + "/a.qbs"), o.find("PASS " + suite + "/b.qbs")) << o;
+  EXPECT_NE(o.find("\n2 passed, 0 failed\n"), std::string::npos) << o;
+  // The checked-in container is copied, never changed.
+  EXPECT_TRUE(std::filesystem::exists(dir / "suite" / "b.container" / "Documents" / "Quenby" /
+                                      "config.plist"));
+  std::filesystem::create_directories(dir / "empty");
+  EXPECT_EQ(run({(dir / "empty").string()}), 2);
+  EXPECT_NE(out.str().find((dir / "empty").string() + ": no .qbs files in the folder"),
+            std::string::npos)
+      << out.str();
 }
 
 TEST_F(Cli, ExpectFileReadsTheSettingsFileInTheContainer) {
@@ -148,9 +212,22 @@ TEST_F(Cli, ExpectFileReadsTheSettingsFileInTheContainer) {
 TEST_F(Cli, TheReplReportsErrorsAndGoesOn) {
   std::istringstream in("launch\nnope\nwait 1\nexpect log \"no such line zz\"\n");
   std::ostringstream o;
-  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 2);
+  // A failed expectation fails the session; the typo before it does not.
+  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 1);
   EXPECT_NE(o.str().find("repl:2: unknown command 'nope'"), std::string::npos) << o.str();
   EXPECT_NE(o.str().find("repl:4: expect log \"no such line zz\": got"), std::string::npos)
+      << o.str();
+}
+
+TEST_F(Cli, AReplSessionWithOnlyTyposPasses) {
+  std::istringstream in("\xEF\xBB\xBFlanch\nlaunch\nexpect hiden\nexpect hidden\n");
+  std::ostringstream o;
+  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 0) << o.str();
+  EXPECT_NE(o.str().find("repl:1: unknown command 'lanch' (did you mean 'launch'?)"),
+            std::string::npos)
+      << o.str();
+  EXPECT_NE(o.str().find("repl:3: unknown expect 'hiden' (did you mean 'expect hidden'?)"),
+            std::string::npos)
       << o.str();
 }
 
@@ -158,6 +235,28 @@ TEST_F(Cli, TheDemoRunsToTheEnd) {
   std::ostringstream o;
   EXPECT_EQ(qbsim::runDemo({}, o), 0) << o.str();
   EXPECT_NE(o.str().find("The demo ran to the end."), std::string::npos);
+  // Chapters with titles, and at most one log line a step: the rest is --trace's.
+  std::istringstream lines(o.str());
+  std::string line;
+  int chapters = 0, steps = 0, logLines = 0, logLinesThisStep = 0;
+  while (std::getline(lines, line)) {
+    if (!line.empty() && line[0] >= '1' && line[0] <= '9') ++chapters;
+    if (line.rfind("  ", 0) == 0 && line.size() > 2 && line[2] >= '1' && line[2] <= '9')
+      ++steps, logLinesThisStep = 0;
+    if (line.find("[QB]") != std::string::npos) {
+      EXPECT_EQ(line.rfind("   log ", 0), 0u) << line;
+      ++logLines;
+      EXPECT_LE(++logLinesThisStep, 1) << line;
+    }
+  }
+  EXPECT_GE(chapters, 4);
+  EXPECT_GE(steps, 2 * chapters);
+  EXPECT_GE(logLines, 3);
+  qbsim::SimOptions trace;
+  trace.trace = true;
+  std::ostringstream traced;
+  EXPECT_EQ(qbsim::runDemo(trace, traced), 0);
+  EXPECT_NE(traced.str().find("[QB] softReload main"), std::string::npos);
 }
 
 }  // namespace

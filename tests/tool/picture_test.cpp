@@ -19,6 +19,8 @@
 #include "sim/picture/png_text.hpp"
 #include "sim/picture/screen_picture.hpp"
 #include "sim/picture/shrink.hpp"
+#include "sim/uikit/layout.hpp"
+#include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "ui/colors.hpp"
 
@@ -170,7 +172,18 @@ TEST_F(Pictures, TheWindowEditorsThreeDialogsAreCentredWithTheirWheelAndButtons)
   rt::CGRect f = alertFrame();
   EXPECT_DOUBLE_EQ(f.origin.x + f.size.width / 2, 195);
   EXPECT_DOUBLE_EQ(f.origin.y + f.size.height / 2, 422);
-  EXPECT_GE(f.size.height, 320) << "tall enough for the wheel";
+  rt::CGRect wheel, confirm, cancel;
+  session.process()->runGuarded([&] {
+    rt::Id alert = sim::topController();
+    wheel = sim::viewState(sim::alertTimePicker(alert))->frame;
+    sim::AlertFrame laid =
+        sim::layoutAlert(alert, [](const std::string&, const ui::Font&, double) { return 20.0; });
+    confirm = laid.buttons.at(0), cancel = laid.buttons.at(1);  // in the order they were added
+  });
+  double wheelBottom = wheel.origin.y + wheel.size.height;
+  EXPECT_GE(confirm.origin.y, wheelBottom) << "the buttons lie under the wheel";
+  EXPECT_LE(confirm.origin.y - wheelBottom, 12) << "no gap under the wheel";
+  EXPECT_LT(cancel.origin.x, confirm.origin.x) << "取消 on the left, as UIKit puts a cancel";
   run({"press 确定", "wait 1", "time 23:15"});
   Picture end = draw();
   EXPECT_TRUE(has(end, "② 选择结束时间"));
@@ -191,13 +204,93 @@ TEST_F(Pictures, AnInAppBannerShowsOverTheListUntilItsTimeIsUp) {
   auto has = [](const Picture& pic, const std::string& text) {
     return std::find(pic.texts.begin(), pic.texts.end(), text) != pic.texts.end();
   };
-  EXPECT_TRUE(has(p, "bob") && has(p, "晚上见"));
+  EXPECT_TRUE(has(p, "Bob") && has(p, "晚上见")) << "the banner names Bob as the host does";
+  EXPECT_FALSE(has(p, "bob"));
   EXPECT_NE(p.pixel(30, 60), p.pixel(30, 40)) << "the card stands out from the bar behind it";
   std::uint32_t beside = p.pixel(370, 75);  // right of the text, inside the card
   EXPECT_GT(int(beside & 0xFF), 200) << "the text lies on the light card, not on a box of its own";
   run({"wait 4"});
   Picture later = draw();
-  EXPECT_FALSE(has(later, "晚上见"));
+  EXPECT_EQ(later.pixel(30, 60), later.pixel(30, 40)) << "the card has gone";
+}
+
+// What the texts of the main list, the contacts and the search say.
+bool drew(const Picture& p, const std::string& text) {
+  return std::find(p.texts.begin(), p.texts.end(), text) != p.texts.end();
+}
+
+TEST_F(Pictures, TheSearchScreenShowsItsFieldWithTheQuery) {
+  run({"friend alice nick=Alice", "launch", "wait 1", "open search 阿l"});
+  Picture p = draw();
+  EXPECT_TRUE(drew(p, "阿l")) << "the query in the field";
+  EXPECT_FALSE(drew(p, "搜索") && !drew(p, "阿l")) << "not the placeholder";
+  EXPECT_TRUE(p.symbols.count("magnifyingglass"));
+  EXPECT_EQ(p.unknownGlyphs, 0);
+  EXPECT_EQ(p.pixel(195, 500), 0xFFFFFFFFu) << "the screen under the field stays white";
+}
+
+TEST_F(Pictures, TheBiometricPromptIsDrawnOverTheScreen) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "session alice", "secret bob",
+       "setting revealAuthMode 1", "launch", "wait 1"});
+  Picture before = draw();
+  run({"shake", "expect screen biometric"});
+  Picture faceID = draw();
+  EXPECT_TRUE(drew(faceID, "面容 ID"));
+  EXPECT_TRUE(faceID.symbols.count("faceid"));
+  EXPECT_NE(faceID.pixel(195, 422), before.pixel(195, 422)) << "the prompt's square";
+  run({"biometric pass", "wait 1", "expect revealed"});
+  EXPECT_FALSE(drew(draw(), "面容 ID")) << "the prompt goes once answered";
+  // A phone with Touch ID asks in an alert of the system's, with the reason.
+  std::ostringstream o;
+  qbsim::Session touch({}, o);
+  for (const char* line :
+       {"device biometrics touchid", "friend bob", "secret bob", "setting revealAuthMode 1",
+        "launch", "wait 1", "shake", "expect screen biometric"})
+    qbsim::execute(touch, {qbsim::splitWords(line), line});
+  Picture touchID;
+  std::string reason;
+  touch.process()->runGuarded([&] {
+    touchID = sim::picture::drawScreen();
+    reason = touch.process()->platform().biometricReason;
+  });
+  EXPECT_TRUE(drew(touchID, "取消"));
+  EXPECT_TRUE(drew(touchID, reason));
+  EXPECT_TRUE(touchID.symbols.count("touchid"));
+  EXPECT_FALSE(drew(touchID, "面容 ID"));
+}
+
+TEST_F(Pictures, ARingingCallCoversTheScreenUntilItEnds) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob remark=老板", "session alice", "launch",
+       "wait 1", "call video bob", "expect ringing bob"});
+  Picture ringing = draw();
+  EXPECT_TRUE(drew(ringing, "老板")) << "the caller by the name the host shows";
+  EXPECT_TRUE(drew(ringing, "微信视频通话"));
+  EXPECT_TRUE(drew(ringing, "接听") && drew(ringing, "拒绝"));
+  EXPECT_LT(int(ringing.pixel(195, 500) & 0xFF), 80) << "the dark call screen, not the list";
+  run({"wait 31", "expect no-ringing bob"});
+  Picture after = draw();
+  EXPECT_FALSE(drew(after, "微信视频通话"));
+  EXPECT_EQ(ringing.unknownGlyphs, 0);
+}
+
+TEST_F(Pictures, APersonHasOneAvatarColourAndTheMainListShowsLastMessages) {
+  run({"friend alice nick=Alice", "friend carol nick=Carol", "session carol", "session alice",
+       "launch", "wait 1", "send alice \"明天见\""});
+  Picture main = draw();
+  EXPECT_TRUE(drew(main, "明天见")) << "the last message under the name";
+  EXPECT_FALSE(drew(main, "alice")) << "not the username";
+  run({"open contacts"});
+  Picture contacts = draw();
+  EXPECT_TRUE(drew(contacts, "2位联系人")) << "the contacts footer";
+  // The avatar's top-left corner, clear of its initial.
+  auto avatar = [](const Picture& p, const std::string& title) {
+    const sim::picture::DrawnRow& r = row(p, title);
+    return p.pixel(r.frame.origin.x + 16 + 6, r.frame.origin.y + r.frame.size.height / 2 - 12);
+  };
+  EXPECT_EQ(avatar(main, "Alice"), avatar(contacts, "Alice"));
+  EXPECT_EQ(avatar(main, "Carol"), avatar(contacts, "Carol"));
+  EXPECT_NE(avatar(contacts, "Alice"), avatar(contacts, "Carol"));
+  EXPECT_NE(avatar(contacts, "Alice"), 0xFFFFFFFFu) << "an avatar is there";
 }
 
 TEST(PictureCanvas, CountsGlyphsNoFontHas) {

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "help.hpp"
+
 namespace qbsim {
 
 const CommandTable& commandTable() {
@@ -19,6 +21,8 @@ const CommandTable& commandTable() {
     addPanelCommands(t);
     addSurfaceCommands(t);
     addPictureCommands(t);
+    addScreenCommands(t);
+    addHelpCommand(t);
     return t;
   }();
   return table;
@@ -34,13 +38,33 @@ void execute(Session& session, const Command& command) {
   if (it == table.end()) {
     if (first == "show" || first == "expect") {
       if (command.words.size() < 2) throw ScriptError{first + ": what to " + first + " is missing"};
-      throw ScriptError{"unknown " + first + " '" + command.words[1] + "'"};
+      throw ScriptError{"unknown " + first + " '" + command.words[1] + "' (did you mean '" +
+                        closestCommand(first, command.words[1]) + "'?)"};
     }
-    throw ScriptError{"unknown command '" + first + "'"};
+    throw ScriptError{"unknown command '" + first + "' (did you mean '" + closestCommand(first) +
+                      "'?)"};
   }
   it->second.run(session, command);
   session.settle();
   if (first == "show") pictureAfterShow(session, command.words[1]);
+}
+
+void addHelpCommand(CommandTable& t) {
+  t["help"] = {"help [COMMAND]", [](Session& s, const Command& c) {
+                 if (c.words.size() == 1) {
+                   s.out() << generalHelp();
+                   return;
+                 }
+                 std::string topic;
+                 for (std::size_t i = 1; i < c.words.size(); ++i)
+                   topic += (i > 1 ? " " : "") + c.words[i];
+                 std::optional<std::string> text = commandHelp(topic);
+                 if (!text)
+                   throw ScriptError{
+                       "help: no command '" + topic + "' (did you mean '" +
+                       closestCommand(c.words[1], c.words.size() > 2 ? c.words[2] : "") + "'?)"};
+                 s.out() << *text;
+               }};
 }
 
 std::vector<std::string> splitWords(const std::string& line) {

@@ -55,6 +55,10 @@ void addPanelCommands(CommandTable& table);
 void addNotifyCommands(CommandTable& table);
 void addOutsideCommands(CommandTable& table);
 void addPictureCommands(CommandTable& table);
+void addHelpCommand(CommandTable& table);
+void addScreenCommands(CommandTable& table);
+// The name of the screen on top, as `expect screen` and `show screen` say it.
+std::string topScreenName(Session& session);
 // After `show NAME`: the picture of the screen, when the session keeps a story.
 void pictureAfterShow(Session& session, const std::string& shown);
 

@@ -1,4 +1,6 @@
 // The host app's data and build: me, friend, room, host lacks, host raises.
+#include <set>
+
 #include "commands.hpp"
 
 namespace qbsim {
@@ -10,6 +12,27 @@ std::string option(const Command& c, std::size_t i, const char* key, const std::
   std::string prefix = std::string(key) + "=";
   if (w.rfind(prefix, 0) != 0) throw ScriptError{"bad option '" + w + "' (usage: " + usage + ")"};
   return w.substr(prefix.size());
+}
+
+std::set<std::string> classesDefinedBy(const std::set<std::string>& variants) {
+  sim::Device device(sim::DeviceOptions{});
+  hostapp::HostApp host;
+  host.build.variants = variants;
+  sim::Process scratch(device);
+  scratch.runGuarded([&] { host.defineClasses(); });
+  return host.definedClassNames();
+}
+
+// Every class some build of the host defines, learnt once from scratch
+// processes, so `host lacks` can refuse a class the host never had.
+const std::set<std::string>& hostClassNames() {
+  static const std::set<std::string> names = [] {
+    std::set<std::string> all = classesDefinedBy({});
+    for (const std::string& variant : hostapp::knownHostVariants())
+      all.merge(classesDefinedBy({variant}));
+    return all;
+  }();
+  return names;
 }
 
 void requireNotRunning(Session& s, const std::string& what) {
@@ -66,6 +89,8 @@ void addHostCommands(CommandTable& t) {
       [](Session& s, const Command& c) {
         if (c.words.size() >= 3 && c.words[1] == "lacks" && c.words.size() <= 4) {
           requireNotRunning(s, "host lacks");
+          if (!hostClassNames().count(c.words[2]))
+            throw ScriptError{"host lacks: the host has no class '" + c.words[2] + "'"};
           if (c.words.size() == 3)
             s.host().build.lackingClasses.insert(c.words[2]);
           else

@@ -6,6 +6,9 @@
 namespace qbsim {
 namespace {
 
+const char* kOpenUsage =
+    "open main|contacts|moments|about|forward | open chat USER | open search TEXT";
+
 void moveToTop(Session& s, const std::string& username) {
   s.host().model.bringSessionToTop(username);
   if (sim::Process* p = s.process()) p->runGuarded([&] { s.host().sessionsChanged(); });
@@ -27,14 +30,15 @@ void addMainListCommands(CommandTable& t) {
                   }};
   t["message"] = {"message FROM [TEXT]", [](Session& s, const Command& c) {
                     requireWords(c, 2, 3, "message FROM [TEXT]");
+                    std::string text = c.words.size() == 3 ? c.words[2] : "[消息]";
+                    s.host().model.lastMessages[c.words[1]] = text;
                     moveToTop(s, c.words[1]);
                     // Then the host announces it, the way its state allows.
-                    std::string text = c.words.size() == 3 ? c.words[2] : "[消息]";
                     if (sim::Process* p = s.process())
                       p->runGuarded([&] { s.host().deliverMessage(c.words[1], text); });
                   }};
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
-                 requireWords(c, 2, 3, "open main|contacts|chat USER");
+                 requireWords(c, 2, 3, kOpenUsage);
                  sim::Process& p = s.requireProcess("open");
                  const std::string& what = c.words[1];
                  if (what == "about" && c.words.size() == 2) {
@@ -50,7 +54,7 @@ void addMainListCommands(CommandTable& t) {
                  }
                  long tab = what == "main" ? 0 : what == "contacts" ? 1 : -1;
                  if (tab < 0 || c.words.size() != 2)
-                   throw ScriptError{"open: no screen '" + what + "' in this host yet"};
+                   throw ScriptError{"open: no screen '" + what + "' (usage: " + kOpenUsage + ")"};
                  p.runGuarded([&] {
                    s.host().selectTab(tab);
                    s.host().popToRoot();

@@ -103,7 +103,10 @@ void addTap(CommandTable& t) {
                   if (c.words.size() != 2) throw ScriptError{"usage: " + usage};
                   rt::Id label = hostapp::aboutVersionLabel(page);
                   if (!label)
-                    throw ScriptError{"tap version: the About page has no version label yet"};
+                    throw ScriptError{
+                        "tap version: no version label yet (the About page builds its labels " +
+                        std::to_string(int(hostapp::kAboutLabelsDelay * 1000)) +
+                        " ms after it opens: wait first)"};
                   s.process()->runGuarded([&] { sim::tapAt(view, centreIn(label, view)); });
                 } else if (where == "nav") {
                   double dx = c.words.size() == 3 ? pointArg(c, 2, usage) : 0;
@@ -194,7 +197,7 @@ void addPanel(CommandTable& t) {
             throw ScriptError{"picker pick: " + c.words[2] + " is not in the list shown"};
           act(s, "picker pick: no such row", [&] { return sim::selectRow(table, 0, row); });
         } else {
-          throw ScriptError{"pickerUsage: " + pickerUsage};
+          throw ScriptError{"usage: " + pickerUsage};
         }
       }};
 }

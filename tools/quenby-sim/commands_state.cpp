@@ -2,9 +2,11 @@
 // expect hidden / revealed, show config, show state.
 #include <cstdlib>
 
+#include "base/format.hpp"
 #include "base/value.hpp"
 #include "commands.hpp"
 #include "core/config.hpp"
+#include "core/daily_window.hpp"
 #include "hiding/session_hooks.hpp"
 #include "panel/panel_controller.hpp"
 #include "triggers/schedule.hpp"
@@ -33,14 +35,36 @@ base::Value windowsWords(const std::vector<std::string>& words, std::size_t from
     const std::string& range = words[i];
     auto dash = range.find('-');
     int h1, m1, h2, m2;
+    char tail;
     if (dash == std::string::npos || i + 1 >= words.size() ||
-        std::sscanf(range.c_str(), "%d:%d-%d:%d", &h1, &m1, &h2, &m2) != 4 ||
+        std::sscanf(range.c_str(), "%2d:%2d-%2d:%2d%c", &h1, &m1, &h2, &m2, &tail) != 4 || h1 < 0 ||
+        h1 > 23 || h2 < 0 || h2 > 23 || m1 < 0 || m1 > 59 || m2 < 0 || m2 > 59 ||
         (words[i + 1] != "show" && words[i + 1] != "hide"))
       throw ScriptError{"setting dailyWindows: write windows as HH:MM-HH:MM show|hide ..."};
     list.push_back(
         QBConfig::QBWindow(h1 * 60 + m1, h2 * 60 + m2, words[i + 1] == "hide" ? 1 : 0).toValue());
   }
   return base::Value(std::move(list));
+}
+
+// The panel's messages are Chinese; a script's reader gets English first.
+std::string windowsError(const std::string& chinese) {
+  struct Known {
+    std::string chinese;
+    std::string english;
+  } known[] = {
+      {core::kMsgKeepOne, "keep at least one window"},
+      {base::format(core::kMsgAtMost, long(core::kMaxDailyWindows)),
+       "at most " + std::to_string(core::kMaxDailyWindows) + " windows"},
+      {core::kMsgBadFormat, "a window is not written as start, end and mode"},
+      {core::kMsgSameEnds, "a window starts and ends at the same time"},
+      {core::kMsgPickMode, "a window's mode is neither show nor hide"},
+      {core::kMsgOverlap, "two windows overlap"},
+      {core::kMsgNoSuchWindow, "no such window"},
+  };
+  for (const Known& k : known)
+    if (k.chinese == chinese) return k.english + " (the panel says \"" + chinese + "\")";
+  return "the panel refuses: \"" + chinese + "\"";
 }
 
 // `running`: the app is up, so the panel's follow-up (applying the schedule) runs too.
@@ -98,7 +122,7 @@ void applySetting(QBConfig& c, const Command& cmd, bool running) {
   } else if (key == "dailyWindows") {
     std::string message;
     if (!c.setDailyWindows(windowsWords(cmd.words, 2), &message))
-      throw ScriptError{"setting dailyWindows: " + message};
+      throw ScriptError{"setting dailyWindows: " + windowsError(message)};
     if (running) triggers::QBSchedule::applyNow();
     return;
   } else {

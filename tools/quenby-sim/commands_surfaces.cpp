@@ -1,7 +1,6 @@
 // The host's other screens: moment, open search|moments|forward, show and
-// expect for contacts, search, moments and forward, the screen names of
-// those screens, and `host variant`. `open`, `expect screen` and `host` keep
-// their other forms: the earlier handlers answer everything not named here.
+// expect for contacts, search, moments and forward. `open` keeps its other
+// forms: the earlier handler answers everything not named here.
 #include "commands.hpp"
 #include "hostapp/surfaces.hpp"
 #include "rt/runtime.hpp"
@@ -60,16 +59,6 @@ std::vector<Surface> surfaces() {
   };
 }
 
-// Our screens by their host class; anything else is the earlier handler's.
-std::string surfaceScreenName(rt::Id top) {
-  if (!top) return "";
-  std::string_view cls = rt::className(top);
-  if (cls == hostapp::kSearchScreenClass) return "search";
-  if (cls == hostapp::kMomentsScreenClass) return "moments";
-  if (cls == hostapp::kForwardScreenClass) return "forward";
-  return "";
-}
-
 void showExtras(Session& s, const std::string& name) {
   if (name == "contacts") {
     std::vector<std::string> starred = hostapp::contactsStarred(s.host());
@@ -95,7 +84,7 @@ void addSurfaceCommands(CommandTable& t) {
                  }};
 
   Handler open = t["open"].run;
-  t["open"] = {"open main|contacts|moments|forward | open chat USER | open search TEXT",
+  t["open"] = {"open main|contacts|moments|about|forward | open chat USER | open search TEXT",
                [open](Session& s, const Command& c) {
                  const std::string what = c.words.size() >= 2 ? c.words[1] : "";
                  if (what != "search" && what != "moments" && what != "forward") {
@@ -139,18 +128,6 @@ void addSurfaceCommands(CommandTable& t) {
                              if (got != want) throw ExpectFailure{joined(got, "(empty list)")};
                            }};
   }
-
-  Handler screen = t["expect screen"].run;
-  t["expect screen"] = {"expect screen NAME", [screen](Session& s, const Command& c) {
-                          requireWords(c, 3, 3, "expect screen NAME");
-                          s.requireProcess("expect screen");
-                          rt::Id top = sim::topController();
-                          std::string ours =
-                              s.process()->platform().biometricReply ? "" : surfaceScreenName(top);
-                          if (ours.empty() && screen) return screen(s, c);
-                          if (ours != c.words[2])
-                            throw ExpectFailure{ours.empty() ? "(none)" : ours};
-                        }};
 }
 
 }  // namespace qbsim

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "commands.hpp"
+#include "hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
@@ -18,7 +19,9 @@ namespace {
 // the selected tab and navigation stack when nothing is presented.
 rt::Id topScreen() { return sim::topController(); }
 
-std::string screenName(Session& s) {
+}  // namespace
+
+std::string topScreenName(Session& s) {
   sim::Process& p = s.requireProcess("expect screen");
   if (p.platform().biometricReply) return "biometric";
   rt::Id top = topScreen();
@@ -31,8 +34,13 @@ std::string screenName(Session& s) {
   if (cls == "SettingAboutMMViewController") return "about";
   if (cls == "QBPanelController") return "panel";
   if (cls == "QBContactPickController") return "picker";
+  if (cls == hostapp::kSearchScreenClass) return "search";
+  if (cls == hostapp::kMomentsScreenClass) return "moments";
+  if (cls == hostapp::kForwardScreenClass) return "forward";
   return std::string(cls);
 }
+
+namespace {
 
 rt::Id alertOnScreen(Session& s, const std::string& command) {
   s.requireProcess(command);
@@ -159,7 +167,7 @@ void addTriggerCommands(CommandTable& t) {
                     }};
   t["expect screen"] = {"expect screen NAME", [](Session& s, const Command& c) {
                           requireWords(c, 3, 3, "expect screen NAME");
-                          std::string got = screenName(s);
+                          std::string got = topScreenName(s);
                           if (got != c.words[2]) throw ExpectFailure{got};
                         }};
   t["expect alert"] = {"expect alert \"TITLE\"", [](Session& s, const Command& c) {
@@ -167,7 +175,7 @@ void addTriggerCommands(CommandTable& t) {
                          s.requireProcess("expect alert");
                          rt::Id top = topScreen();
                          sim::AlertState* a = top ? sim::alertState(top) : nullptr;
-                         if (!a) throw ExpectFailure{"no dialog (screen " + screenName(s) + ")"};
+                         if (!a) throw ExpectFailure{"no dialog (screen " + topScreenName(s) + ")"};
                          if (a->title != c.words[2]) throw ExpectFailure{"\"" + a->title + "\""};
                        }};
 }

@@ -1,7 +1,11 @@
 #include "runner.hpp"
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
+
+#include <stdlib.h>
 
 #include "commands.hpp"
 
@@ -26,8 +30,9 @@ std::string commandText(const std::string& line) {
   return s.substr(b, e - b + 1);
 }
 
-// Runs one line. Returns the status and fills `message` on failure.
-int runLine(Session& session, const std::string& line, std::string& message) {
+}  // namespace
+
+int runCommandLine(Session& session, const std::string& line, std::string& message) {
   try {
     Command command;
     command.words = splitWords(line);
@@ -50,15 +55,70 @@ int runLine(Session& session, const std::string& line, std::string& message) {
   return kPassed;
 }
 
+namespace {
+
+// A byte-order mark, as some editors write at the start of a file.
+void skipByteOrderMark(std::string& line) {
+  if (line.rfind("\xEF\xBB\xBF", 0) == 0) line.erase(0, 3);
+}
+
+// A folder stands for the .qbs files in it, in name order.
+std::vector<std::string> expandFolders(const std::vector<std::string>& args,
+                                       std::vector<std::string>& emptyFolders) {
+  std::vector<std::string> files;
+  for (const std::string& arg : args) {
+    std::error_code ec;
+    if (!std::filesystem::is_directory(arg, ec)) {
+      files.push_back(arg);
+      continue;
+    }
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(arg, ec))
+      if (entry.path().extension() == ".qbs" && !entry.is_directory(ec))
+        found.push_back(entry.path().string());
+    std::sort(found.begin(), found.end());
+    if (found.empty()) emptyFolders.push_back(arg);
+    files.insert(files.end(), found.begin(), found.end());
+  }
+  return files;
+}
+
+// NAME.container beside NAME.qbs is the app container the script starts from:
+// a scratch copy of it, so the checked-in one is never changed.
+class StartingContainer {
+ public:
+  StartingContainer(const std::string& script, SimOptions& options) {
+    std::filesystem::path p(script);
+    std::filesystem::path beside = p.parent_path() / (p.stem().string() + ".container");
+    std::error_code ec;
+    if (!options.container.empty() || !std::filesystem::is_directory(beside, ec)) return;
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "quenby-container-XXXXXX").string();
+    if (!mkdtemp(pattern.data())) return;
+    scratch_ = pattern;
+    std::filesystem::copy(beside, scratch_, std::filesystem::copy_options::recursive, ec);
+    options.container = scratch_;
+  }
+  ~StartingContainer() {
+    std::error_code ec;
+    if (!scratch_.empty()) std::filesystem::remove_all(scratch_, ec);
+  }
+  StartingContainer(const StartingContainer&) = delete;
+  StartingContainer& operator=(const StartingContainer&) = delete;
+
+ private:
+  std::string scratch_;
+};
+
 }  // namespace
 
 int runScript(Session& session, std::istream& in, const std::string& fileName, std::ostream& err) {
   std::string line;
   int lineNo = 0;
   while (std::getline(in, line)) {
-    ++lineNo;
+    if (++lineNo == 1) skipByteOrderMark(line);
     std::string message;
-    int status = runLine(session, line, message);
+    int status = runCommandLine(session, line, message);
     if (status != kPassed) {
       err << fileName << ":" << lineNo << ": " << message << "\n";
       return status;
@@ -67,8 +127,15 @@ int runScript(Session& session, std::istream& in, const std::string& fileName, s
   return kPassed;
 }
 
-int runFiles(const std::vector<std::string>& files, const SimOptions& options, std::ostream& out) {
+int runFiles(const std::vector<std::string>& args, const SimOptions& options, std::ostream& out) {
   int worst = kPassed, passed = 0, failed = 0;
+  std::vector<std::string> emptyFolders;
+  std::vector<std::string> files = expandFolders(args, emptyFolders);
+  for (const std::string& folder : emptyFolders) {
+    out << folder << ": no .qbs files in the folder\n";
+    ++failed;
+    worst = kScriptError;
+  }
   for (const std::string& file : files) {
     std::ifstream in(file);
     int status;
@@ -76,7 +143,9 @@ int runFiles(const std::vector<std::string>& files, const SimOptions& options, s
       out << file << ": cannot open the file\n";
       status = kScriptError;
     } else {
-      Session session(options, out);
+      SimOptions own = options;
+      StartingContainer start(file, own);
+      Session session(own, out);
       status = runScript(session, in, file, out);
     }
     out << (status == kPassed ? "PASS " : "FAIL ") << file << "\n";
@@ -84,25 +153,6 @@ int runFiles(const std::vector<std::string>& files, const SimOptions& options, s
     worst = std::max(worst, status);
   }
   out << passed << " passed, " << failed << " failed\n";
-  return worst;
-}
-
-int runRepl(std::istream& in, bool interactive, const SimOptions& options, std::ostream& out) {
-  Session session(options, out);
-  int worst = kPassed, lineNo = 0;
-  std::string line;
-  while (true) {
-    if (interactive) out << "qb> " << std::flush;
-    if (!std::getline(in, line)) break;
-    ++lineNo;
-    std::string message;
-    int status = runLine(session, line, message);
-    if (status != kPassed) {
-      out << "repl:" << lineNo << ": " << message << "\n";
-      worst = std::max(worst, status);
-    }
-  }
-  if (interactive) out << "\n";
   return worst;
 }
 

@@ -5,6 +5,7 @@
 // directly. An unanswered call rings for 30 s, then ends and leaves a
 // missed-call message that takes the message paths. VoipCXMgr's end
 // selectors differ between builds.
+#include "hostapp/call_screen_view.hpp"
 #include "hostapp/host_app.hpp"
 #include "hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
@@ -36,17 +37,27 @@ Id sharedCallKitMgr(Id, SEL) {
   if (!slot) slot = rt::send<Id>(rt::getClass("VoipCXMgr"), "new");
   return slot;
 }
-void reportIncomingCall(Id, SEL, Id user, Id, Id, bool, Id, Id) {
-  if (user) notices().ring();
+// The system's call screen comes up over the app while a call rings.
+void ring(Id user) {
+  if (!user) return;
+  notices().ring();
+  std::string from = rt::asString(user).value_or("");
+  auto call = notices().latestCall(from);
+  showCallScreen(HostApp::current().displayName(from), call && call->kind == "video call");
 }
-void endCallTrans(Id, SEL) { notices().endCall(); }
+void endCall() {
+  if (notices().endCall()) hideCallScreen();
+}
+
+void reportIncomingCall(Id, SEL, Id user, Id, Id, bool, Id, Id) { ring(user); }
+void endCallTrans(Id, SEL) { endCall(); }
 template <typename Int>
 void reportCallEnded(Id, SEL, Int) {
-  notices().endCall();
+  endCall();
 }
 template <typename Int>
 void reportCallEndedAtDate(Id, SEL, Id, Int, Int) {
-  notices().endCall();
+  endCall();
 }
 
 // --- MonoServiceMsgMgr: the in-app call banner.
@@ -58,9 +69,7 @@ void monoShowLocal(Id, SEL, Id m, bool repeatVibration, bool) {
 }
 
 // --- VoIPPushKitNotifyService: the push reports to CallKit itself.
-void pushKitReport(Id, SEL, Id user, Id, Id, bool, bool) {
-  if (user) notices().ring();
-}
+void pushKitReport(Id, SEL, Id user, Id, Id, bool, bool) { ring(user); }
 
 Id callKitMgr() {
   rt::Class cls = rt::getClass("VoipCXMgr");
@@ -125,7 +134,8 @@ void HostApp::deliverCall(const std::string& from, bool video) {
     if (responds(push, report)) rt::send<void>(push, report, rt::str(from), type, m, true, false);
   }
   sys::after(kUnansweredRing_s, [this, from, video] {
-    notices().endCall(from);
+    if (notices().endCall(from)) hideCallScreen();
+    model.lastMessages[from] = video ? "[未接视频通话]" : "[未接语音通话]";
     model.bringSessionToTop(from);
     sessionsChanged();
     deliverMessage(from, video ? "[未接视频通话]" : "[未接语音通话]", true, video);

@@ -128,6 +128,12 @@ rt::IMP HostApp::originalImplementation(const std::string& cls, const std::strin
   return it == originals_.end() ? nullptr : it->second;
 }
 
+std::set<std::string> HostApp::definedClassNames() const {
+  std::set<std::string> names;
+  for (const auto& [key, imp] : originals_) names.insert(key.first);
+  return names;
+}
+
 void HostModel::bringSessionToTop(const std::string& username) {
   std::erase(sessions, username);
   sessions.insert(sessions.begin(), username);

@@ -51,6 +51,8 @@ struct HostModel {
   std::vector<std::string> recentChats;
   // The last message id given: unique across runs, as the host's server ids are.
   long lastMessageId = 0;
+  // The text of each chat's latest message, sent or received: its row's subtitle.
+  std::map<std::string, std::string> lastMessages;
   // Moves (or adds) the chat with `username` to the top.
   void bringSessionToTop(const std::string& username);
   void noteRecentChat(const std::string& username);
@@ -117,6 +119,8 @@ class HostApp {
   // The host's own implementation of a method, as its binary defined it
   // (hooks may have moved it since). Null when the build lacks it.
   rt::IMP originalImplementation(const std::string& cls, const std::string& sel) const;
+  // The classes this build defined in its last process.
+  std::set<std::string> definedClassNames() const;
 
   // A chat moved to the top while the app runs: the host rebuilds its
   // session list and reloads the main list, as it does on a new message.

@@ -145,11 +145,14 @@ std::string chatTitle(const std::string& username) {
   return username;
 }
 
-// The host's cell shows the cell data of its row, with the username under the name.
+// The host's cell shows the cell data of its row: the chat's name, its last
+// message under it, and the person's avatar.
 Id cellForRow(Id self, SEL, Id, Id ip) {
   Id data = rt::send<Id>(self, "logicGetCellDataAtIndexPath:", ip);
   std::string name = data ? rt::asString(ivar(data, "m_nsUsrName")).value_or("") : "";
-  return sim::makeListCell(name.empty() ? "" : chatTitle(name), name, data);
+  auto last = model().lastMessages.find(name);
+  return sim::makeListCell(name.empty() ? "" : chatTitle(name),
+                           last == model().lastMessages.end() ? "" : last->second, data, name);
 }
 void mainViewDidLoad(Id self, SEL) {
   Id table = rt::send<Id>(rt::getClass("UITableView"), "new");

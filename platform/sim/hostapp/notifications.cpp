@@ -92,7 +92,8 @@ void showQuickReplyItem(Id, SEL, Id item, double timeout) {
   if (!item) return;
   notices().banner("in-app");
   Id m = rt::ivarObject(item, rt::getInstanceVariable(rt::classOf(item), "msgWrap"));
-  if (const HostMessage* msg = message(m)) showBannerView(msg->from, msg->text, timeout);
+  if (const HostMessage* msg = message(m))
+    showBannerView(HostApp::current().displayName(msg->from), msg->text, timeout);
 }
 
 // --- The sound: the session manager's notify step asks the main frame's logic.

@@ -69,6 +69,7 @@ void HostApp::donateMessage(const std::string& chat, const std::string& text, bo
 }
 
 void HostApp::sendMessage(const std::string& chat, const std::string& text) {
+  model.lastMessages[chat] = text;
   model.bringSessionToTop(chat);
   sessionsChanged();
   donateMessage(chat, text, true);

@@ -11,7 +11,9 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/runtime.hpp"
+#include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
+#include "ui/colors.hpp"
 
 namespace hostapp {
 
@@ -132,6 +134,14 @@ void openSearch(HostApp& app, const std::string& text) {
   push(app, "search", kSearchScreenClass, [&](rt::Id screen) {
     rt::Ivar iv = rt::getInstanceVariable(rt::classOf(screen), "m_searchText");
     rt::setIvarObject(screen, iv, rt::str(text));
+    // Its search bar, in the navigation bar, holding what was typed.
+    rt::Id search = rt::send<rt::Id>(rt::getClass("UISearchController"), "new");
+    sim::SearchState& field = sim::extra<sim::SearchState>(search);
+    field.spec.placeholder = "搜索";
+    field.text = text;
+    sim::ScreenState& look = sim::extra<sim::ScreenState>(screen);
+    look.searchController = search;
+    look.background = ui::kWhite;  // what the screen had before it had a look of its own
   });
 }
 void openMoments(HostApp& app) { push(app, "moments", kMomentsScreenClass); }

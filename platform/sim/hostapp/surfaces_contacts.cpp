@@ -139,7 +139,16 @@ Id cellForRow(Id self, SEL, Id, Id ip) {
   std::vector<Id> rows = rt::elements(sectionRows(self, rt::indexPathSection(ip)));
   long row = rt::indexPathRow(ip);
   Id contact = row >= 0 && row < long(rows.size()) ? rows[std::size_t(row)] : nullptr;
-  return sim::makeListCell(contact ? contactDisplayName(contact) : "", "", contact);
+  return sim::makeListCell(contact ? contactDisplayName(contact) : "", "", contact,
+                           contactUsername(contact));
+}
+
+// The count under the last section, as the footer the host puts there.
+Id titleForFooter(Id self, SEL, Id, long section) {
+  Id logic = logicOf(self);
+  if (!logic || section != rt::count(sections(logic).keys) - 1) return nullptr;
+  if (sections(logic).footerCount < 0) return nullptr;
+  return rt::str(std::to_string(sections(logic).footerCount) + "位联系人");
 }
 
 void viewDidLoad(Id self, SEL) {
@@ -167,6 +176,7 @@ void defineContactsScreen(HostApp& app) {
       .method("numberOfSectionsInTableView:", numberOfSections)
       .method("tableView:numberOfRowsInSection:", numberOfRows)
       .method("tableView:cellForRowAtIndexPath:", cellForRow)
+      .method("tableView:titleForFooterInSection:", titleForFooter)
       .build();
 }
 

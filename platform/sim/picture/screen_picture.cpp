@@ -320,7 +320,7 @@ struct Painter {
     for (std::size_t i = 0; i < f.buttons.size(); ++i) {
       rt::CGRect b = offset(f.buttons[i], dx, dy);
       cv.line(b.origin, {b.origin.x + b.size.width, b.origin.y}, kSeparator, 0.5);
-      if (f.buttons.size() == 2 && i == 1)
+      if (f.buttons.size() == 2 && b.origin.x > f.box.origin.x)
         cv.line(b.origin, {b.origin.x, bottom(b)}, kSeparator, 0.5);
       const AlertAction& action = s->actions[i];
       ui::Color c = action.style == ui::ActionStyle::Destructive ? kSystemRed : ui::kSystemBlue;
@@ -371,6 +371,37 @@ struct Painter {
             ui::kLabel, Align::Center, true, true);
   }
 
+  // The system's biometric prompt over everything: Face ID's small square,
+  // or Touch ID's alert with the app's reason and its cancel button.
+  void biometricPrompt(bool faceID, const std::string& reason) {
+    if (faceID) {
+      rt::CGRect box = rect((kScreenWidth - 160) / 2, (kScreenHeight - 160) / 2, 160, 160);
+      cv.fill(box, {0.93, 0.93, 0.94, 0.97}, 22);
+      cv.symbol("faceid", rect(box.origin.x + 50, box.origin.y + 28, 60, 60), ui::kLabel);
+      cv.text("面容 ID", rect(box.origin.x, box.origin.y + 104, 160, 30),
+              {17, ui::Weight::Semibold}, ui::kLabel, Align::Center, true, true);
+      return;
+    }
+    cv.fill(rect(0, 0, kScreenWidth, kScreenHeight), kDim);
+    double width = 270, inner = width - 32;  // an alert's width
+    double messageHeight = cv.measure(reason, {13, ui::Weight::Regular}, inner);
+    double height = 20 + 22 + 4 + messageHeight + 16 + 64 + 16 + 44;
+    rt::CGRect box = rect((kScreenWidth - width) / 2, (kScreenHeight - height) / 2, width, height);
+    cv.fill(box, kAlertBackground, 14);
+    double x = box.origin.x, y = box.origin.y + 20;
+    cv.text("“微信”的触控 ID", rect(x + 16, y, inner, 22), {17, ui::Weight::Semibold}, ui::kLabel,
+            Align::Center);
+    y += 26;
+    cv.text(reason, rect(x + 16, y, inner, messageHeight), {13, ui::Weight::Regular}, ui::kLabel,
+            Align::Center);
+    y += messageHeight + 16;
+    cv.symbol("touchid", rect(x + width / 2 - 32, y, 64, 64), kSystemRed);
+    y += 64 + 16;
+    cv.line({x, y}, {x + width, y}, kSeparator, 0.5);
+    cv.text("取消", rect(x, y, width, 44), {17, ui::Weight::Semibold}, ui::kSystemBlue,
+            Align::Center, true, true);
+  }
+
   void presented(Id root) {
     for (Id c = root; c;) {
       ControllerState& s = *controllerState(c);
@@ -417,6 +448,9 @@ Picture drawScreen() {
     for (Id sub : viewState(window)->subviews)
       if (sub != rootView) p.view(sub, {0, 0});
   }
+  if (hasCurrentProcess() && currentProcess().platform().biometricReply)
+    p.biometricPrompt(currentProcess().device().biometrics != Biometrics::TouchID,
+                      currentProcess().platform().biometricReason);
   p.statusBar(0, hasCurrentProcess() ? currentProcess().device().localSecondOfDay() : 0);
   Picture out;
   out.width = p.cv.pixelWidth();

@@ -115,6 +115,11 @@ void drawSymbol(cairo_t* cr, const std::string& name, rt::CGRect r, ui::Color c)
     cairo_curve_to(cr, 15, 18, 16, 15, 16, 11);
     cairo_line_to(cr, 9, 10);
     cairo_stroke(cr);
+  } else if (has(name, "touchid")) {
+    for (double radius = 2.5; radius < 9; radius += 2) {
+      cairo_arc(cr, 10, 11, radius, M_PI * 1.05, M_PI * 1.95 + (radius > 5 ? 0.6 : 0));
+      cairo_stroke(cr);
+    }
   } else if (has(name, "faceid") || has(name, "person")) {
     cairo_rectangle(cr, 2, 2, 16, 16);
     cairo_stroke(cr);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/uikit/interaction.hpp"
@@ -22,11 +23,18 @@ constexpr double kAlertWidth = 270;
 
 rt::CGRect rect(double x, double y, double w, double h) { return {{x, y}, {w, h}}; }
 
-// A host list's rows as its table showed them at its last reload.
+// A host list's rows as its table showed them at its last reload, with the
+// footers its data source gives them.
 std::vector<ShownSection> shownAtReload(Id table) {
   std::vector<ShownSection> out;
+  Id ds = rt::send<Id>(table, "dataSource");
+  bool footers = ds && rt::respondsTo(ds, rt::sel("tableView:titleForFooterInSection:"));
   for (const auto& cells : viewState(table)->shownRows) {
     ShownSection s;
+    if (footers)
+      s.footer = rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table,
+                                           long(out.size())))
+                     .value_or("");
     for (Id cell : cells) {
       ShownRow r;
       r.cell = cell;
@@ -144,12 +152,21 @@ AlertFrame layoutAlert(Id alert, const MeasureText& measure) {
     y += 34;
   }
   if (!a->textFields.empty()) y += 8;
+  // UIKit places the cancel action on the left of two buttons and at the
+  // bottom of more, whatever the order they were added in.
   std::size_t n = a->actions.size();
-  for (std::size_t i = 0; i < n; ++i) {
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < n; ++i)
+    if (a->actions[i].style != ui::ActionStyle::Cancel) order.push_back(i);
+  for (std::size_t i = 0; i < n; ++i)
+    if (a->actions[i].style == ui::ActionStyle::Cancel)
+      order.insert(n == 2 ? order.begin() : order.end(), i);
+  f.buttons.resize(n);
+  for (std::size_t place = 0; place < n; ++place) {
     if (n == 2)
-      f.buttons.push_back(rect(i * kAlertWidth / 2, y, kAlertWidth / 2, 44));
+      f.buttons[order[place]] = rect(double(place) * kAlertWidth / 2, y, kAlertWidth / 2, 44);
     else
-      f.buttons.push_back(rect(0, y + 44 * double(i), kAlertWidth, 44));
+      f.buttons[order[place]] = rect(0, y + 44 * double(place), kAlertWidth, 44);
   }
   y += n == 2 ? 44 : 44 * double(n);
   if (y < minHeight) {

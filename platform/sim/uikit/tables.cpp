@@ -115,7 +115,8 @@ void registerTables() {
   hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
 }
 
-rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented) {
+rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented,
+                    const std::string& person) {
   Id cell = newObject("UITableViewCell");
   CellState& c = extra<CellState>(cell);
   c.spec.style = detail.empty() ? ui::CellStyle::Default : ui::CellStyle::Subtitle;
@@ -130,7 +131,7 @@ rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id 
   std::size_t first = 0;
   base::decodeUtf8(title, first);
   std::uint32_t hash = 2166136261u;
-  for (unsigned char ch : detail.empty() ? title : detail) hash = (hash ^ ch) * 16777619u;
+  for (unsigned char ch : person.empty() ? title : person) hash = (hash ^ ch) * 16777619u;
   ui::Color tint{0.35 + 0.4 * double(hash % 7) / 6, 0.55 + 0.3 * double(hash / 7 % 5) / 4,
                  0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
   ui::Font initialFont{16, ui::Weight::Semibold};

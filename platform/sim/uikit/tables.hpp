@@ -86,8 +86,10 @@ struct TapState {
 void registerTables();
 
 // A cell of one of the host's own lists: a default-style cell whose label
-// shows `title` (and `detail` under it), standing for `represented`.
-rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented);
+// shows `title` (and `detail` under it), standing for `represented`, with a
+// placeholder avatar whose colour is the `person`'s (the title's when none).
+rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented,
+                    const std::string& person = "");
 // The data object behind a host list's cell (nil for any other cell).
 rt::Id representedBy(rt::Id cell);
 
