@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "panel/panel_world.hpp"
+#include "rt/ownership.hpp"
 #include "sim/process.hpp"
 
 namespace {
@@ -53,6 +54,9 @@ TEST_F(Panel, ScheduleModeReshapesSectionsOneAndTwo) {
   std::string msg;
   ASSERT_TRUE(config().addDailyWindowWithStart(1320, 360, 1, &msg)) << msg;
   ASSERT_TRUE(config().addDailyWindowWithStart(360, 400, 1, &msg)) << msg;
+  // Changed behind the table's back: it shows what its cells were made with until reloaded.
+  EXPECT_EQ(shown(p)[2].rows.size(), 2u);
+  process->runGuarded([&] { rt::send<void>(p, "reload"); });
   sections = shown(p);
   ASSERT_EQ(sections[2].rows.size(), 3u);  // three windows: no add row
   EXPECT_EQ(sections[2].rows[2].title, "时段 3");
@@ -150,6 +154,21 @@ TEST_F(Panel, AShortPasswordIsDroppedSilentlyAndFourCharactersAreSaved) {
   EXPECT_EQ(config().password(), "1234");
 }
 
+TEST_F(Panel, APasswordIsAsLongAsNSStringCountsIt) {
+  rt::Id p = openPanel();
+  auto enter = [&](const std::string& text) {
+    tap(p, 5, 2);
+    type(text);
+    press("确定");
+  };
+  enter("密码");  // two characters, six bytes
+  EXPECT_EQ(config().password(), core::kDefaultPassword);
+  enter("\U0001F600\U0001F600");  // two emoji, four UTF-16 units
+  EXPECT_EQ(config().password(), "\U0001F600\U0001F600");
+  enter("口令密码");
+  EXPECT_EQ(config().password(), "口令密码");
+}
+
 TEST_F(Panel, OpeningRevealsAndHoldsBothFlagsUntilDone) {
   config().addSecretUser("bob");
   rt::Id p = openPanel();
@@ -193,13 +212,14 @@ TEST_F(Panel, LeavingTheAppTakesTheSheetAndTheDialogAboveItAtOnce) {
   config().addSecretUser("bob");
   rt::Id p = openPanel();
   ASSERT_TRUE(tap(p, 5, 2));  // the new-password dialog, presented by the panel
-  rt::Id dialog = top();
-  ASSERT_TRUE(rt::isKindOf(dialog, "UIAlertController"));
+  rt::Weak dialog(top());
+  rt::Weak panel(p);
+  ASSERT_TRUE(rt::isKindOf(dialog.lock().get(), "UIAlertController"));
   ASSERT_TRUE(process->enterBackground());
   EXPECT_FALSE(config().unlocked()) << "before the system's picture, not after an animation";
   EXPECT_EQ(host.lastSnapshot().screen, "main") << "neither the panel nor its dialog";
-  EXPECT_EQ(rt::send<rt::Id>(dialog, "presentingViewController"), nullptr);
-  EXPECT_EQ(rt::send<rt::Id>(p, "presentedViewController"), nullptr);
+  EXPECT_FALSE(dialog.lock()) << "dismissed, and freed with its turn";
+  EXPECT_FALSE(panel.lock());
   ASSERT_TRUE(process->enterForeground());
   wait(1);
   EXPECT_FALSE(config().suppressAutoLock());

@@ -2,6 +2,7 @@
 // expect hidden / revealed, show config, show state.
 #include <cstdlib>
 
+#include "base/utf8.hpp"
 #include "base/value.hpp"
 #include "commands.hpp"
 #include "core/config.hpp"
@@ -62,7 +63,7 @@ void applySetting(QBConfig& c, const Command& cmd, bool running) {
   };
   if (key == "password") {
     // The panel keeps only passwords of at least 4 characters, silently.
-    if (value.size() >= 4) c.setPassword(value);
+    if (base::utf16Length(value) >= 4) c.setPassword(value);
   } else if (key == "shakeToggle") {
     c.setShakeToggleEnabled(needBool());
   } else if (key == "shakeHide") {
