@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "panel/panel_world.hpp"
+#include "rt/exception.hpp"
 #include "rt/ownership.hpp"
 #include "sim/process.hpp"
+#include "ui/tables.hpp"
 
 namespace {
 
@@ -97,6 +99,33 @@ TEST_F(Panel, DeletingASecretAfterTheListChangedBehindTheTableKeepsTheHostAlive)
   EXPECT_TRUE(swipe(p, 7, 1));  // the table is in step again
   EXPECT_EQ(config().secretCount(), 0);
   EXPECT_FALSE(process->crashed()) << process->crashReason();
+}
+
+TEST_F(Panel, ARowShowsWhatItWasMadeWithUntilItsSectionIsReloaded) {
+  rt::Id p = openPanel();
+  EXPECT_EQ(shown(p)[3].rows[2].state, "checked");  // 不通知, the default
+  config().setSecretNotifyMode(2);                  // behind the table's back
+  EXPECT_EQ(shown(p)[3].rows[2].state, "checked");
+  EXPECT_EQ(shown(p)[3].rows[0].state, "");
+  tap(p, 6, 1);  // another section's reload leaves this one as it was
+  EXPECT_EQ(shown(p)[6].rows[1].state, "checked");
+  EXPECT_EQ(shown(p)[3].rows[2].state, "checked");
+  tap(p, 3, 1);
+  EXPECT_EQ(shown(p)[3].rows[1].state, "checked");
+  EXPECT_EQ(shown(p)[3].rows[2].state, "");
+}
+
+TEST_F(Panel, AOneSectionUpdateWithAnotherSectionChangedRaisesAndThePanelReloadsAll) {
+  rt::Id p = openPanel();
+  ASSERT_EQ(shown(p)[7].rows.size(), 1u);
+  config().addSecretUser("bob");  // the list changes outside the panel
+  rt::Id table = sim::tableOf(p);
+  EXPECT_THROW(ui::reloadSection(table, 3, ui::RowAnimation::None), rt::Exception);
+  tap(p, 5, 1);  // the panel's own one-section update shows the whole table anew
+  EXPECT_FALSE(process->crashed()) << process->crashReason();
+  auto rows = shown(p);
+  EXPECT_EQ(rows[7].rows.size(), 2u);
+  EXPECT_EQ(rows[5].rows[1].state, "checked");
 }
 
 TEST_F(Panel, NotifyRowsSetTheModeAndTheBackgroundFlagAndSaveAtOnce) {

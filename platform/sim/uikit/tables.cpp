@@ -181,6 +181,9 @@ std::string mismatch(long section, long before, long after, long deleted) {
 // counts: that is UIKit's basis for the updates that follow.
 bool rowExists(Id table, long section, long row) {
   ensureCounts(table);
+  // The user touches what is on screen: the table has shown its rows by then.
+  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s)
+    loadSection(table, s);
   const TableState& t = extra<TableState>(table);
   return section >= 0 && section < long(t.rowCounts.size()) && row >= 0 &&
          row < t.rowCounts[std::size_t(section)];
