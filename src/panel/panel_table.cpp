@@ -10,6 +10,7 @@
 #include "panel/panel_controller.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
+#include "sys/process_state.hpp"
 #include "triggers/schedule.hpp"
 #include "ui/tables.hpp"
 
@@ -93,8 +94,18 @@ rt::Id avatarImage(rt::Id avatar) {
   return ui::renderImage({44, 44}, 0, true, {ui::DrawImage{avatar, {{0, 0}, {44, 44}}, 12}});
 }
 
+// The secret each row showed when its cell was made: a swipe deletes the one
+// the user sees, though the list may have changed behind the table since.
+struct ShownSecrets {
+  std::vector<std::string> byRow;  // row 1 first
+};
+std::vector<std::string>& shownSecrets() { return sys::state<ShownSecrets>().byRow; }
+
 rt::Id secretCell(long row) {
   std::string username = secretAtRow(row);
+  std::vector<std::string>& shown = shownSecrets();
+  if (long(shown.size()) < row) shown.resize(std::size_t(row));
+  shown[std::size_t(row - 1)] = username;
   host::QBContactInfo info = host::QBContactInfo::infoForUsername(username);
   ui::CellSpec c;
   c.style = ui::CellStyle::Subtitle;
@@ -359,14 +370,18 @@ void deleteRow(rt::Id panel, long section, long row, const std::function<void(bo
     return;
   }
   long shown = ui::shownRowCount(table, section);
-  config().removeSecretUser(secretAtRow(row));
+  std::vector<std::string>& seen = shownSecrets();
+  bool wasShown = row >= 1 && row <= long(seen.size());
+  config().removeSecretUser(wasShown ? seen[std::size_t(row - 1)] : secretAtRow(row));
   QBPanelController::secretListChanged();
   // A list changed behind the table's back (not through this panel) cannot
   // lose one row cleanly, and UIKit would throw into the host: show it anew.
-  if (shown == rowsInSection(kSecrets) + 1 && !otherSectionsChanged(table, section))
+  if (shown == rowsInSection(kSecrets) + 1 && !otherSectionsChanged(table, section)) {
+    if (wasShown) seen.erase(seen.begin() + (row - 1));
     ui::deleteRow(table, section, row, ui::RowAnimation::Automatic);
-  else
+  } else {
     reloadSectionOf(panel, section, ui::RowAnimation::Automatic);
+  }
   done(true);
 }
 

@@ -92,12 +92,20 @@ TEST_F(Panel, DeletingASecretAfterTheListChangedBehindTheTableKeepsTheHostAlive)
   rt::Id p = openPanel();
   ASSERT_TRUE(tap(p, 0, 0));  // the table shows its rows
   config().addSecretUser("carol");
+  config().addSecretUser("dave");
+  EXPECT_EQ(shown(p)[7].rows.size(), 2u);
+  EXPECT_EQ(shown(p)[7].rows[1].detail, "bob");
   EXPECT_TRUE(swipe(p, 7, 1));
   EXPECT_FALSE(process->crashed()) << process->crashReason();
+  EXPECT_FALSE(config().isSecretUser("bob")) << "the row the user swiped showed bob";
+  EXPECT_EQ(config().secretCount(), 2);
+  auto rows = shown(p)[7].rows;
+  ASSERT_EQ(rows.size(), 3u);
+  std::string first = rows[1].detail;
+  EXPECT_TRUE(swipe(p, 7, 1));  // the table is in step again
+  EXPECT_FALSE(config().isSecretUser(first));
   EXPECT_EQ(config().secretCount(), 1);
   EXPECT_EQ(shown(p)[7].rows.size(), 2u);
-  EXPECT_TRUE(swipe(p, 7, 1));  // the table is in step again
-  EXPECT_EQ(config().secretCount(), 0);
   EXPECT_FALSE(process->crashed()) << process->crashReason();
 }
 

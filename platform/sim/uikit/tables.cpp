@@ -137,9 +137,15 @@ void cellDealloc(Id self, SEL cmd) {
     rt::detail::release(std::exchange(c->spec.accessoryView, nullptr));
   superDealloc(self, cmd, "UITableViewCell");
 }
+// The layout that follows a reload in the same turn asks for the rows at once.
+void layoutAll(Id table) {
+  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s)
+    loadSection(table, s);
+}
 void reloadData(Id self, SEL cmd) {
   rt::call<void>(hostReloadData, self, cmd);
   recordCounts(self);
+  layoutAll(self);
 }
 
 bool switchOn(Id self, SEL) { return extra<SwitchState>(self).on; }
@@ -181,9 +187,7 @@ std::string mismatch(long section, long before, long after, long deleted) {
 // counts: that is UIKit's basis for the updates that follow.
 bool rowExists(Id table, long section, long row) {
   ensureCounts(table);
-  // The user touches what is on screen: the table has shown its rows by then.
-  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s)
-    loadSection(table, s);
+  layoutAll(table);  // the user touches what is on screen
   const TableState& t = extra<TableState>(table);
   return section >= 0 && section < long(t.rowCounts.size()) && row >= 0 &&
          row < t.rowCounts[std::size_t(section)];
@@ -378,6 +382,7 @@ void reloadSection(rt::Id table, long section, RowAnimation) {
   sim::checkOtherSections(table, section);
   sim::dropSection(t, std::size_t(section));
   t.rowCounts[std::size_t(section)] = sim::askRows(table, section);
+  sim::loadSection(table, section);
 }
 
 void deleteRow(rt::Id table, long section, long row, RowAnimation) {
