@@ -47,7 +47,18 @@ struct Object {
   // The C++ state behind Foundation and host objects (a string's text, an
   // array's elements, a host model's record).
   std::any native;
-  std::vector<std::pair<const void*, Id>> associated;
+  struct Association {
+    const void* key;
+    Id value;
+    bool retained;  // false for the assign policy
+  };
+  std::vector<Association> associated;
+  // Ownership: the count of owners (alloc's own +1 included), and whether the
+  // object was deallocated. A freed object keeps its record, so that a
+  // message reaching it can be named, as a zombie would be.
+  long retainCount = 1;
+  bool deallocating = false;
+  bool freed = false;
 };
 
 struct ClassData : Object {

@@ -19,6 +19,14 @@ std::size_t ObjectHeap::count() const {
   return objects_.size();
 }
 
+std::vector<rt::Id> ObjectHeap::live() const {
+  std::lock_guard lock(objectsMutex_);
+  std::vector<rt::Id> out;
+  for (const auto& obj : objects_)
+    if (!obj->freed) out.push_back(obj.get());
+  return out;
+}
+
 std::uint64_t ObjectHeap::nextGeneration() {
   static std::atomic<std::uint64_t> last{0};
   return ++last;

@@ -1,8 +1,8 @@
-// The objects one process has made, all freed with it (the simulation never
-// frees an object earlier: a hook that keeps a stale pointer still reads a
-// live object, as it would under a retaining owner on a phone), and the
+// The objects one process has made, and the
 // interned constants: equal strings, small numbers, booleans, NSNull, index
-// paths, and the per-process singletons of the simulated frameworks.
+// paths, and the per-process singletons of the simulated frameworks. A
+// deallocated object keeps its record until the process ends, marked freed,
+// so that a message that still reaches it stops the process with its name.
 // Threads: allocating, counting and interning strings are safe from any
 // thread; the other interned tables are main-thread only.
 #pragma once
@@ -26,6 +26,7 @@ class ObjectHeap {
  public:
   rt::Id allocate(rt::Class cls, std::uint64_t serial);
   std::size_t count() const;
+  std::vector<rt::Id> live() const;
 
   rt::Id internedString(std::string_view utf8, const std::function<rt::Id()>& make);
   rt::Id& nullObject() { return null_; }

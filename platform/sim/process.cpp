@@ -63,22 +63,28 @@ Process::Process(Device& device)
 
 Process::~Process() {
   // The library's state goes first: it may hold blocks and objects of this
-  // process; then pending blocks; the runtime and its objects last.
+  // process; then pending blocks; the runtime and its objects last. Nothing
+  // is deallocated one by one on the way.
+  runtime_->lifetimes().tearingDown = true;
   state_ptr_.reset();
   queue_.clear();
   notifications_ = NotificationCenter();
+  platform_ = PlatformState();
   runtime_.reset();
   gCurrent = previous_;
 }
 
 void Process::runGuarded(const std::function<void()>& work) {
   if (crashed()) return;
+  ++guardDepth_;
   try {
     work();
+    if (guardDepth_ == 1) runtime_->lifetimes().drain();
   } catch (...) {
-    crash_ =
-        "uncaught exception " + rt::currentExceptionName() + ": " + rt::describeCurrentException();
+    crash("uncaught exception " + rt::currentExceptionName() + ": " +
+          rt::describeCurrentException());
   }
+  --guardDepth_;
 }
 
 void Process::post(const std::string& name) {
@@ -161,6 +167,7 @@ void Process::advance(double seconds) {
   while (!crashed() && queue_.takeNext(until, due, block)) {
     if (due > device_.elapsed()) device_.setElapsed(due);
     runGuarded(block);
+    block = nullptr;  // what the block held goes with its turn
   }
   device_.setElapsed(until);
 }

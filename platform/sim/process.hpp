@@ -64,6 +64,8 @@ class Process {
 
   Device& device() { return device_; }
   Runtime& runtime() { return *runtime_; }
+  // False once the process has begun to end its runtime.
+  bool hasRuntime() const { return runtime_ != nullptr; }
   MainQueue& mainQueue() { return queue_; }
   NotificationCenter& notifications() { return notifications_; }
 
@@ -98,7 +100,12 @@ class Process {
   // Runs one piece of host event handling. An exception that escapes it would
   // terminate the app on a phone: the process is marked crashed and does
   // nothing more.
+  // It ends with the turn's autorelease pool drained.
   void runGuarded(const std::function<void()>& work);
+  // Stops the process as a crash would, with that reason (the first one stays).
+  void crash(const std::string& reason) {
+    if (crash_.empty()) crash_ = reason;
+  }
   bool crashed() const { return !crash_.empty(); }
   const std::string& crashReason() const { return crash_; }
 
@@ -117,6 +124,7 @@ class Process {
   NotificationCenter notifications_;
   AppState state_ = AppState::NotLaunched;
   std::string crash_;
+  int guardDepth_ = 0;
   std::thread::id mainThread_;
   std::mutex stateMutex_;
   std::shared_ptr<void> state_ptr_;

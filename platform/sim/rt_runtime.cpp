@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "rt/runtime.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
 #include "sim/string_map.hpp"
 
@@ -77,6 +78,7 @@ Id toId(Class cls) { return cls; }
 
 bool isKindOf(Id obj, Class cls) {
   if (!obj || !cls) return false;
+  sim::touch(obj, "isKindOfClass:");
   for (Class c = obj->isa; c; c = c->super)
     if (c == cls) return true;
   return false;
@@ -84,7 +86,10 @@ bool isKindOf(Id obj, Class cls) {
 
 bool isKindOf(Id obj, std::string_view name) { return isKindOf(obj, getClass(name)); }
 
-bool respondsTo(Id obj, SEL s) { return obj && s && sim::runtime().lookup(obj->isa, s) != nullptr; }
+bool respondsTo(Id obj, SEL s) {
+  sim::touch(obj, "respondsToSelector:");
+  return obj && s && sim::runtime().lookup(obj->isa, s) != nullptr;
+}
 bool instancesRespondTo(Class cls, SEL s) {
   return cls && s && sim::runtime().lookup(cls, s) != nullptr;
 }

@@ -9,6 +9,7 @@
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
 
 namespace rt::detail {
@@ -30,6 +31,7 @@ std::string methodLabel(Id receiver, SEL s) {
 }  // namespace
 
 IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
+  sim::touch(receiver, selName(s));
   sim::Runtime& rtm = sim::runtime();
   Method m = rtm.lookup(receiver->isa, s);
   if (!m) {

@@ -19,6 +19,7 @@
 #include "sim/class_table.hpp"
 #include "sim/foundation.hpp"
 #include "sim/ivar_table.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/method_table.hpp"
 #include "sim/object.hpp"
 #include "sim/object_heap.hpp"
@@ -38,6 +39,7 @@ class Runtime {
   IvarTable& ivars() { return ivars_; }
   TypeChecks& types() { return types_; }
   ObjectHeap& heap() { return heap_; }
+  Lifetimes& lifetimes() { return lifetimes_; }
 
   // The calls most code makes, kept here so call sites read as the runtime's.
   rt::Class findClass(std::string_view name) const { return classes_.find(name); }
@@ -72,6 +74,8 @@ class Runtime {
 
   rt::Id allocate(rt::Class cls) { return heap_.allocate(cls, serials_++); }
   std::size_t objectCount() const { return heap_.count(); }
+  // The objects not yet deallocated, in the order they were made.
+  std::vector<rt::Id> liveObjects() const { return heap_.live(); }
   rt::Id internedString(std::string_view utf8, const std::function<rt::Id()>& make) {
     return heap_.internedString(utf8, make);
   }
@@ -93,6 +97,7 @@ class Runtime {
   MethodTable methods_{types_};
   IvarTable ivars_;
   ObjectHeap heap_;
+  Lifetimes lifetimes_;
 };
 
 // The runtime of the current simulated process. Aborts with a message when no

@@ -92,6 +92,31 @@ std::size_t codePointCount(std::string_view s) {
   return n;
 }
 
+std::size_t utf16Length(std::string_view s) {
+  std::size_t n = 0;
+  for (std::size_t i = 0; i < s.size();) n += decodeUtf8(s, i) > 0xFFFF ? 2 : 1;
+  return n;
+}
+
+bool isWhitespaceOrNewline(char32_t cp) {
+  if ((cp >= 0x09 && cp <= 0x0D) || cp == 0x20 || cp == 0x85 || cp == 0xA0 || cp == 0x1680)
+    return true;
+  return (cp >= 0x2000 && cp <= 0x200A) || cp == 0x2028 || cp == 0x2029 || cp == 0x202F ||
+         cp == 0x205F || cp == 0x3000;
+}
+
+std::string trimWhitespaceAndNewlines(std::string_view s) {
+  std::size_t begin = s.size(), end = 0;
+  for (std::size_t i = 0; i < s.size();) {
+    std::size_t at = i;
+    if (!isWhitespaceOrNewline(decodeUtf8(s, i))) {
+      if (begin == s.size()) begin = at;
+      end = i;
+    }
+  }
+  return begin < end ? std::string(s.substr(begin, end - begin)) : std::string();
+}
+
 namespace {
 
 // Latin Extended-A alternates upper (even) / lower (odd) in two runs, with

@@ -15,6 +15,9 @@ char32_t decodeUtf8(std::string_view s, std::size_t& i);
 void appendUtf8(std::string& out, char32_t cp);
 
 std::size_t codePointCount(std::string_view s);
+// The length NSString reports: UTF-16 code units (a character beyond the
+// Basic Multilingual Plane counts two).
+std::size_t utf16Length(std::string_view s);
 // True when every byte sequence is a well-formed UTF-8 code point.
 bool isValidUtf8(std::string_view s);
 // True when every byte is below 0x80.
@@ -30,6 +33,13 @@ std::string uppercase(std::string_view s);
 
 // The first code point of `s`, upper-cased, as UTF-8; "" for an empty string.
 std::string firstCharacterUpper(std::string_view s);
+
+// NSCharacterSet whitespaceAndNewlineCharacterSet: Unicode's space
+// separators (U+0020, U+00A0, U+3000, …), line and paragraph separators, and
+// the controls U+0009–U+000D and U+0085.
+bool isWhitespaceOrNewline(char32_t cp);
+// stringByTrimmingCharactersInSet: with that set, at both ends.
+std::string trimWhitespaceAndNewlines(std::string_view s);
 
 // Byte-wise substring test, as NSString containsString: for UTF-8 text that
 // needs no normalisation. An empty needle is never contained (Foundation).

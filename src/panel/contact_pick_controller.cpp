@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "base/utf8.hpp"
 #include "core/config.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -24,19 +25,12 @@ struct Picker {
   Id searchController = nullptr;
 };
 
-// The pickers' properties, by picker.
+// The pickers' properties, by picker, each erased when its picker is deallocated.
 struct PickState {
   std::map<Id, Picker> pickers;
 };
 
 Picker& picker(Id self) { return sys::state<PickState>().pickers[self]; }
-
-std::string trimmed(const std::string& s) {
-  const char* blanks = " \t\n\r\f\v";
-  std::size_t b = s.find_first_not_of(blanks);
-  if (b == std::string::npos) return "";
-  return s.substr(b, s.find_last_not_of(blanks) - b + 1);
-}
 
 void viewDidLoad(Id self, SEL cmd) {
   rt::Method super = rt::getInstanceMethod(rt::getClass("UITableViewController"), cmd);
@@ -88,6 +82,12 @@ Id cellForRow(Id self, SEL, Id table, Id ip) {
   return cell;
 }
 
+void dealloc(Id self, SEL cmd) {
+  sys::state<PickState>().pickers.erase(self);
+  rt::Method super = rt::getInstanceMethod(rt::getClass("UITableViewController"), cmd);
+  if (super) rt::call<void>(rt::methodImplementation(super), self, cmd);
+}
+
 void didSelectRow(Id self, SEL, Id table, Id ip) {
   rt::send<void>(table, "deselectRowAtIndexPath:animated:", ip, true);
   Picker& p = picker(self);
@@ -112,6 +112,7 @@ void QBContactPickController::registerRuntimeClass() {
   if (!cls) return;
   rt::registerClassPair(cls);
   rt::addMethod(cls, rt::sel("viewDidLoad"), viewDidLoad);
+  rt::addMethod(cls, rt::sel("dealloc"), dealloc);
   rt::addMethod(cls, rt::sel("tableView:numberOfRowsInSection:"), numberOfRows);
   rt::addMethod(cls, rt::sel("tableView:heightForRowAtIndexPath:"), heightForRow);
   rt::addMethod(cls, rt::sel("tableView:titleForHeaderInSection:"), headerForSection);
@@ -119,11 +120,12 @@ void QBContactPickController::registerRuntimeClass() {
   rt::addMethod(cls, rt::sel("tableView:didSelectRowAtIndexPath:"), didSelectRow);
 }
 
-Id QBContactPickController::make(std::vector<PickItem> items,
-                                 std::function<void(const std::string&)> onPick) {
-  Id self = rt::send<Id>(rt::send<Id>(rt::getClass("QBContactPickController"), "alloc"),
-                         "initWithStyle:", long(ui::TableStyle::InsetGrouped));
-  Picker& p = picker(self);
+rt::Strong QBContactPickController::make(std::vector<PickItem> items,
+                                         std::function<void(const std::string&)> onPick) {
+  rt::Strong self =
+      rt::Strong::adopt(rt::send<Id>(rt::send<Id>(rt::getClass("QBContactPickController"), "alloc"),
+                                     "initWithStyle:", long(ui::TableStyle::InsetGrouped)));
+  Picker& p = picker(self.get());
   p.filteredItems = items;
   p.allItems = std::move(items);
   p.onPick = std::move(onPick);
@@ -132,7 +134,7 @@ Id QBContactPickController::make(std::vector<PickItem> items,
 
 std::vector<PickItem> QBContactPickController::filter(const std::vector<PickItem>& items,
                                                       const std::string& query) {
-  std::string q = trimmed(query);
+  std::string q = base::trimWhitespaceAndNewlines(query);
   if (q.empty()) return items;
   q = rt::lowercase(q);
   std::vector<PickItem> out;
@@ -157,6 +159,8 @@ void QBContactPickController::updateSearch(Id self, const std::string& text) {
 const std::vector<PickItem>& QBContactPickController::filteredItems(Id self) {
   return picker(self).filteredItems;
 }
+
+std::size_t QBContactPickController::keptStates() { return sys::state<PickState>().pickers.size(); }
 
 std::string QBContactPickController::headerFor(std::size_t shown) {
   return shown == 0 ? "未找到联系人" : "通讯录 · " + std::to_string(shown) + " 人";

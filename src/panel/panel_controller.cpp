@@ -12,6 +12,7 @@
 #include "panel/panel_flow.hpp"
 #include "panel/panel_table.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/log.hpp"
@@ -186,7 +187,8 @@ void QBPanelController::presentFrom(Id target) {
   c.setSuppressAutoLock(true);
   c.setSuppressSessionApply(true);
   unsigned long flow = beginPanelFlow();
-  triggers::QBAuth::authenticateForPanel([target, flow](bool passed) {
+  // The screen it was opened from may be gone by the time the check passes.
+  triggers::QBAuth::authenticateForPanel([weakTarget = rt::Weak(target), flow](bool passed) {
     if (!panelFlowCurrent(flow)) {
       // The app left meanwhile and closed this flow: a check that passed
       // after that must not leave the secrets shown.
@@ -198,12 +200,13 @@ void QBPanelController::presentFrom(Id target) {
       endPanelFlow();
       return;
     }
-    sys::after(kAuthDelay, [target, flow] {
+    sys::after(kAuthDelay, [weakTarget, flow] {
       if (!panelFlowCurrent(flow)) return;
       try {
         Id window = host::QBRuntime::keyWindow();
         Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
-        if (!top) top = target;
+        rt::Strong target = weakTarget.lock();
+        if (!top) top = target.get();
         QBConfig& cfg = QBConfig::shared();
         if (!cfg.unlocked()) {
           // The secrets stay visible for as long as the panel is open.
@@ -228,21 +231,26 @@ void QBPanelController::presentPanelOn(Id target) {
   try {
     if (rt::send<Id>(target, "presentedViewController")) {
       // Busy presenting (an alert closing, another sheet): try again on whatever is on top then.
-      sys::after(kBusyRetry, [target, flow] {
+      sys::after(kBusyRetry, [weakTarget = rt::Weak(target), flow] {
         if (!panelFlowCurrent(flow)) return;
         Id top = topVC();
-        presentPanelOn(lastPresented(top ? top : target));
+        rt::Strong target = weakTarget.lock();
+        presentPanelOn(lastPresented(top ? top : target.get()));
       });
       return;
     }
-    Id panel = rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"),
-                            "initWithStyle:", long(ui::TableStyle::InsetGrouped));
-    Id nav = rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
-                          "initWithRootViewController:", panel);
-    ui::presentPageSheet(target, nav, ui::SheetSpec{}, true);
-    panelShown(nav);
+    // Made here, owned by the navigation controller and that by its presenter:
+    // dismissing the sheet frees both.
+    rt::Strong panel =
+        rt::Strong::adopt(rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"),
+                                       "initWithStyle:", long(ui::TableStyle::InsetGrouped)));
+    rt::Strong nav = rt::Strong::adopt(
+        rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
+                     "initWithRootViewController:", panel.get()));
+    ui::presentPageSheet(target, nav.get(), ui::SheetSpec{}, true);
+    panelShown(nav.get());
     // Dragging the sheet away closes the panel as 完成 does.
-    ui::onDraggedAway(nav, [flow] { lockAfterPanel(flow); });
+    ui::onDraggedAway(nav.get(), [flow] { lockAfterPanel(flow); });
   } catch (...) {
     sys::log("[QB] presentPanel ex: %@", rt::describeCurrentException());
     clearSuppressFlags();
@@ -280,13 +288,14 @@ void QBPanelController::pickFromSessions(Id self) {
     showTip(self, "未读到通讯录联系人");
     return;
   }
-  Id picker = QBContactPickController::make(std::move(items), [self](const std::string& username) {
-    QBConfig::shared().addSecretUser(username);
-    secretListChanged();
-    reload(self);
-  });
-  rt::send<void>(rt::send<Id>(self, "navigationController"), "pushViewController:animated:", picker,
-                 true);
+  rt::Strong picker = QBContactPickController::make(
+      std::move(items), [panel = rt::Weak(self)](const std::string& username) {
+        QBConfig::shared().addSecretUser(username);
+        secretListChanged();
+        if (rt::Strong p = panel.lock()) reload(p.get());
+      });
+  rt::send<void>(rt::send<Id>(self, "navigationController"),
+                 "pushViewController:animated:", picker.get(), true);
 }
 
 void QBPanelController::secretListChanged() {

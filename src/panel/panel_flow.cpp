@@ -5,6 +5,7 @@
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
 #include "panel/panel_controller.hpp"
+#include "rt/ownership.hpp"
 #include "rt/send.hpp"
 #include "sys/notifications.hpp"
 #include "sys/process_state.hpp"
@@ -21,7 +22,7 @@ using core::QBConfig;
 struct PanelFlowState {
   unsigned long current = 0;  // the number of the flow under way; 0 for none
   unsigned long issued = 0;
-  rt::Id sheet = nullptr;     // the presented navigation controller, while on screen
+  rt::Weak sheet;  // the presented navigation controller, while on screen
   bool departureInstalled = false;
 };
 
@@ -35,8 +36,10 @@ void leaveApp() {
   PanelFlowState& s = flowState();
   if (!s.current) return;
   triggers::QBAuth::cancelPrompt();
-  if (rt::Id sheet = std::exchange(s.sheet, nullptr))
-    if (rt::Id presenter = rt::send<rt::Id>(sheet, "presentingViewController"))
+  rt::Strong sheet = s.sheet.lock();
+  s.sheet = rt::Weak();
+  if (sheet)
+    if (rt::Id presenter = rt::send<rt::Id>(sheet.get(), "presentingViewController"))
       ui::dismiss(presenter, false, nullptr);
   lockAfterPanel(s.current);
 }
@@ -46,7 +49,7 @@ void leaveApp() {
 unsigned long beginPanelFlow() {
   PanelFlowState& s = flowState();
   s.current = ++s.issued;
-  s.sheet = nullptr;
+  s.sheet = rt::Weak();
   return s.current;
 }
 
@@ -54,12 +57,12 @@ bool panelFlowCurrent(unsigned long flow) { return flow && flowState().current =
 
 unsigned long currentPanelFlow() { return flowState().current; }
 
-void panelShown(rt::Id sheet) { flowState().sheet = sheet; }
+void panelShown(rt::Id sheet) { flowState().sheet = rt::Weak(sheet); }
 
 void endPanelFlow() {
   PanelFlowState& s = flowState();
   s.current = 0;
-  s.sheet = nullptr;
+  s.sheet = rt::Weak();
 }
 
 void lockAfterPanel(unsigned long flow) {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/utf8.hpp"
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
 #include "host/contact_info.hpp"
@@ -9,6 +10,7 @@
 #include "panel/panel_controller.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
+#include "sys/process_state.hpp"
 #include "triggers/schedule.hpp"
 #include "ui/tables.hpp"
 
@@ -92,8 +94,18 @@ rt::Id avatarImage(rt::Id avatar) {
   return ui::renderImage({44, 44}, 0, true, {ui::DrawImage{avatar, {{0, 0}, {44, 44}}, 12}});
 }
 
+// The secret each row showed when its cell was made: a swipe deletes the one
+// the user sees, though the list may have changed behind the table since.
+struct ShownSecrets {
+  std::vector<std::string> byRow;  // row 1 first
+};
+std::vector<std::string>& shownSecrets() { return sys::state<ShownSecrets>().byRow; }
+
 rt::Id secretCell(long row) {
   std::string username = secretAtRow(row);
+  std::vector<std::string>& shown = shownSecrets();
+  if (long(shown.size()) < row) shown.resize(std::size_t(row));
+  shown[std::size_t(row - 1)] = username;
   host::QBContactInfo info = host::QBContactInfo::infoForUsername(username);
   ui::CellSpec c;
   c.style = ui::CellStyle::Subtitle;
@@ -165,11 +177,26 @@ rt::Id cellIn(rt::Id panel, long section, long row) {
   return ui::makeCell(ui::CellSpec{});
 }
 
-void reloadOnly(rt::Id panel, long section) {
-  ui::reloadSection(rt::send<rt::Id>(panel, "tableView"), section, ui::RowAnimation::None);
-}
+void reloadOnly(rt::Id panel, long section) { reloadSectionOf(panel, section); }
 
 }  // namespace
+
+bool otherSectionsChanged(rt::Id table, long section) {
+  for (long s = 0; s < kSections; ++s)
+    if (s != section && ui::shownRowCount(table, s) != rowsInSection(s)) return true;
+  return false;
+}
+
+void reloadSectionOf(rt::Id panel, long section, ui::RowAnimation animation) {
+  rt::Id table = rt::send<rt::Id>(panel, "tableView");
+  // A list or mode changed behind the table (not through this panel) leaves
+  // other sections off their shown counts, and UIKit would throw into the
+  // host on a one-section update: show the whole table anew.
+  if (otherSectionsChanged(table, section))
+    rt::send<void>(table, "reloadData");
+  else
+    ui::reloadSection(table, section, animation);
+}
 
 long rowsInSection(long section) {
   bool schedule = scheduleMode();
@@ -296,8 +323,9 @@ void didSelect(rt::Id panel, long section, long row) {
       if (row == 2) {
         QBPanelController::askText(panel, "设置新口令", true, "至少 4 位",
                                    [](const std::string& text) {
-                                     // A short entry is dropped without a word, on purpose.
-                                     if (text.size() < kMinPasswordLength) return;
+                                     // A short entry is dropped without a word, on purpose;
+                                     // its length is NSString's, in UTF-16 units.
+                                     if (base::utf16Length(text) < kMinPasswordLength) return;
                                      config().setPassword(text);
                                      config().save();
                                    });
@@ -337,19 +365,23 @@ void deleteRow(rt::Id panel, long section, long row, const std::function<void(bo
       return;
     }
     triggers::QBSchedule::applyNow();
-    ui::reloadSection(table, kHide, ui::RowAnimation::Automatic);
+    reloadSectionOf(panel, kHide, ui::RowAnimation::Automatic);
     done(true);
     return;
   }
   long shown = ui::shownRowCount(table, section);
-  config().removeSecretUser(secretAtRow(row));
+  std::vector<std::string>& seen = shownSecrets();
+  bool wasShown = row >= 1 && row <= long(seen.size());
+  config().removeSecretUser(wasShown ? seen[std::size_t(row - 1)] : secretAtRow(row));
   QBPanelController::secretListChanged();
   // A list changed behind the table's back (not through this panel) cannot
   // lose one row cleanly, and UIKit would throw into the host: show it anew.
-  if (shown == rowsInSection(kSecrets) + 1)
+  if (shown == rowsInSection(kSecrets) + 1 && !otherSectionsChanged(table, section)) {
+    if (wasShown) seen.erase(seen.begin() + (row - 1));
     ui::deleteRow(table, section, row, ui::RowAnimation::Automatic);
-  else
-    ui::reloadSection(table, section, ui::RowAnimation::Automatic);
+  } else {
+    reloadSectionOf(panel, section, ui::RowAnimation::Automatic);
+  }
   done(true);
 }
 

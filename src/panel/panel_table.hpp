@@ -7,6 +7,7 @@
 #include <string>
 
 #include "rt/types.hpp"
+#include "ui/tables.hpp"
 
 namespace panel {
 
@@ -22,6 +23,10 @@ enum Section : long {
 };
 
 long rowsInSection(long section);
+// Reloads one section of the panel's table, or the whole table when another
+// section no longer has the rows it shows.
+void reloadSectionOf(rt::Id panel, long section,
+                     ui::RowAnimation animation = ui::RowAnimation::None);
 double rowHeight(long section, long row);
 // "" for no header / footer (the table then shows none).
 std::string headerTitle(long section);

@@ -6,6 +6,7 @@
 #include "core/config.hpp"
 #include "panel/panel_controller.hpp"
 #include "panel/panel_table.hpp"
+#include "rt/ownership.hpp"
 #include "rt/send.hpp"
 #include "sys/queue.hpp"
 #include "triggers/schedule.hpp"
@@ -18,35 +19,42 @@ namespace {
 
 using core::QBConfig;
 
-// What the sequence carries from step to step.
+// What the sequence carries from step to step. The panel is held weakly: if
+// it has gone (the app left) by the next step, the sequence ends there.
 struct Edit {
-  rt::Id panel;
+  rt::Weak panel;
   long index, start, end, mode;
   bool isAdd;
   long chosenStart = 0, chosenEnd = 0;
 };
 
 void finish(const Edit& e, long mode) {
+  rt::Strong panel = e.panel.lock();
+  if (!panel) return;
   QBConfig& c = QBConfig::shared();
   std::string message;
   bool ok = e.isAdd
                 ? c.addDailyWindowWithStart(e.chosenStart, e.chosenEnd, mode, &message)
                 : c.updateDailyWindowAtIndex(e.index, e.chosenStart, e.chosenEnd, mode, &message);
   if (!ok) {
-    QBPanelController::showTip(e.panel, message.empty() ? "时间无效" : message);
+    QBPanelController::showTip(panel.get(), message.empty() ? "时间无效" : message);
     return;
   }
   triggers::QBSchedule::applyNow();
-  ui::reloadSection(rt::send<rt::Id>(e.panel, "tableView"), kHide, ui::RowAnimation::None);
+  reloadSectionOf(panel.get(), kHide);
 }
 
 void askMode(std::shared_ptr<Edit> e) {
-  QBPanelController::pickWindowMode(e->panel, e->mode, "③ 这段时间要",
+  rt::Strong panel = e->panel.lock();
+  if (!panel) return;
+  QBPanelController::pickWindowMode(panel.get(), e->mode, "③ 这段时间要",
                                     [e](long mode) { finish(*e, mode); });
 }
 
 void askEnd(std::shared_ptr<Edit> e) {
-  QBPanelController::pickMinute(e->panel, e->end, e->isAdd ? "② 选择结束时间" : "② 修改结束时间",
+  rt::Strong panel = e->panel.lock();
+  if (!panel) return;
+  QBPanelController::pickMinute(panel.get(), e->end, e->isAdd ? "② 选择结束时间" : "② 修改结束时间",
                                 [e](long end) {
                                   e->chosenEnd = end;
                                   QBPanelController::presentNextAfterDelay([e] { askMode(e); });
@@ -57,7 +65,7 @@ void askEnd(std::shared_ptr<Edit> e) {
 
 void QBPanelController::editDailyWindowAtIndex(rt::Id self, long index, long start, long end,
                                                long mode, bool isAdd) {
-  auto e = std::make_shared<Edit>(Edit{self, index, start, end, mode, isAdd});
+  auto e = std::make_shared<Edit>(Edit{rt::Weak(self), index, start, end, mode, isAdd});
   pickMinute(self, start, isAdd ? "① 选择开始时间" : "① 修改开始时间", [e](long chosen) {
     e->chosenStart = chosen;
     presentNextAfterDelay([e] { askEnd(e); });
@@ -101,8 +109,7 @@ void QBPanelController::askText(rt::Id self, const std::string& title, bool secu
 
 void QBPanelController::presentNextAfterDelay(std::function<void()> block) {
   if (!block) return;
-  // Should the panel close meanwhile (the app left), UIKit refuses the next
-  // dialog: the panel is no longer on screen to present it.
+  // Should the panel close meanwhile (the app left), the next step finds it gone.
   sys::after(kNextDialogDelay, std::move(block));
 }
 

@@ -7,6 +7,7 @@
 #include "host/hook.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/process_state.hpp"
@@ -22,14 +23,17 @@ namespace {
 using core::QBConfig;
 
 // The password prompt on screen, until it is answered.
+// The prompt on screen, held weakly: its presenter owns it, and it is gone
+// once dismissed.
 struct PromptState {
-  rt::Id alert = nullptr;
+  rt::Weak alert;
 };
 
 // The prompt has left the screen (a button, or taken away).
 void forgetPrompt(rt::Id alert) {
   PromptState& p = sys::state<PromptState>();
-  if (p.alert == alert) p.alert = nullptr;
+  rt::Strong shown = p.alert.lock();
+  if (!shown || shown.get() == alert) p.alert = rt::Weak();
 }
 
 void suppressWhileOnScreen() {
@@ -84,13 +88,14 @@ void QBAuth::askPassword(AuthCompletion completion) {
     once(false);
     return;
   }
-  sys::state<PromptState>().alert = alert;
+  sys::state<PromptState>().alert = rt::Weak(alert);
 }
 
 void QBAuth::cancelPrompt() {
-  rt::Id alert = std::exchange(sys::state<PromptState>().alert, nullptr);
+  rt::Strong alert = sys::state<PromptState>().alert.lock();
+  sys::state<PromptState>().alert = rt::Weak();
   // Dismissing it without a button answers NO through the prompt's own watch.
-  if (alert) ui::dismiss(alert, false, nullptr);
+  if (alert) ui::dismiss(alert.get(), false, nullptr);
 }
 
 void QBAuth::authenticateBiometricReason(const std::string& reason, AuthCompletion completion) {

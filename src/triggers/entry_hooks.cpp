@@ -1,12 +1,16 @@
 #include "triggers/entry_hooks.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 #include <optional>
 #include <regex>
+#include <vector>
 
 #include "host/hook.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/bundle.hpp"
@@ -23,8 +27,16 @@ namespace {
 using rt::Id;
 using rt::SEL;
 
+// The page a navigation bar's recognizer counts for. The bar outlives each
+// About page on it, so every new page takes the recognizer over.
+struct BarTarget {
+  rt::Weak bar;
+  std::shared_ptr<rt::Weak> page;
+};
+
 struct EntryState {
   bool installed = false;
+  std::vector<BarTarget> barTargets;
   long tapCount = 0;
   double lastTapAt = 0;
   host::Hook<void()> viewDidLoad;
@@ -52,16 +64,21 @@ const std::optional<std::regex>& versionPattern() {
   return *s.versionPattern;
 }
 
-// The page is held weakly by the delayed attaches: gone means nothing to do.
+// The page is held weakly by the delayed attaches: a user who backed out
+// within the delay has freed it, and then there is nothing to do.
 void attachLater(Id page, double delay) {
-  sys::after(delay, [page] {
-    if (page) QBEntryHooks::attachAboutEntryGestures(page);
+  sys::after(delay, [weak = rt::Weak(page)] {
+    rt::Strong p = weak.lock();
+    if (!p) return;
+    // Nothing may escape a main-queue block into the host.
+    host::guarded("[QB] about attach ex: %@",
+                  [&] { QBEntryHooks::attachAboutEntryGestures(p.get()); });
   });
 }
 
 void aboutViewDidLoad(Id self, SEL cmd) {
   state().viewDidLoad.run(
-      nullptr,
+      "[QB] about viewDidLoad ex: %@",
       [&](auto& original) {
         original();
         attachLater(self, kEntryLoadAttachDelay);
@@ -71,7 +88,7 @@ void aboutViewDidLoad(Id self, SEL cmd) {
 
 void aboutViewDidAppear(Id self, SEL cmd, bool animated) {
   state().viewDidAppear.run(
-      nullptr,
+      "[QB] about viewDidAppear ex: %@",
       [&](auto& original) {
         original(animated);
         // The host builds the page's labels late; the markers make repeats harmless.
@@ -128,17 +145,33 @@ bool QBEntryHooks::isVersionText(const std::string& text, const std::string& ver
   return pattern && std::regex_search(text, *pattern);
 }
 
+// The recognizers hold the page weakly, as a recognizer holds its target: the
+// bar's stays on the navigation bar after the page is gone, and counts for the
+// page shown on it last.
 void QBEntryHooks::attachAboutEntryGestures(Id page) {
   Id nav = rt::send<Id>(page, "navigationController");
   Id bar = nav ? rt::send<Id>(nav, "navigationBar") : nullptr;
-  if (bar && !rt::getAssociatedObject(bar, &kNavMarker)) {
-    Id g = ui::addTap(bar, false, [page, bar](Id r) { onNavTap(page, r, bar); });
-    rt::setAssociatedObject(bar, &kNavMarker, g);
+  if (bar) {
+    std::vector<BarTarget>& targets = state().barTargets;
+    std::erase_if(targets, [](const BarTarget& t) { return !t.bar.lock(); });
+    auto it = std::find_if(targets.begin(), targets.end(),
+                           [&](const BarTarget& t) { return t.bar.lock().get() == bar; });
+    if (it != targets.end()) *it->page = rt::Weak(page);
+    if (!rt::getAssociatedObject(bar, &kNavMarker)) {
+      auto target = std::make_shared<rt::Weak>(page);
+      Id g = ui::addTap(bar, false, [target, bar](Id r) {
+        if (rt::Strong p = target->lock()) onNavTap(p.get(), r, bar);
+      });
+      rt::setAssociatedObject(bar, &kNavMarker, g);
+      targets.push_back({rt::Weak(bar), target});
+    }
   }
   std::string hint = sys::mainBundleString("CFBundleShortVersionString");
   walkAttachVersionLabels(page, rt::send<Id>(page, "view"), hint, 0);
   if (!rt::getAssociatedObject(page, &kPageMarker)) {
-    Id g = ui::addTap(rt::send<Id>(page, "view"), false, [page](Id r) { onPageTap(page, r); });
+    Id g = ui::addTap(rt::send<Id>(page, "view"), false, [weak = rt::Weak(page)](Id r) {
+      if (rt::Strong p = weak.lock()) onPageTap(p.get(), r);
+    });
     rt::setAssociatedObject(page, &kPageMarker, g);
   }
 }
@@ -152,7 +185,9 @@ void QBEntryHooks::walkAttachVersionLabels(Id page, Id view, const std::string& 
       rt::send<void>(view, "setUserInteractionEnabled:", true);
       if (!rt::getAssociatedObject(view, &kLabelMarker)) {
         // Unlike the other two, this one keeps UIKit's default cancelsTouchesInView (on purpose).
-        Id g = ui::addTap(view, true, [page](Id r) { onVersionTap(page, r); });
+        Id g = ui::addTap(view, true, [weak = rt::Weak(page)](Id r) {
+          if (rt::Strong p = weak.lock()) onVersionTap(p.get(), r);
+        });
         rt::setAssociatedObject(view, &kLabelMarker, g);
       }
     }

@@ -7,6 +7,7 @@
 #include "host/runtime_toolkit.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/clock.hpp"
@@ -49,7 +50,11 @@ void qbUnlockViewDidAppear(rt::Id self, rt::SEL cmd, bool animated) {
       nullptr,
       [&](host::Hook<void(bool)>::Original& original) {
         original(animated);
-        if (isLongPressScreen(self)) sys::async([self] { QBUnlock::attachLongPressToVC(self); });
+        // Held weakly: a chat left within the turn is gone by then.
+        if (isLongPressScreen(self))
+          sys::async([screen = rt::Weak(self)] {
+            if (rt::Strong vc = screen.lock()) QBUnlock::attachLongPressToVC(vc.get());
+          });
       },
       self, cmd, animated);
 }

@@ -20,6 +20,8 @@ struct TextFieldSpec {
   bool clearButtonWhileEditing = false;
 };
 
+// An empty title or message is nil (no line at all, as UIKit lays it out),
+// never an empty string.
 rt::Id makeAlert(const std::string& title, const std::string& message);
 void addTextField(rt::Id alert, const TextFieldSpec& spec);
 // The handler runs once the alert has been dismissed, as UIKit does.

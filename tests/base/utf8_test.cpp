@@ -92,4 +92,14 @@ TEST(Utf8, AsciiIsJudgedAtEveryPositionAndLength) {
   EXPECT_FALSE(base::isAscii("密友"));
 }
 
+TEST(Utf8, TrimsWhatFoundationCallsWhitespaceAndCountsAsNSStringDoes) {
+  EXPECT_EQ(base::trimWhitespaceAndNewlines("\u3000 abc\u00A0\u2029\n"), "abc");
+  EXPECT_EQ(base::trimWhitespaceAndNewlines("a\u3000b"), "a\u3000b");
+  EXPECT_EQ(base::trimWhitespaceAndNewlines("\u2003\u0085\t"), "");
+  EXPECT_EQ(base::trimWhitespaceAndNewlines("\u200B"), "\u200B");  // zero width: not a blank
+  EXPECT_EQ(base::utf16Length("密码"), 2u);
+  EXPECT_EQ(base::utf16Length("a\U0001F600"), 3u);
+  EXPECT_EQ(base::utf16Length(""), 0u);
+}
+
 }  // namespace

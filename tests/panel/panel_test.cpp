@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "panel/panel_world.hpp"
+#include "rt/exception.hpp"
+#include "rt/ownership.hpp"
 #include "sim/process.hpp"
+#include "ui/tables.hpp"
 
 namespace {
 
@@ -53,6 +56,9 @@ TEST_F(Panel, ScheduleModeReshapesSectionsOneAndTwo) {
   std::string msg;
   ASSERT_TRUE(config().addDailyWindowWithStart(1320, 360, 1, &msg)) << msg;
   ASSERT_TRUE(config().addDailyWindowWithStart(360, 400, 1, &msg)) << msg;
+  // Changed behind the table's back: it shows what its cells were made with until reloaded.
+  EXPECT_EQ(shown(p)[2].rows.size(), 2u);
+  process->runGuarded([&] { rt::send<void>(p, "reload"); });
   sections = shown(p);
   ASSERT_EQ(sections[2].rows.size(), 3u);  // three windows: no add row
   EXPECT_EQ(sections[2].rows[2].title, "时段 3");
@@ -86,13 +92,48 @@ TEST_F(Panel, DeletingASecretAfterTheListChangedBehindTheTableKeepsTheHostAlive)
   rt::Id p = openPanel();
   ASSERT_TRUE(tap(p, 0, 0));  // the table shows its rows
   config().addSecretUser("carol");
+  config().addSecretUser("dave");
+  EXPECT_EQ(shown(p)[7].rows.size(), 2u);
+  EXPECT_EQ(shown(p)[7].rows[1].detail, "bob");
   EXPECT_TRUE(swipe(p, 7, 1));
   EXPECT_FALSE(process->crashed()) << process->crashReason();
+  EXPECT_FALSE(config().isSecretUser("bob")) << "the row the user swiped showed bob";
+  EXPECT_EQ(config().secretCount(), 2);
+  auto rows = shown(p)[7].rows;
+  ASSERT_EQ(rows.size(), 3u);
+  std::string first = rows[1].detail;
+  EXPECT_TRUE(swipe(p, 7, 1));  // the table is in step again
+  EXPECT_FALSE(config().isSecretUser(first));
   EXPECT_EQ(config().secretCount(), 1);
   EXPECT_EQ(shown(p)[7].rows.size(), 2u);
-  EXPECT_TRUE(swipe(p, 7, 1));  // the table is in step again
-  EXPECT_EQ(config().secretCount(), 0);
   EXPECT_FALSE(process->crashed()) << process->crashReason();
+}
+
+TEST_F(Panel, ARowShowsWhatItWasMadeWithUntilItsSectionIsReloaded) {
+  rt::Id p = openPanel();
+  EXPECT_EQ(shown(p)[3].rows[2].state, "checked");  // 不通知, the default
+  config().setSecretNotifyMode(2);                  // behind the table's back
+  EXPECT_EQ(shown(p)[3].rows[2].state, "checked");
+  EXPECT_EQ(shown(p)[3].rows[0].state, "");
+  tap(p, 6, 1);  // another section's reload leaves this one as it was
+  EXPECT_EQ(shown(p)[6].rows[1].state, "checked");
+  EXPECT_EQ(shown(p)[3].rows[2].state, "checked");
+  tap(p, 3, 1);
+  EXPECT_EQ(shown(p)[3].rows[1].state, "checked");
+  EXPECT_EQ(shown(p)[3].rows[2].state, "");
+}
+
+TEST_F(Panel, AOneSectionUpdateWithAnotherSectionChangedRaisesAndThePanelReloadsAll) {
+  rt::Id p = openPanel();
+  ASSERT_EQ(shown(p)[7].rows.size(), 1u);
+  config().addSecretUser("bob");  // the list changes outside the panel
+  rt::Id table = sim::tableOf(p);
+  EXPECT_THROW(ui::reloadSection(table, 3, ui::RowAnimation::None), rt::Exception);
+  tap(p, 5, 1);  // the panel's own one-section update shows the whole table anew
+  EXPECT_FALSE(process->crashed()) << process->crashReason();
+  auto rows = shown(p);
+  EXPECT_EQ(rows[7].rows.size(), 2u);
+  EXPECT_EQ(rows[5].rows[1].state, "checked");
 }
 
 TEST_F(Panel, NotifyRowsSetTheModeAndTheBackgroundFlagAndSaveAtOnce) {
@@ -150,6 +191,21 @@ TEST_F(Panel, AShortPasswordIsDroppedSilentlyAndFourCharactersAreSaved) {
   EXPECT_EQ(config().password(), "1234");
 }
 
+TEST_F(Panel, APasswordIsAsLongAsNSStringCountsIt) {
+  rt::Id p = openPanel();
+  auto enter = [&](const std::string& text) {
+    tap(p, 5, 2);
+    type(text);
+    press("确定");
+  };
+  enter("密码");  // two characters, six bytes
+  EXPECT_EQ(config().password(), core::kDefaultPassword);
+  enter("\U0001F600\U0001F600");  // two emoji, four UTF-16 units
+  EXPECT_EQ(config().password(), "\U0001F600\U0001F600");
+  enter("口令密码");
+  EXPECT_EQ(config().password(), "口令密码");
+}
+
 TEST_F(Panel, OpeningRevealsAndHoldsBothFlagsUntilDone) {
   config().addSecretUser("bob");
   rt::Id p = openPanel();
@@ -193,13 +249,14 @@ TEST_F(Panel, LeavingTheAppTakesTheSheetAndTheDialogAboveItAtOnce) {
   config().addSecretUser("bob");
   rt::Id p = openPanel();
   ASSERT_TRUE(tap(p, 5, 2));  // the new-password dialog, presented by the panel
-  rt::Id dialog = top();
-  ASSERT_TRUE(rt::isKindOf(dialog, "UIAlertController"));
+  rt::Weak dialog(top());
+  rt::Weak panel(p);
+  ASSERT_TRUE(rt::isKindOf(dialog.lock().get(), "UIAlertController"));
   ASSERT_TRUE(process->enterBackground());
   EXPECT_FALSE(config().unlocked()) << "before the system's picture, not after an animation";
   EXPECT_EQ(host.lastSnapshot().screen, "main") << "neither the panel nor its dialog";
-  EXPECT_EQ(rt::send<rt::Id>(dialog, "presentingViewController"), nullptr);
-  EXPECT_EQ(rt::send<rt::Id>(p, "presentedViewController"), nullptr);
+  EXPECT_FALSE(dialog.lock()) << "dismissed, and freed with its turn";
+  EXPECT_FALSE(panel.lock());
   ASSERT_TRUE(process->enterForeground());
   wait(1);
   EXPECT_FALSE(config().suppressAutoLock());

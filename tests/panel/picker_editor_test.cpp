@@ -16,6 +16,10 @@ TEST(PickFilter, MatchesAnyFieldIgnoringCaseAndBlanks) {
   std::vector<PickItem> items = {
       {"wxid_tom", "Boss", "Tom", "xabcx"}, {"zed_007", "Zed", "", ""}, {"amy", "Amy", "", ""}};
   EXPECT_EQ(QBContactPickController::filter(items, "   \n").size(), 3u);
+  // Blanks from other keyboards: the full-width space, the no-break space.
+  EXPECT_EQ(QBContactPickController::filter(items, "\u3000").size(), 3u);
+  EXPECT_EQ(QBContactPickController::filter(items, "\u00A0 \u3000").size(), 3u);
+  EXPECT_EQ(QBContactPickController::filter(items, "\u3000abc\u2029").size(), 1u);
   auto abc = QBContactPickController::filter(items, " ABC ");
   ASSERT_EQ(abc.size(), 1u);
   EXPECT_EQ(abc[0].username, "wxid_tom");
@@ -98,6 +102,7 @@ TEST_F(Picker, NothingToOfferShowsATip) {
   tap(p, 7, 0);
   ASSERT_NE(alert(), nullptr);
   EXPECT_EQ(alert()->message, "未读到通讯录联系人");
+  EXPECT_EQ(rt::send<rt::Id>(top(), "title"), nullptr) << "a tip has no title, not an empty one";
   press("好");
   EXPECT_EQ(top(), p);
 }

@@ -18,6 +18,7 @@ class SimWorld : public ::testing::Test {
   // Type mismatches raise inside the runtime and may be swallowed by the code
   // under test; this makes any of them fail the test that caused it.
   void TearDown() override {
+    EXPECT_FALSE(process.crashed()) << process.crashReason();
     if (!expectViolations_) {
       for (const auto& v : process.runtime().violations())
         ADD_FAILURE() << "runtime type mismatch: " << v;

@@ -6,6 +6,7 @@
 #include "core/config.hpp"
 #include "hostapp/about_page.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/uikit/interaction.hpp"
@@ -178,6 +179,47 @@ TEST_F(EntryMissing, AHostWithoutTheAboutPageGetsNoHooks) {
   EXPECT_EQ(countLog("[QB] entry = "), 0);
   EXPECT_FALSE(
       rt::instancesRespondTo(rt::getClass("UIViewController"), rt::sel("qb_about_viewDidLoad")));
+}
+
+TEST_F(Entry, BackingOutBeforeTheLateAttachesFreesThePageAndLeavesTheHostWorking) {
+  process->runGuarded([&] { page = hostapp::openAbout(host); });
+  rt::Weak weak(page);
+  wait(0.2);
+  process->runGuarded([&] { host.popToRoot(); });
+  EXPECT_FALSE(weak.lock()) << "the navigation controller was its last owner";
+  wait(2);
+  EXPECT_FALSE(process->crashed()) << process->crashReason();
+  openAbout();  // a new page gets its entry as before
+  EXPECT_EQ(recognizers(view()), 1);
+}
+
+TEST_F(Entry, TheBarKeepsItsRecognizerAfterThePageAndCountsForTheNextPage) {
+  openAbout();
+  rt::Id navBar = bar();
+  rt::Weak weak(page);
+  process->runGuarded([&] { host.popToRoot(); });
+  ASSERT_FALSE(weak.lock());
+  EXPECT_EQ(recognizers(navBar), 1);
+  process->runGuarded([&] {
+    sim::tapAt(navBar, {sim::viewState(navBar)->frame.size.width / 2, 20});
+  });
+  EXPECT_EQ(QBEntryHooks::tapCount(), 0);
+  openAbout();  // the next page on the same bar takes its recognizer over
+  EXPECT_EQ(bar(), navBar);
+  EXPECT_EQ(recognizers(navBar), 1);
+  process->runGuarded([&] { tapNav(0); });
+  EXPECT_EQ(QBEntryHooks::tapCount(), 1);
+}
+
+TEST_F(Entry, AFailureInTheLifecycleBodiesIsLoggedAndTheHostGoesOn) {
+  rt::Method bar =
+      rt::getInstanceMethod(rt::getClass("UINavigationController"), rt::sel("navigationBar"));
+  process->runtime().makeRaising(rt::methodImplementation(bar), "no bar");
+  openAbout();
+  wait(1);
+  EXPECT_GE(countLog("[QB] about viewDidAppear ex: "), 1);
+  EXPECT_GE(countLog("[QB] about attach ex: "), 1);
+  EXPECT_EQ(sim::topController(), page);
 }
 
 TEST_F(Entry, InstallLogsTheEntryOnce) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "base/format.hpp"
+#include "base/utf8.hpp"
 #include "base/value.hpp"
 #include "commands.hpp"
 #include "core/config.hpp"
@@ -86,7 +87,7 @@ void applySetting(QBConfig& c, const Command& cmd, bool running) {
   };
   if (key == "password") {
     // The panel keeps only passwords of at least 4 characters, silently.
-    if (value.size() >= 4) c.setPassword(value);
+    if (base::utf16Length(value) >= 4) c.setPassword(value);
   } else if (key == "shakeToggle") {
     c.setShakeToggleEnabled(needBool());
   } else if (key == "shakeHide") {

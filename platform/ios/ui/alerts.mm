@@ -74,9 +74,10 @@ Class watchedAlertClass() {
 }  // namespace
 
 rt::Id makeAlert(const std::string& title, const std::string& message) {
-  return ios::handle([UIAlertController alertControllerWithTitle:ios::ns(title)
-                                                         message:ios::ns(message)
-                                                  preferredStyle:UIAlertControllerStyleAlert]);
+  return ios::handle([UIAlertController
+      alertControllerWithTitle:title.empty() ? nil : ios::ns(title)
+                       message:message.empty() ? nil : ios::ns(message)
+                preferredStyle:UIAlertControllerStyleAlert]);
 }
 
 void addTextField(rt::Id alert, const TextFieldSpec& spec) {

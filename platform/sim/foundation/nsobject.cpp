@@ -8,10 +8,12 @@
 #include "rt/encoding.hpp"
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
 #include "sim/foundation.hpp"
+#include "sim/process.hpp"
 #include "sim/runtime.hpp"
 
 namespace sim {
@@ -255,6 +257,20 @@ bool accessInstanceVariablesDirectly(Id, SEL) { return true; }
 Id alloc(Id self, SEL) { return rt::createInstance(static_cast<rt::Class>(self)); }
 Id newObject(Id self, SEL) { return rt::send<Id>(alloc(self, nullptr), "init"); }
 Id init(Id self, SEL) { return self; }
+// The end of every dealloc chain: the object lets go of its associated
+// objects and of the C++ state behind it (blocks it held included), and stays
+// behind, freed, to name itself if a message still reaches it.
+void dealloc(Id self, SEL) {
+  std::vector<rt::Object::Association> associated;
+  associated.swap(self->associated);
+  for (const auto& a : associated)
+    if (a.retained) rt::detail::release(a.value);
+  currentProcess().platform().objectExtras.erase(self);
+  std::any state;
+  state.swap(self->native);
+  state.reset();
+  self->freed = true;
+}
 Id copy(Id self, SEL) { return self; }
 rt::Class classOfInstance(Id self, SEL) { return self->isa; }
 rt::Class classOfClass(Id self, SEL) { return static_cast<rt::Class>(self); }
@@ -284,6 +300,7 @@ void registerNSObject(Runtime& rtm) {
           .classMethod("class", classOfClass)
           .classMethod("instancesRespondToSelector:", instancesRespondToSelector)
           .method("init", init)
+          .method("dealloc", dealloc)
           .method("copy", copy)
           .method("class", classOfInstance)
           .method("isKindOfClass:", isKindOfClass)

@@ -2,8 +2,10 @@
 
 #include "hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "sys/queue.hpp"
 #include "ui/colors.hpp"
@@ -54,7 +56,10 @@ void buildLabels(Id page) {
 
 void aboutViewDidLoad(Id self, SEL) {
   rt::send<void>(self, "setTitle:", rt::str("关于微信"));
-  sys::after(kAboutLabelsDelay, [self] { buildLabels(self); });
+  // The host's own late build holds the page weakly: a page left early builds nothing.
+  sys::after(kAboutLabelsDelay, [page = rt::Weak(self)] {
+    if (rt::Strong p = page.lock()) buildLabels(p.get());
+  });
 }
 void aboutViewDidAppear(Id, SEL, bool) {}
 
@@ -82,7 +87,8 @@ Id openAbout(HostApp& app) {
   app.selectTab(0);
   app.popToRoot();
   Id nav = rt::send<Id>(app.tabs(), "selectedViewController");
-  Id page = rt::send<Id>(cls, "new");
+  // The navigation controller owns it from here: leaving the page frees it.
+  Id page = sim::autorelease(rt::send<Id>(cls, "new"));
   rt::send<void>(nav, "pushViewController:animated:", page, true);
   sim::appear(page);
   return page;

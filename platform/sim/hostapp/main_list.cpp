@@ -11,6 +11,7 @@
 #include "sim/foundation.hpp"
 #include "sim/runtime.hpp"
 #include "sim/uikit/tables.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/uikit/uikit.hpp"
 
 namespace hostapp {
@@ -228,7 +229,7 @@ void HostApp::openChat(const std::string& username) {
   selectTab(0);
   Id nav = rt::send<Id>(tabs_, "selectedViewController");
   popToRoot();
-  Id chat = rt::send<Id>(cls, "new");
+  Id chat = sim::autorelease(rt::send<Id>(cls, "new"));  // owned by the stack it goes on
   setIvar(chat, "m_nsUsrName", rt::str(username));
   model.noteRecentChat(username);
   rt::send<void>(nav, "pushViewController:animated:", chat, true);

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
@@ -69,6 +70,11 @@ Id imageWithContentsOfFile(Id, SEL, Id path) {
 
 }  // namespace
 
+void superDealloc(Id self, SEL cmd, const char* cls) {
+  rt::Method m = rt::getInstanceMethod(rt::superclass(rt::getClass(cls)), cmd);
+  if (m) rt::call<void>(rt::methodImplementation(m), self, cmd);
+}
+
 ViewState* viewState(Id view) {
   if (!view) return nullptr;
   if (!native<ViewState>(view)) view->native = ViewState{};
@@ -115,8 +121,9 @@ void disappear(Id controller) {
   rt::send<void>(controller, "viewDidDisappear:", false);
 }
 
+// The presenter owns what it presents until it is dismissed.
 void present(Id presenter, Id presented) {
-  controllerState(presenter)->presented = presented;
+  controllerState(presenter)->presented = rt::detail::retain(presented);
   controllerState(presented)->presenting = presenter;
   appear(presented);
 }

@@ -1,11 +1,14 @@
 // UIViewController and its containers, UINavigationController and
 // UITabBarController: the tree the system walks to find screens.
 #include <algorithm>
+#include <utility>
 
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
 #include "sim/uikit/uikit.hpp"
 
@@ -30,15 +33,41 @@ bool isViewLoaded(Id self, SEL) { return c(self).viewLoaded; }
 void lifecycle(Id, SEL) {}
 void appearance(Id, SEL, bool) {}
 Id childViewControllers(Id self, SEL) { return rt::array(c(self).children); }
+// A container owns its children (a navigation controller its stack).
 void addChildViewController(Id self, SEL, Id child) {
   if (!child || child == self) return;
-  if (Id old = c(child).parent) std::erase(c(old).children, child);
+  if (Id old = c(child).parent)
+    std::erase(c(old).children, child);  // moves, with the one retain it has
+  else
+    rt::detail::retain(child);
   c(child).parent = self;
   c(self).children.push_back(child);
 }
 void removeFromParentViewController(Id self, SEL) {
-  if (Id p = c(self).parent) std::erase(c(p).children, self);
+  Id p = c(self).parent;
+  if (!p) return;
+  std::erase(c(p).children, self);
   c(self).parent = nullptr;
+  rt::detail::release(self);
+}
+// A controller owns its view, its navigation bar, its children and what it
+// presents.
+void controllerDealloc(Id self, SEL cmd) {
+  ControllerState& s = c(self);
+  std::vector<Id> children;
+  children.swap(s.children);
+  s.viewControllers.clear();
+  for (Id child : children) {
+    c(child).parent = nullptr;
+    rt::detail::release(child);
+  }
+  if (Id p = std::exchange(s.presented, nullptr)) {
+    c(p).presenting = nullptr;
+    rt::detail::release(p);
+  }
+  rt::detail::release(std::exchange(s.view, nullptr));
+  rt::detail::release(std::exchange(s.navigationBar, nullptr));
+  superDealloc(self, cmd, "UIViewController");
 }
 Id parentViewController(Id self, SEL) { return c(self).parent; }
 Id presentedViewController(Id self, SEL) { return c(self).presented; }
@@ -52,7 +81,10 @@ Id title(Id self, SEL) { return rt::str(c(self).title); }
 void setTitle(Id self, SEL, Id t) { c(self).title = rt::asString(t).value_or(""); }
 
 void setStack(Id self, const std::vector<Id>& list) {
-  for (Id old : c(self).children) c(old).parent = nullptr;
+  for (Id old : c(self).children) {
+    c(old).parent = nullptr;
+    sim::autorelease(old);  // the new stack may hold it again
+  }
   c(self).children.clear();
   c(self).viewControllers.clear();
   for (Id vc : list) {
@@ -84,6 +116,8 @@ Id popViewController(Id self, SEL, bool) {
   if (stack.size() <= 1) return nullptr;
   Id top = stack.back();
   stack.pop_back();
+  // Handed back to the caller for this turn, as UIKit's autoreleased return.
+  sim::autorelease(rt::detail::retain(top));
   removeFromParentViewController(top, nullptr);
   return top;
 }
@@ -109,6 +143,7 @@ void setSelectedIndex(Id self, SEL, unsigned long i) { c(self).selectedIndex = l
 void registerControllers(Runtime&) {
   ClassBuilder("UIResponder").build();
   ClassBuilder("UIViewController", "UIResponder")
+      .method("dealloc", controllerDealloc)
       .method("view", view)
       .method("isViewLoaded", isViewLoaded)
       .method("viewDidLoad", lifecycle)

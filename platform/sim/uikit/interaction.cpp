@@ -9,6 +9,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/process.hpp"
 #include "sim/runtime.hpp"
 #include "sim/uikit/interaction.hpp"
@@ -40,11 +41,23 @@ GestureState& gestureOf(Id g) {
 Id textFieldText(Id self, SEL) { return rt::str(viewState(self)->text); }
 void setTextFieldText(Id self, SEL, Id t) { viewState(self)->text = rt::asString(t).value_or(""); }
 long recognizerState(Id self, SEL) { return gestureOf(self).state; }
+// Nil for an alert made without a title or a message.
+Id alertTitle(Id self, SEL) {
+  const AlertState& a = alertOf(self);
+  return a.title.empty() ? nullptr : rt::str(a.title);
+}
+Id alertMessage(Id self, SEL) {
+  const AlertState& a = alertOf(self);
+  return a.message.empty() ? nullptr : rt::str(a.message);
+}
 
 }  // namespace
 
 void registerInteraction(Runtime&) {
-  ClassBuilder("UIAlertController", "UIViewController").build();
+  ClassBuilder("UIAlertController", "UIViewController")
+      .method("title", alertTitle)
+      .method("message", alertMessage)
+      .build();
   ClassBuilder("UIAlertAction").build();
   ClassBuilder("UITextField", "UIView")
       .method("text", textFieldText)
@@ -86,6 +99,7 @@ void dismissPresented(Id controller) {
     AlertState* a = alertState(controller);
     if (a && !a->actionTaken && a->onGoneWithoutAction)
       std::exchange(a->onGoneWithoutAction, nullptr)();
+    sim::autorelease(controller);  // the presenter's hold, kept to the end of the turn
   }
 }
 
@@ -113,8 +127,9 @@ void typeIntoAlert(Id alert, const std::string& text) {
 
 namespace ui {
 
+// Autoreleased, as alertControllerWithTitle:message:preferredStyle: returns it.
 rt::Id makeAlert(const std::string& title, const std::string& message) {
-  rt::Id alert = sim::newObject("UIAlertController");
+  rt::Id alert = sim::autorelease(sim::newObject("UIAlertController"));
   sim::AlertState& a = sim::alertOf(alert);
   a.title = title;
   a.message = message;
@@ -184,7 +199,7 @@ rt::Id addLongPress(rt::Id view, double minimumPressDuration, bool cancelsTouche
   s.cancelsTouchesInView = cancelsTouchesInView;
   s.action = std::move(action);
   rt::send<void>(view, "addGestureRecognizer:", g);
-  return g;
+  return sim::autorelease(g);  // the view owns it
 }
 
 GestureState gestureState(rt::Id recognizer) {

@@ -8,6 +8,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/uikit/interaction.hpp"
 #include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
@@ -197,7 +198,10 @@ rt::Id installSearch(rt::Id controller, const SearchSpec& spec,
   s.spec = spec;
   s.update = std::move(update);
   sim::extra<sim::ScreenState>(controller).searchController = search;
-  return search;
+  // The navigation item holds it for as long as its controller lives.
+  static const char kOwnedSearch = 0;
+  rt::setAssociatedObject(controller, &kOwnedSearch, search);
+  return sim::autorelease(search);
 }
 
 rt::Id addTap(rt::Id view, bool cancelsTouchesInView,
@@ -207,7 +211,7 @@ rt::Id addTap(rt::Id view, bool cancelsTouchesInView,
   s.cancelsTouchesInView = cancelsTouchesInView;
   s.action = std::move(action);
   rt::send<void>(view, "addGestureRecognizer:", g);
-  return g;
+  return sim::autorelease(g);  // the view owns it
 }
 
 rt::CGPoint locationInView(rt::Id recognizer, rt::Id view) {

@@ -5,12 +5,15 @@
 #include "sim/uikit/tables.hpp"
 
 #include <cstdio>
+#include <utility>
 
 #include "rt/exception.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "ui/views.hpp"
 #include "base/utf8.hpp"
@@ -45,7 +48,6 @@ Id tableControllerView(Id self, SEL) {
 Id tableView(Id self, SEL) { return rt::send<Id>(self, "view"); }
 
 void deselectRow(Id, SEL, Id, bool) {}
-Id dequeueReusable(Id, SEL, Id) { return nullptr; }  // a fresh table has nothing to reuse
 
 rt::IMP hostReloadData = nullptr;
 long askRows(Id table, long section) {
@@ -58,20 +60,118 @@ long askSections(Id table) {
              ? rt::send<long>(ds, "numberOfSectionsInTableView:", table)
              : 1;
 }
+// A section's cells leave the screen: those with a reuse identifier wait to
+// be dequeued, the others go.
+void dropSection(TableState& t, std::size_t section) {
+  if (section >= t.shown.size()) return;
+  ShownTableSection& shown = t.shown[section];
+  for (Id cell : shown.cells) {
+    CellState* c = findExtra<CellState>(cell);
+    if (c && !c->reuseIdentifier.empty())
+      t.reusable[c->reuseIdentifier].push_back(cell);  // with the table's retain
+    else
+      rt::detail::release(cell);
+  }
+  shown = ShownTableSection{};
+}
 void recordCounts(Id table) {
   TableState& t = extra<TableState>(table);
+  for (std::size_t s = 0; s < t.shown.size(); ++s) dropSection(t, s);
+  t.shown.clear();
   t.rowCounts.clear();
   if (!rt::send<Id>(table, "dataSource")) return;
   for (long s = 0, n = askSections(table); s < n; ++s) t.rowCounts.push_back(askRows(table, s));
+  t.shown.resize(t.rowCounts.size());
   t.countsKnown = true;
+}
+void ensureCounts(Id table) {
+  if (!extra<TableState>(table).countsKnown) recordCounts(table);
+}
+// Asks the data source for a section not shown since its last reload.
+ShownTableSection& loadSection(Id table, long section) {
+  TableState& t = extra<TableState>(table);
+  ShownTableSection& sec = t.shown[std::size_t(section)];
+  if (sec.loaded) return sec;
+  Id ds = rt::send<Id>(table, "dataSource");
+  Id dl = rt::send<Id>(table, "delegate");
+  if (rt::respondsTo(ds, rt::sel("tableView:titleForHeaderInSection:")))
+    sec.header =
+        rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, section))
+            .value_or("");
+  if (rt::respondsTo(ds, rt::sel("tableView:titleForFooterInSection:")))
+    sec.footer =
+        rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, section))
+            .value_or("");
+  for (long r = 0; r < t.rowCounts[std::size_t(section)]; ++r) {
+    Id ip = rt::indexPath(r, section);
+    sec.heights.push_back(
+        rt::respondsTo(dl, rt::sel("tableView:heightForRowAtIndexPath:"))
+            ? rt::send<double>(dl, "tableView:heightForRowAtIndexPath:", table, ip)
+            : (t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44));
+    Id cell = rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", table, ip);
+    if (!cell)
+      rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
+    sec.cells.push_back(rt::detail::retain(cell));
+  }
+  sec.loaded = true;
+  return sec;
+}
+Id dequeueReusable(Id self, SEL, Id identifier) {
+  auto& pool = extra<TableState>(self).reusable[rt::asString(identifier).value_or("")];
+  if (pool.empty()) return nullptr;
+  Id cell = pool.back();
+  pool.pop_back();
+  return sim::autorelease(cell);  // the pool's hold, handed over
+}
+void tableDealloc(Id self, SEL cmd) {
+  TableState& t = extra<TableState>(self);
+  for (std::size_t s = 0; s < t.shown.size(); ++s) dropSection(t, s);
+  for (auto& [id, cells] : t.reusable)
+    for (Id cell : cells) rt::detail::release(cell);
+  t.reusable.clear();
+  superDealloc(self, cmd, "UITableView");
+}
+// A cell owns the control it shows as its accessory.
+void cellDealloc(Id self, SEL cmd) {
+  if (CellState* c = findExtra<CellState>(self))
+    rt::detail::release(std::exchange(c->spec.accessoryView, nullptr));
+  superDealloc(self, cmd, "UITableViewCell");
+}
+// The layout that follows a reload in the same turn asks for the rows at once.
+void layoutAll(Id table) {
+  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s)
+    loadSection(table, s);
 }
 void reloadData(Id self, SEL cmd) {
   rt::call<void>(hostReloadData, self, cmd);
   recordCounts(self);
+  layoutAll(self);
 }
 
 bool switchOn(Id self, SEL) { return extra<SwitchState>(self).on; }
 void setSwitchOn(Id self, SEL, bool on) { extra<SwitchState>(self).on = on; }
+
+// UIKit's check after an update: every section other than `changed` answers
+// the count it showed, and the number of sections is the same.
+void checkOtherSections(Id table, long changed) {
+  TableState& t = extra<TableState>(table);
+  long sections = askSections(table);
+  if (sections != long(t.rowCounts.size()))
+    rt::raise("NSInternalInconsistencyException",
+              "Invalid update: invalid number of sections. The number of sections contained in "
+              "the table view after the update (" +
+                  std::to_string(sections) + ") must be equal to the number of sections before (" +
+                  std::to_string(t.rowCounts.size()) + ")");
+  for (long s = 0; s < sections; ++s) {
+    long before = t.rowCounts[std::size_t(s)];
+    if (s != changed && askRows(table, s) != before)
+      rt::raise("NSInternalInconsistencyException",
+                "Invalid update: invalid number of rows in section " + std::to_string(s) +
+                    ". The number of rows contained in an existing section after the update (" +
+                    std::to_string(askRows(table, s)) + ") must be equal to " +
+                    std::to_string(before));
+  }
+}
 
 std::string mismatch(long section, long before, long after, long deleted) {
   char buf[200];
@@ -86,8 +186,11 @@ std::string mismatch(long section, long before, long after, long deleted) {
 // A row the user can touch is on screen, and showing the table asked its
 // counts: that is UIKit's basis for the updates that follow.
 bool rowExists(Id table, long section, long row) {
-  if (!extra<TableState>(table).countsKnown) recordCounts(table);
-  return section >= 0 && section < askSections(table) && row >= 0 && row < askRows(table, section);
+  ensureCounts(table);
+  layoutAll(table);  // the user touches what is on screen
+  const TableState& t = extra<TableState>(table);
+  return section >= 0 && section < long(t.rowCounts.size()) && row >= 0 &&
+         row < t.rowCounts[std::size_t(section)];
 }
 
 Id indexPathOf(long section, long row) { return rt::indexPath(row, section); }
@@ -100,7 +203,7 @@ void registerTables() {
       .method("view", tableControllerView)
       .method("tableView", tableView)
       .build();
-  ClassBuilder("UITableViewCell", "UIView").build();
+  ClassBuilder("UITableViewCell", "UIView").method("dealloc", cellDealloc).build();
   ClassBuilder("UIControl", "UIView").build();
   ClassBuilder("UISwitch", "UIControl")
       .method("isOn", switchOn)
@@ -111,6 +214,7 @@ void registerTables() {
   rt::Class table = rt::getClass("UITableView");
   rt::addMethod(table, rt::sel("deselectRowAtIndexPath:animated:"), deselectRow);
   rt::addMethod(table, rt::sel("dequeueReusableCellWithIdentifier:"), dequeueReusable);
+  rt::addMethod(table, rt::sel("dealloc"), tableDealloc);
   rt::Method reload = rt::getInstanceMethod(table, rt::sel("reloadData"));
   hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
 }
@@ -157,27 +261,17 @@ rt::Id tableOf(rt::Id controller) {
 
 std::vector<ShownSection> showTable(rt::Id table) {
   std::vector<ShownSection> out;
-  Id ds = rt::send<Id>(table, "dataSource");
-  Id dl = rt::send<Id>(table, "delegate");
-  if (!ds) return out;
-  const TableState& t = extra<TableState>(table);
-  for (long s = 0, n = askSections(table); s < n; ++s) {
+  if (!rt::send<Id>(table, "dataSource")) return out;
+  ensureCounts(table);
+  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s) {
+    const ShownTableSection& shown = loadSection(table, s);
     ShownSection sec;
-    if (rt::respondsTo(ds, rt::sel("tableView:titleForHeaderInSection:")))
-      sec.header = rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, s))
-                       .value_or("");
-    if (rt::respondsTo(ds, rt::sel("tableView:titleForFooterInSection:")))
-      sec.footer = rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, s))
-                       .value_or("");
-    for (long r = 0, rows = askRows(table, s); r < rows; ++r) {
+    sec.header = shown.header;
+    sec.footer = shown.footer;
+    for (std::size_t r = 0; r < shown.cells.size(); ++r) {
       ShownRow row;
-      Id ip = indexPathOf(s, r);
-      row.height = rt::respondsTo(dl, rt::sel("tableView:heightForRowAtIndexPath:"))
-                       ? rt::send<double>(dl, "tableView:heightForRowAtIndexPath:", table, ip)
-                       : (t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44);
-      row.cell = rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", table, ip);
-      if (!row.cell)
-        rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
+      row.height = shown.heights[r];
+      row.cell = shown.cells[r];
       const ui::CellSpec& spec = extra<CellState>(row.cell).spec;
       row.title = spec.title;
       row.detail = spec.detail;
@@ -189,7 +283,6 @@ std::vector<ShownSection> showTable(rt::Id table) {
     }
     out.push_back(std::move(sec));
   }
-  recordCounts(table);
   return out;
 }
 
@@ -203,8 +296,8 @@ bool selectRow(rt::Id table, long section, long row) {
 
 bool flipSwitch(rt::Id table, long section, long row, bool on) {
   if (!rowExists(table, section, row)) return false;
-  Id cell = rt::send<Id>(rt::send<Id>(table, "dataSource"),
-                         "tableView:cellForRowAtIndexPath:", table, indexPathOf(section, row));
+  // The switch the user touches is the one on screen.
+  Id cell = loadSection(table, section).cells[std::size_t(row)];
   CellState* c = findExtra<CellState>(cell);
   Id sw = c ? c->spec.accessoryView : nullptr;
   if (!sw || !rt::isKindOf(sw, "UISwitch")) return false;
@@ -243,8 +336,9 @@ bool swipeDelete(rt::Id table, long section, long row) {
 
 namespace ui {
 
+// Autoreleased, as the iOS backend hands it: the table retains what it shows.
 rt::Id makeCell(const CellSpec& spec, const std::string& reuseIdentifier) {
-  rt::Id cell = sim::newObject("UITableViewCell");
+  rt::Id cell = sim::autorelease(sim::newObject("UITableViewCell"));
   sim::extra<sim::CellState>(cell).reuseIdentifier = reuseIdentifier;
   configureCell(cell, spec);
   return cell;
@@ -256,12 +350,15 @@ rt::Id dequeueCell(rt::Id table, const std::string& reuseIdentifier) {
 
 void configureCell(rt::Id cell, const CellSpec& spec) {
   sim::CellState& c = sim::extra<sim::CellState>(cell);
+  rt::Id old = c.spec.accessoryView;
   c.spec = spec;
+  rt::detail::retain(spec.accessoryView);
+  rt::detail::release(old);
   c.laidOut = true;
 }
 
 rt::Id makeSwitch(bool on, Color onTint, std::function<void(rt::Id sw)> changed) {
-  rt::Id sw = sim::newObject("UISwitch");
+  rt::Id sw = sim::autorelease(sim::newObject("UISwitch"));
   sim::SwitchState& s = sim::extra<sim::SwitchState>(sw);
   s.on = on;
   s.onTint = onTint;
@@ -278,19 +375,20 @@ rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler) {
 }
 
 void reloadSection(rt::Id table, long section, RowAnimation) {
+  sim::ensureCounts(table);
   sim::TableState& t = sim::extra<sim::TableState>(table);
-  long sections = sim::askSections(table);
-  if (t.countsKnown && sections != long(t.rowCounts.size()))
-    rt::raise("NSInternalInconsistencyException", "Invalid update: invalid number of sections");
-  if (section < 0 || section >= sections)
+  if (section < 0 || section >= long(t.rowCounts.size()))
     rt::raise("NSInternalInconsistencyException",
               "attempt to reload section " + std::to_string(section) + " that does not exist");
-  sim::recordCounts(table);
+  sim::checkOtherSections(table, section);
+  sim::dropSection(t, std::size_t(section));
+  t.rowCounts[std::size_t(section)] = sim::askRows(table, section);
+  sim::loadSection(table, section);
 }
 
 void deleteRow(rt::Id table, long section, long row, RowAnimation) {
   sim::TableState& t = sim::extra<sim::TableState>(table);
-  if (!t.countsKnown || section >= long(t.rowCounts.size()) || row < 0 ||
+  if (!t.countsKnown || section < 0 || section >= long(t.rowCounts.size()) || row < 0 ||
       row >= t.rowCounts[std::size_t(section)])
     rt::raise("NSInternalInconsistencyException", "attempt to delete row " + std::to_string(row) +
                                                       " from section " + std::to_string(section) +
@@ -299,7 +397,15 @@ void deleteRow(rt::Id table, long section, long row, RowAnimation) {
   long after = sim::askRows(table, section);
   if (after != before - 1)
     rt::raise("NSInternalInconsistencyException", sim::mismatch(section, before, after, 1));
-  sim::recordCounts(table);
+  sim::checkOtherSections(table, section);
+  t.rowCounts[std::size_t(section)] = after;
+  // The deleted row's cell leaves; the others keep what they show.
+  sim::ShownTableSection& shown = t.shown[std::size_t(section)];
+  if (shown.loaded) {
+    rt::detail::release(shown.cells[std::size_t(row)]);
+    shown.cells.erase(shown.cells.begin() + row);
+    shown.heights.erase(shown.heights.begin() + row);
+  }
 }
 
 long shownRowCount(rt::Id table, long section) {

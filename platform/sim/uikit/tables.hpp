@@ -7,6 +7,7 @@
 
 #include <any>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,14 @@ struct SwipeState {
   std::string title;
   ui::SwipeHandler handler;
 };
+// A section as the table shows it: asked from the data source once, then
+// kept (its cells retained) until the section or the whole table is reloaded.
+struct ShownTableSection {
+  bool loaded = false;
+  std::string header, footer;
+  std::vector<rt::Id> cells;
+  std::vector<double> heights;
+};
 struct TableState {
   long style = 0;
   ui::TableLook look;
@@ -56,6 +65,9 @@ struct TableState {
   rt::Id headerView = nullptr;
   std::vector<long> rowCounts;  // as last asked: the basis of UIKit's update checks
   bool countsKnown = false;
+  std::vector<ShownTableSection> shown;  // one per counted section
+  // Cells that left the screen, by reuse identifier, for dequeueReusableCell (retained).
+  std::map<std::string, std::vector<rt::Id>> reusable;
 };
 struct ScreenState {                 // a view controller's navigation item and presentation
   long modalPresentationStyle = -2;  // UIModalPresentationAutomatic
@@ -65,7 +77,7 @@ struct ScreenState {                 // a view controller's navigation item and 
   std::function<void()> leftAction;
   rt::Id searchController = nullptr;
   ui::Color background, tint;
-  long tableStyle = 0;  // a table view controller's initWithStyle:
+  long tableStyle = 0;                // a table view controller's initWithStyle:
   std::function<void()> draggedAway;  // the presentation delegate's did-dismiss
 };
 struct SearchState {
@@ -103,7 +115,9 @@ struct ShownSection {
   std::string header, footer;
   std::vector<ShownRow> rows;
 };
-// Every section and row of the table, asked as UIKit asks.
+// Every section and row the table shows. A section is asked from the data
+// source as UIKit asks it the first time it is shown and after it (or the
+// table) is reloaded; otherwise it shows what it was configured with.
 std::vector<ShownSection> showTable(rt::Id table);
 // The table of a table view controller (nil for any other screen).
 rt::Id tableOf(rt::Id controller);

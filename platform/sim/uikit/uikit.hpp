@@ -98,6 +98,9 @@ rt::Id topController();
 // contained in or presented by one that is. UIKit refuses to present from a
 // controller that is not (it only logs a warning).
 bool inWindowHierarchy(rt::Id controller);
+// The dealloc of the superclass of `cls`, for a class's own dealloc to end with.
+void superDealloc(rt::Id self, rt::SEL cmd, const char* cls);
+
 // A drawn image of the given size whose drawing is recorded.
 rt::Id drawnImage(rt::CGSize size, double scale, bool opaque, std::vector<std::string> drawing);
 

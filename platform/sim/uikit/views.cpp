@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
@@ -20,15 +21,34 @@ ViewState& v(Id self) { return *viewState(self); }
 
 Id subviews(Id self, SEL) { return rt::array(v(self).subviews); }
 Id superview(Id self, SEL) { return v(self).superview; }
+// A view owns its subviews and its recognizers.
 void addSubview(Id self, SEL, Id child) {
   if (!child || child == self) return;
-  if (Id old = v(child).superview) std::erase(v(old).subviews, child);
+  if (Id old = v(child).superview)
+    std::erase(v(old).subviews, child);  // moves, with the one retain it has
+  else
+    rt::detail::retain(child);
   v(child).superview = self;
   v(self).subviews.push_back(child);
 }
 void removeFromSuperview(Id self, SEL) {
-  if (Id parent = v(self).superview) std::erase(v(parent).subviews, self);
+  Id parent = v(self).superview;
+  if (!parent) return;
+  std::erase(v(parent).subviews, self);
   v(self).superview = nullptr;
+  rt::detail::release(self);
+}
+void viewDealloc(Id self, SEL cmd) {
+  ViewState& s = v(self);
+  std::vector<Id> subviews, recognizers;
+  subviews.swap(s.subviews);
+  recognizers.swap(s.gestureRecognizers);
+  for (Id sub : subviews) {
+    v(sub).superview = nullptr;
+    rt::detail::release(sub);
+  }
+  for (Id g : recognizers) rt::detail::release(g);
+  superDealloc(self, cmd, "UIView");
 }
 bool isHidden(Id self, SEL) { return v(self).hidden; }
 void setHidden(Id self, SEL, bool h) { v(self).hidden = h; }
@@ -42,9 +62,11 @@ Id gestureRecognizers(Id self, SEL) {
 void addGestureRecognizer(Id self, SEL, Id g) {
   if (g && std::find(v(self).gestureRecognizers.begin(), v(self).gestureRecognizers.end(), g) ==
                v(self).gestureRecognizers.end())
-    v(self).gestureRecognizers.push_back(g);
+    v(self).gestureRecognizers.push_back(rt::detail::retain(g));
 }
-void removeGestureRecognizer(Id self, SEL, Id g) { std::erase(v(self).gestureRecognizers, g); }
+void removeGestureRecognizer(Id self, SEL, Id g) {
+  if (std::erase(v(self).gestureRecognizers, g)) rt::detail::release(g);
+}
 rt::CGRect frame(Id self, SEL) { return v(self).frame; }
 void setFrame(Id self, SEL, rt::CGRect f) { v(self).frame = f; }
 rt::CGRect bounds(Id self, SEL) { return rt::CGRect{{0, 0}, v(self).frame.size}; }
@@ -104,6 +126,7 @@ void reloadData(Id self, SEL) {
 
 void registerViews(Runtime&) {
   ClassBuilder("UIView")
+      .method("dealloc", viewDealloc)
       .method("subviews", subviews)
       .method("superview", superview)
       .method("addSubview:", addSubview)
