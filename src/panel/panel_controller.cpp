@@ -205,8 +205,8 @@ void QBPanelController::presentFrom(Id target) {
       try {
         Id window = host::QBRuntime::keyWindow();
         Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
-        rt::Strong target = weakTarget.lock();
-        if (!top) top = target.get();
+        rt::Strong opener = weakTarget.lock();
+        if (!top) top = opener.get();
         QBConfig& cfg = QBConfig::shared();
         if (!cfg.unlocked()) {
           // The secrets stay visible for as long as the panel is open.
@@ -234,8 +234,8 @@ void QBPanelController::presentPanelOn(Id target) {
       sys::after(kBusyRetry, [weakTarget = rt::Weak(target), flow] {
         if (!panelFlowCurrent(flow)) return;
         Id top = topVC();
-        rt::Strong target = weakTarget.lock();
-        presentPanelOn(lastPresented(top ? top : target.get()));
+        rt::Strong opener = weakTarget.lock();
+        presentPanelOn(lastPresented(top ? top : opener.get()));
       });
       return;
     }
