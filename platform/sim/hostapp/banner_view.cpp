@@ -10,16 +10,21 @@
 #include "ui/colors.hpp"
 
 namespace hostapp {
-namespace {
-
-rt::Id label(const std::string& text, rt::CGRect frame, const ui::LabelStyle& look) {
+rt::Id hostLabel(const std::string& text, rt::CGRect frame, const ui::LabelStyle& look,
+                 const char* style) {
   rt::Id l = rt::send<rt::Id>(rt::getClass("UILabel"), "new");
   rt::send<void>(l, "setText:", rt::str(text));
   rt::send<void>(l, "setFrame:", frame);
   sim::ViewState& v = *sim::viewState(l);
   v.look = look;
-  v.style = "host banner";
+  v.style = style;
   return l;
+}
+
+namespace {
+
+rt::Id label(const std::string& text, rt::CGRect frame, const ui::LabelStyle& look) {
+  return hostLabel(text, frame, look, "host banner");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 // kind of call at the top, the red and green round buttons at the bottom.
 #include "hostapp/call_screen_view.hpp"
 
+#include "hostapp/banner_view.hpp"
+
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
@@ -22,13 +24,7 @@ rt::Id keyWindow() {
 }
 
 rt::Id label(const std::string& text, rt::CGRect frame, const ui::LabelStyle& look) {
-  rt::Id l = rt::send<rt::Id>(rt::getClass("UILabel"), "new");
-  rt::send<void>(l, "setText:", rt::str(text));
-  rt::send<void>(l, "setFrame:", frame);
-  sim::ViewState& v = *sim::viewState(l);
-  v.look = look;
-  v.style = "system call screen";
-  return l;
+  return hostLabel(text, frame, look, "system call screen");
 }
 
 ui::LabelStyle text(double size, ui::Weight weight, ui::Color colour = kWhiteText) {
