@@ -1,6 +1,8 @@
 # The README's pictures (scripts/pictures.sh writes them to @OUT@ and shrinks
 # them): the hidden main list, the contacts list, a search, the Face ID
-# prompt, a ringing call, the panel and the window editor's first dialog.
+# prompt, a ringing call, the panel, the window editor's first dialog, and
+# outside the app the lock screen and the share sheet, with no sign of the
+# secret on either.
 clock 09:41
 friend alice nick=Alice
 friend bob nick=Bob remark=老板
@@ -12,6 +14,7 @@ session bob
 session alice
 secret bob
 setting revealAuthMode 1
+setting secretNotifyMode 0
 launch
 send team@chatroom "十点开会"
 message carol "收到"
@@ -34,6 +37,15 @@ call video carol
 expect ringing carol
 picture @OUT@/call.png
 wait 31
+background
+message alice "明天见"
+message bob "在吗？"
+message team@chatroom "周报发群里了"
+expect lockscreen team@chatroom alice
+picture lockscreen @OUT@/lockscreen.png
+expect suggestions team@chatroom alice carol
+picture sharesheet @OUT@/sharesheet.png
+foreground
 open about
 wait 1
 tap version

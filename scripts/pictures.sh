@@ -13,7 +13,7 @@ sed "s|@OUT@|$work|" "$root/scripts/pictures.qbs" >"$work/pictures.qbs"
 "$bin/quenby-sim" run "$work/pictures.qbs" >/dev/null
 
 mkdir -p "$out"
-for name in main-hidden contacts search faceid call panel window-editor; do
+for name in main-hidden contacts search faceid call panel window-editor lockscreen sharesheet; do
   "$bin/quenby-picture-shrink" "$work/$name.png" "$out/$name.png" 390
 done
 ls -l "$out"

@@ -2,7 +2,8 @@
 // the phone's pixel size, a mark under the checked row only, switches that
 // look on or off, Chinese text drawn with glyphs, the secret's row only when
 // revealed, dialogs centred, an in-app banner while it lasts, and a numbered
-// picture after each show of a screen.
+// picture after each show of a screen; outside the app, the lock screen
+// and the share sheet with nothing of a hidden secret's.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include <sstream>
 
 #include "commands.hpp"
+#include "pictures.hpp"
 #include "rt/send.hpp"
 #include "runner.hpp"
 #include "sim/picture/canvas.hpp"
@@ -291,6 +293,48 @@ TEST_F(Pictures, APersonHasOneAvatarColourAndTheMainListShowsLastMessages) {
   EXPECT_EQ(avatar(main, "Carol"), avatar(contacts, "Carol"));
   EXPECT_NE(avatar(contacts, "Alice"), avatar(contacts, "Carol"));
   EXPECT_NE(avatar(contacts, "Alice"), 0xFFFFFFFFu) << "an avatar is there";
+}
+
+TEST_F(Pictures, TheLockScreenDrawsWhatNotificationCenterHoldsAndNoHiddenSecret) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "room team@chatroom title=Team",
+       "secret bob", "setting secretNotifyMode 0", "launch", "wait 1", "background",
+       "message alice \"明天见\"", "message bob \"在吗？\"", "message team@chatroom \"周报\"",
+       "expect lockscreen team@chatroom alice"});
+  Picture p = qbsim::drawSystemSurface(session, "lockscreen");
+  EXPECT_TRUE(drew(p, "Team")) << "a group's notification is titled by its name";
+  EXPECT_TRUE(drew(p, "Alice"));
+  EXPECT_TRUE(drew(p, "明天见"));
+  EXPECT_FALSE(drew(p, "Bob"));
+  EXPECT_FALSE(drew(p, "在吗？"));
+  auto at = [&](const std::string& text) {
+    return std::find(p.texts.begin(), p.texts.end(), text) - p.texts.begin();
+  };
+  EXPECT_LT(at("Team"), at("Alice")) << "newest first";
+  EXPECT_EQ(p.unknownGlyphs, 0);
+  EXPECT_THROW(qbsim::drawSystemSurface(session, "homescreen"), qbsim::ScriptError);
+}
+
+TEST_F(Pictures, TheShareSheetSuggestsInOrderInTheListsAvatarColours) {
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "friend carol nick=Carol",
+       "session carol", "session alice", "secret bob", "launch", "wait 1",
+       "send carol \"a\"", "send bob \"b\"", "send alice \"c\"", "wait 1",
+       "expect suggestions alice carol"});
+  Picture main = draw();
+  Picture sheet = qbsim::drawSystemSurface(session, "sharesheet");
+  EXPECT_FALSE(drew(sheet, "Bob"));
+  auto at = [&](const std::string& text) {
+    return std::find(sheet.texts.begin(), sheet.texts.end(), text) - sheet.texts.begin();
+  };
+  ASSERT_LT(at("Carol"), std::ptrdiff_t(sheet.texts.size()));
+  EXPECT_LT(at("Alice"), at("Carol")) << "most recent first";
+  // The first two circles of the row, above their initials.
+  const sim::picture::DrawnRow& alice = row(main, "Alice");
+  const sim::picture::DrawnRow& carol = row(main, "Carol");
+  auto listAvatar = [&](const sim::picture::DrawnRow& r) {
+    return main.pixel(r.frame.origin.x + 16 + 6, r.frame.origin.y + r.frame.size.height / 2 - 12);
+  };
+  EXPECT_EQ(sheet.pixel(12 + 30, 430 + 8), listAvatar(alice));
+  EXPECT_EQ(sheet.pixel(88 + 30, 430 + 8), listAvatar(carol));
 }
 
 TEST(PictureCanvas, CountsGlyphsNoFontHas) {

@@ -40,7 +40,7 @@ const std::map<std::string, std::string>& summaries() {
       {"time", "sets the time wheel of the dialog on screen"},
       {"panel", "a row of the control panel (tap, switch, swipe-delete), or closes the panel"},
       {"picker", "the contact picker: search, pick a contact, go back"},
-      {"picture", "draws the screen on top as a PNG"},
+      {"picture", "draws the screen on top, the lock screen or the share sheet as a PNG"},
       {"show main", "the rows of the main chat list: username, then the last message"},
       {"show contacts", "the contacts list: the starred friends, the rows, the footer count"},
       {"show search", "the results of the last contact search"},

@@ -47,7 +47,7 @@ Id box(Id parent, rt::CGRect frame) {
 void buildLabels(Id page) {
   Id view = rt::send<Id>(page, "view");
   Id header = box(box(view, {{0, 330}, {390, 160}}), {{0, 0}, {390, 160}});
-  label(header, "微信", {{0, 60}, {390, 30}});
+  label(header, kHostDisplayName, {{0, 60}, {390, 30}});
   label(header, std::string("Version ") + kHostVersion, {{0, 100}, {390, 20}}, kVersionTag);
   Id rows = box(view, {{0, 520}, {390, 100}});
   label(rows, "功能介绍", {{16, 0}, {358, 44}});
@@ -75,6 +75,7 @@ Id findTagged(Id view, long tag) {
 
 void defineAboutClasses(HostApp& app) {
   sim::currentProcess().platform().bundleInfo["CFBundleShortVersionString"] = kHostVersion;
+  sim::currentProcess().platform().bundleInfo["CFBundleDisplayName"] = kHostDisplayName;
   HostClass(app, "SettingAboutMMViewController", "UIViewController")
       .method("viewDidLoad", aboutViewDidLoad)
       .method("viewDidAppear:", aboutViewDidAppear)

@@ -9,6 +9,7 @@
 namespace hostapp {
 
 inline constexpr const char* kHostVersion = "8.0.50";
+inline constexpr const char* kHostDisplayName = "微信";
 inline constexpr double kAboutLabelsDelay = 0.3;
 
 void defineAboutClasses(HostApp& app);

@@ -127,8 +127,7 @@ void showLocal(Id m, Id identifier, bool silent) {
   if (!msg || !util || !rt::respondsTo(rt::toId(util), rt::sel(sel))) return;
   Id userInfo = rt::dictionary(
       {{rt::str("fromUserName"), rt::str(msg->from)}, {rt::str("msgType"), rt::number(msg->type)}});
-  Friend* f = app().model.findFriend(msg->from);
-  std::string title = f && !f->nickname.empty() ? f->nickname : msg->from;
+  std::string title = app().displayName(msg->from);
   withHostInteger(app().build, [&](auto zero) {
     rt::send<void>(util, sel, identifier, rt::str("message"), rt::str(title), rt::str(msg->text),
                    silent ? Id{nullptr} : rt::str("default"), decltype(zero)(1), userInfo,

@@ -452,17 +452,21 @@ Picture drawScreen() {
     p.biometricPrompt(currentProcess().device().biometrics != Biometrics::TouchID,
                       currentProcess().platform().biometricReason);
   p.statusBar(0, hasCurrentProcess() ? currentProcess().device().localSecondOfDay() : 0);
+  return pictureOf(p.cv, std::move(p.rows));
+}
+
+Picture pictureOf(const Canvas& cv, std::vector<DrawnRow> rows) {
   Picture out;
-  out.width = p.cv.pixelWidth();
-  out.height = p.cv.pixelHeight();
-  out.unknownGlyphs = p.cv.unknownGlyphs();
-  out.symbols = p.cv.symbols();
-  out.texts = p.cv.texts();
-  out.rows = std::move(p.rows);
-  out.pixels = p.cv.pixels();
+  out.width = cv.pixelWidth();
+  out.height = cv.pixelHeight();
+  out.unknownGlyphs = cv.unknownGlyphs();
+  out.symbols = cv.symbols();
+  out.texts = cv.texts();
+  out.rows = std::move(rows);
+  out.pixels = cv.pixels();
   std::string names;
   for (const std::string& s : out.symbols) names += (names.empty() ? "" : " ") + s;
-  out.png = withTextChunks(p.cv.png(), {{"Software", "quenby-sim"}, {"Symbols", names}});
+  out.png = withTextChunks(cv.png(), {{"Software", "quenby-sim"}, {"Symbols", names}});
   return out;
 }
 

@@ -31,8 +31,12 @@ struct Picture {
   std::uint32_t pixel(double x, double y) const;  // at a point
 };
 
+class Canvas;
+
 // Draws the screen of the current process (a blank device when no app runs).
 Picture drawScreen();
+// The picture a finished canvas holds, with the rows drawn on it.
+Picture pictureOf(const Canvas& cv, std::vector<DrawnRow> rows = {});
 // Writes the picture's PNG; false when the file cannot be written.
 bool writePicture(const Picture& picture, const std::string& path);
 

@@ -219,6 +219,13 @@ void registerTables() {
   hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
 }
 
+ui::Color avatarTint(const std::string& person) {
+  std::uint32_t hash = 2166136261u;
+  for (unsigned char ch : person) hash = (hash ^ ch) * 16777619u;
+  return {0.35 + 0.4 * double(hash % 7) / 6, 0.55 + 0.3 * double(hash / 7 % 5) / 4,
+          0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
+}
+
 rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented,
                     const std::string& person) {
   Id cell = newObject("UITableViewCell");
@@ -234,10 +241,7 @@ rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id 
   // A placeholder avatar: the name's first character on a colour of its own.
   std::size_t first = 0;
   base::decodeUtf8(title, first);
-  std::uint32_t hash = 2166136261u;
-  for (unsigned char ch : person.empty() ? title : person) hash = (hash ^ ch) * 16777619u;
-  ui::Color tint{0.35 + 0.4 * double(hash % 7) / 6, 0.55 + 0.3 * double(hash / 7 % 5) / 4,
-                 0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
+  ui::Color tint = avatarTint(person.empty() ? title : person);
   ui::Font initialFont{16, ui::Weight::Semibold};
   rt::CGSize size = ui::textSize(title.substr(0, first), initialFont);
   c.spec.image = ui::renderImage({34, 34}, 0, true,

@@ -97,6 +97,10 @@ struct TapState {
 
 void registerTables();
 
+// The colour of a person's placeholder avatar, the same wherever the person
+// appears (lists, the lock screen, the share sheet).
+ui::Color avatarTint(const std::string& person);
+
 // A cell of one of the host's own lists: a default-style cell whose label
 // shows `title` (and `detail` under it), standing for `represented`, with a
 // placeholder avatar whose colour is the `person`'s (the title's when none).
