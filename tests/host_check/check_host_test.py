@@ -157,6 +157,7 @@ class Headers(unittest.TestCase):
 - (id)initWithFrame:(struct CGRect)arg1;
 - (void)fill:(id *)arg1 name:(const char *)arg2 sel:(SEL)arg3 cls:(Class)arg4;
 - (long long)count; // IMP=0x0000000100c0ffee
+- (BOOL)isLegacy;
 @property(retain, nonatomic) NSString *title;
 @property(readonly, nonatomic) unsigned int flags;
 @property(nonatomic, getter=isOn) _Bool on;
@@ -187,6 +188,7 @@ class Headers(unittest.TestCase):
             ("-", "initWithFrame:"): "@@:{CGRect}",
             ("-", "fill:name:sel:cls:"): "v@:^@*:#",
             ("-", "count"): "q@:",
+            ("-", "isLegacy"): "B@:",
             ("-", "title"): "@@:",
             ("-", "setTitle:"): "v@:@",
             ("-", "flags"): "I@:",
