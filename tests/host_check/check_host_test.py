@@ -19,9 +19,9 @@ SCRIPT = os.path.join(ROOT, "scripts", "check-host.py")
 INTERFACE = os.path.join(ROOT, "scripts", "host-interface.txt")
 GENERATOR = None
 
-spec = importlib.util.spec_from_file_location("check_host", SCRIPT)
-check_host = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(check_host)
+module_spec = importlib.util.spec_from_file_location("check_host", SCRIPT)
+check_host = importlib.util.module_from_spec(module_spec)
+module_spec.loader.exec_module(check_host)
 
 
 def run(dump, *extra):
