@@ -13,12 +13,13 @@ cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
 ctest --preset "$preset"
 
-echo "== ThreadSanitizer: concurrent access to the settings, notification hooks and the list filter from other threads"
+echo "== ThreadSanitizer: concurrent access to the settings, notification hooks, the list filter and a hook being installed from other threads"
 cmake --preset tsan >/dev/null
-cmake --build --preset tsan --target core_tests notify_tests hiding_tests
+cmake --build --preset tsan --target core_tests notify_tests hiding_tests host_tests
 TSAN_OPTIONS="halt_on_error=1" build/tsan/tests/core/core_tests --gtest_filter='ConfigConcurrency.*'
 TSAN_OPTIONS="halt_on_error=1" build/tsan/tests/notify/notify_tests --gtest_filter='NotifyThreads.*'
 TSAN_OPTIONS="halt_on_error=1" build/tsan/tests/hiding/hiding_tests --gtest_filter='FilterThreads.*'
+TSAN_OPTIONS="halt_on_error=1" build/tsan/tests/host/host_tests --gtest_filter='HookThreads.*'
 
 echo "== iOS backend: arm64 Mach-O dylib against the declaration set"
 ios_tools=(clang++ ld64.lld-14 llvm-nm-14 llvm-objdump-14 file)

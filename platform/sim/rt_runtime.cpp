@@ -108,6 +108,7 @@ IMP setImplementation(Method m, IMP imp) {
   m->imp = imp;
   sim::runtime().noteImplementation(imp, m->normalized);
   sim::runtime().methodsChanged();
+  sim::runtime().implementationChanged();
   return old;
 }
 
@@ -117,6 +118,7 @@ void exchangeImplementations(Method a, Method b) {
   sim::runtime().noteImplementation(a->imp, a->normalized);
   sim::runtime().noteImplementation(b->imp, b->normalized);
   sim::runtime().methodsChanged();
+  sim::runtime().implementationChanged();
 }
 
 bool addMethod(Class cls, SEL s, IMP imp, const char* types) {

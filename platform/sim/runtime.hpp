@@ -55,10 +55,21 @@ class Runtime {
   }
   rt::Ivar findIvar(rt::Class cls, std::string_view name) const { return ivars_.find(cls, name); }
   bool addMethod(rt::Class cls, rt::SEL sel, rt::IMP imp, const char* types) {
-    return methods_.add(cls, sel, imp, types);
+    if (!methods_.add(cls, sel, imp, types)) return false;
+    implementationChanged();
+    return true;
   }
   rt::Method lookup(rt::Class cls, rt::SEL sel) { return methods_.lookup(cls, sel); }
   void methodsChanged() { methods_.changed(); }
+  // A phone may switch threads the moment a method's implementation changes
+  // (added, set or exchanged), before the changing code takes its next step;
+  // a test puts the host's other thread there with `onImplementationChanged`.
+  void onImplementationChanged(std::function<void()> f) { implementationChanged_ = std::move(f); }
+  void implementationChanged() {
+    if (!implementationChanged_) return;
+    auto f = implementationChanged_;  // it may replace itself
+    f();
+  }
 
   void noteImplementation(rt::IMP imp, const std::string& normalized) {
     types_.noteImplementation(imp, normalized);
@@ -98,6 +109,7 @@ class Runtime {
   IvarTable ivars_;
   ObjectHeap heap_;
   Lifetimes lifetimes_;
+  std::function<void()> implementationChanged_;
 };
 
 // The runtime of the current simulated process. Aborts with a message when no

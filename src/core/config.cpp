@@ -114,6 +114,7 @@ void QBConfig::applyGate() {
   std::lock_guard lock(lock_);
   gateSalt_ = gate->salt;
   gateHashes_ = std::move(gate->hashes);
+  gateAnswers_.clear();
 }
 
 void QBConfig::readAfterUnlock() {
@@ -126,10 +127,12 @@ void QBConfig::readAfterUnlock() {
   suppressAutoLock_ = autoLock;
   suppressSessionApply_ = sessionApply;
   {
+    // Together, so a reader on another thread never sees an empty gate as the answer.
     std::lock_guard lock(lock_);
+    waitingForFile_ = false;
     gateHashes_.clear();
+    gateAnswers_.clear();
   }
-  waitingForFile_ = false;
   sys::removeObserver(sys::ObserverToken{unlockObserver_});
   sys::log("[QB] config read after first unlock");
   requestVisibilitySync();

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "base/value.hpp"
@@ -164,6 +165,9 @@ class QBConfig {
   std::atomic<bool> waitingForFile_{false};
   std::unordered_set<std::string> gateHashes_;  // under lock_
   std::string gateSalt_;                        // under lock_
+  // The gate's answer by username, so a list reloaded while the phone is
+  // locked hashes each name once; under lock_.
+  mutable std::unordered_map<std::string, bool> gateAnswers_;
   std::uint64_t unlockObserver_ = 0;
 };
 

@@ -10,11 +10,22 @@
 
 namespace core {
 
+constexpr std::size_t kGateAnswersKept = 10000;
+
 bool QBConfig::isSecretUser(std::string_view username) const {
   if (username.empty()) return false;
   std::lock_guard lock(lock_);
   // Before the first unlock only the hashes are known.
-  if (waitingForFile_) return gateHashes_.count(gateHash(gateSalt_, username)) != 0;
+  if (waitingForFile_) {
+    std::string name(username);
+    auto known = gateAnswers_.find(name);
+    if (known != gateAnswers_.end()) return known->second;
+    // A host with more names than this is not worth remembering them all for.
+    if (gateAnswers_.size() >= kGateAnswersKept) gateAnswers_.clear();
+    bool secret = gateHashes_.count(gateHash(gateSalt_, name)) != 0;
+    gateAnswers_.emplace(std::move(name), secret);
+    return secret;
+  }
   return secrets_.count(std::string(username)) != 0;
 }
 

@@ -170,7 +170,7 @@ bool canShowInMainFrame(Id self, SEL cmd, Id arg) {
       [&](host::Hook<bool(Id)>::Original& original) {
         // Asked from the host's other threads too: the filter taken whole.
         std::shared_ptr<const Filter> f = currentFilter();
-        if (f->active && f->secrets.count(QBRuntime::usernameFrom(arg))) return false;
+        if (f->active && f->hides(QBRuntime::usernameFrom(arg))) return false;
         return original(arg);
       },
       self, cmd, arg);
@@ -186,11 +186,16 @@ void collect(Id list, std::vector<std::string>& out) {
 
 }  // namespace
 
+bool Filter::hides(const std::string& username) const {
+  if (username.empty()) return false;
+  if (byGate) return core::QBConfig::shared().isSecretUser(username);
+  return secrets.count(username) != 0;
+}
+
 // Main-thread readers: the main thread is the only writer, so they read the
 // published filter without taking it.
 bool QBSessionHooks::isSecretSession(Id session) {
-  std::string u = QBRuntime::usernameFrom(session);
-  return !u.empty() && sessionState().filter->secrets.count(u) != 0;
+  return sessionState().filter->hides(QBRuntime::usernameFrom(session));
 }
 
 bool QBSessionHooks::filterActive() { return sessionState().filter->active; }
@@ -200,7 +205,9 @@ void QBSessionHooks::refreshFilterCache() {
   core::QBConfig& config = core::QBConfig::shared();
   auto next = std::make_shared<Filter>();
   next->secrets = config.secretSnapshot();
-  next->active = !next->secrets.empty() && (!config.unlocked() || s.away);
+  next->byGate = config.waitingForProtectedData();
+  bool any = next->byGate ? config.secretCount() > 0 : !next->secrets.empty();
+  next->active = any && (!config.unlocked() || s.away);
   std::shared_ptr<const Filter> published = next;
   {
     std::lock_guard lock(s.filterMutex);

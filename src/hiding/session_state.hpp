@@ -23,7 +23,11 @@ namespace hiding {
 // one whole, and a reader keeps the one it took.
 struct Filter {
   std::unordered_set<std::string> secrets;
+  // Before the first unlock the names are not known, only the gate's salted
+  // hashes: each name the filter sees is asked of the settings instead.
+  bool byGate = false;
   bool active = false;
+  bool hides(const std::string& username) const;
 };
 
 struct SessionHooksState {

@@ -14,13 +14,16 @@
 // implementation is set directly, and a class method added to the metaclass
 // and exchanged. The hook lives in its subsystem's process state, so a new
 // process starts with nothing installed. Installed hooks are only read, so
-// calls from the host's other threads are safe.
+// calls from the host's other threads are safe. The original is published
+// before the host's method changes: a host thread that reaches the
+// replacement the moment it is in place must already find the original.
 // Each way in first compares the hook's C++ signature with the host method's
 // type encoding (rt::sameCallTypes): a host whose method takes other types
 // keeps it, with one log line naming both encodings, since calling it through
 // the hook's types would be undefined on the phone.
 #pragma once
 
+#include <atomic>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -50,6 +53,16 @@ class Hook<R(A...)> {
 
   Hook() = default;
   explicit Hook(Fallback whenMissing) : fallback(whenMissing) {}
+  Hook(const Hook& other)
+      : fallback(other.fallback), imp_(other.imp_.load()), sel_(other.sel_),
+        exchangedWith_(other.exchangedWith_.load()) {}
+  Hook& operator=(const Hook& other) {
+    fallback = other.fallback;
+    imp_ = other.imp_.load();
+    sel_ = other.sel_;
+    exchangedWith_ = other.exchangedWith_.load();
+    return *this;
+  }
 
   // The encoding of the calls this hook makes and takes: "v@:@q".
   static const std::string& hookTypes() { return rt::signature<R, A...>(); }
@@ -62,11 +75,13 @@ class Hook<R(A...)> {
     rt::SEL s = rt::sel(selector);
     rt::Method host = cls ? rt::getInstanceMethod(cls, s) : nullptr;
     if (host && !checkHookTypes(cls, host, false, hookTypes())) return false;
+    rt::IMP before = imp();
+    if (host) imp_.store(rt::methodImplementation(host), std::memory_order_release);
     bool ok = QBRuntime::replace(cls, s, reinterpret_cast<rt::IMP>(fn), &slot);
     if (host) noteHookInstalled(cls, s, false, ok);
-    if (!ok) return false;
-    imp_ = slot, sel_ = s;
-    return true;
+    imp_.store(ok ? slot : before, std::memory_order_release);
+    if (ok) sel_ = s;
+    return ok;
   }
 
   // The class method `selector` of `cls` gets `fn` as its implementation
@@ -75,10 +90,12 @@ class Hook<R(A...)> {
   bool setClassMethod(rt::Class cls, std::string_view selector, Replacement fn) {
     rt::Method m = cls ? rt::getClassMethod(cls, rt::sel(selector)) : nullptr;
     if (!m || !checkHookTypes(cls, m, true, hookTypes())) return false;
-    imp_ = rt::setImplementation(m, reinterpret_cast<rt::IMP>(fn));
     sel_ = rt::sel(selector);
-    noteHookInstalled(cls, sel_, true, imp_ != nullptr);
-    return imp_ != nullptr;
+    imp_.store(rt::methodImplementation(m), std::memory_order_release);
+    rt::IMP old = rt::setImplementation(m, reinterpret_cast<rt::IMP>(fn));
+    imp_.store(old, std::memory_order_release);
+    noteHookInstalled(cls, sel_, true, old != nullptr);
+    return old != nullptr;
   }
 
   // swizzleInstance:original:swizzled:. `fn` is added to `owner` (the class
@@ -93,8 +110,9 @@ class Hook<R(A...)> {
     if (host && !checkHookTypes(cls, host, false, hookTypes())) return false;
     sel_ = rt::sel(selector);
     rt::addMethod(owner, qb, fn);
+    exchangedWith_.store(qb, std::memory_order_release);
     QBRuntime::swizzleInstance(cls, sel_, qb);
-    bool ok = markExchanged(rt::getInstanceMethod(cls, rt::sel(selector)), qb, fn);
+    bool ok = markExchanged(rt::getInstanceMethod(cls, rt::sel(selector)), fn);
     if (host) noteHookInstalled(cls, sel_, false, ok);
     return ok;
   }
@@ -110,21 +128,22 @@ class Hook<R(A...)> {
     rt::Class meta = rt::classOf(rt::toId(cls));
     bool ok = rt::addMethod(meta, qb, reinterpret_cast<rt::IMP>(fn), types);
     if (ok) {
+      exchangedWith_.store(qb, std::memory_order_release);
       rt::exchangeImplementations(host, rt::getClassMethod(cls, qb));
-      ok = markExchanged(rt::getClassMethod(cls, rt::sel(selector)), qb, fn);
+      ok = markExchanged(rt::getClassMethod(cls, rt::sel(selector)), fn);
     }
     noteHookInstalled(cls, sel_, true, ok);
     return ok;
   }
 
-  bool installed() const { return imp_ != nullptr || exchangedWith_ != nullptr; }
+  bool installed() const { return imp() != nullptr || exchangedWith() != nullptr; }
   // The host's selector this hook answers (null until installed).
   rt::SEL selector() const { return sel_; }
 
   // The host's own answer, outside any policy. Only for an installed hook.
   R original(rt::Id self, rt::SEL cmd, A... args) const {
-    if (exchangedWith_) return rt::send<R>(self, exchangedWith_, args...);
-    return rt::call<R>(imp_, self, cmd, args...);
+    if (rt::SEL qb = exchangedWith()) return rt::send<R>(self, qb, args...);
+    return rt::call<R>(imp(), self, cmd, args...);
   }
 
   // The host's answer, or the fallback when nothing is stored.
@@ -184,15 +203,19 @@ class Hook<R(A...)> {
   }
 
  private:
-  bool markExchanged(rt::Method now, rt::SEL qb, Replacement fn) {
-    if (!now || rt::methodImplementation(now) != reinterpret_cast<rt::IMP>(fn)) return false;
-    exchangedWith_ = qb;
-    return true;
+  // The qb_ name was published before the exchange; it is withdrawn when the
+  // exchange did not happen, since sending it would then reach the replacement.
+  bool markExchanged(rt::Method now, Replacement fn) {
+    if (now && rt::methodImplementation(now) == reinterpret_cast<rt::IMP>(fn)) return true;
+    exchangedWith_.store(nullptr, std::memory_order_release);
+    return false;
   }
+  rt::IMP imp() const { return imp_.load(std::memory_order_acquire); }
+  rt::SEL exchangedWith() const { return exchangedWith_.load(std::memory_order_acquire); }
 
-  rt::IMP imp_ = nullptr;
+  std::atomic<rt::IMP> imp_ = nullptr;
   rt::SEL sel_ = nullptr;
-  rt::SEL exchangedWith_ = nullptr;
+  std::atomic<rt::SEL> exchangedWith_ = nullptr;
 };
 
 // A per-operation guard for steps that are not hook bodies: `fn()`, or

@@ -22,8 +22,11 @@ bool hostTakes(rt::Method m, const std::string& hookTypes) {
 bool checkHookTypes(rt::Class cls, rt::Method m, bool classMethod, const std::string& hookTypes) {
   HookTally& t = hookTally();
   ++t.tried;
-  if (hostTakes(m, hookTypes)) return true;
   std::string label = methodLabel(cls, rt::methodName(m), classMethod);
+  if (hostTakes(m, hookTypes)) {
+    t.fitted.push_back({std::move(label), hookTypes});
+    return true;
+  }
   // The host keeps its own method: calling it through the hook's types would
   // be undefined on the phone.
   sys::log("[QB] hook skipped %@: host types %@, hook types %@", label,

@@ -11,10 +11,17 @@
 
 namespace host {
 
+// A host method whose types a hook fitted, with the hook's types.
+struct HookFit {
+  std::string label;  // "-[Class selector]"
+  std::string hookTypes;
+};
+
 struct HookTally {
   long tried = 0;  // the host had the method
   long installed = 0;
   std::vector<std::string> skipped;  // "-[Class selector]"
+  std::vector<HookFit> fitted;       // what a check of a host build compares with
 };
 
 HookTally& hookTally();

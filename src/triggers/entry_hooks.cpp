@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
+#include <map>
 #include <optional>
 #include <regex>
 #include <vector>
@@ -27,20 +27,23 @@ namespace {
 using rt::Id;
 using rt::SEL;
 
-// The page a navigation bar's recognizer counts for. The bar outlives each
-// About page on it, so every new page takes the recognizer over.
-struct BarTarget {
+// The navigation bar's recognizer and the bar it is on. The bar is shared by
+// every screen of its stack, so the recognizer goes when its About page
+// disappears or is freed: a keeper object associated with the page removes it
+// (from viewWillDisappear:, or from its dealloc when the page goes first).
+struct BarHold {
   rt::Weak bar;
-  std::shared_ptr<rt::Weak> page;
+  rt::Weak recognizer;
 };
 
 struct EntryState {
   bool installed = false;
-  std::vector<BarTarget> barTargets;
+  std::map<Id, BarHold> barHolds;  // by keeper
   long tapCount = 0;
   double lastTapAt = 0;
   host::Hook<void()> viewDidLoad;
   host::Hook<void(bool)> viewDidAppear;
+  host::Hook<void(bool)> viewWillDisappear;
   std::optional<std::optional<std::regex>>
       versionPattern;  // compiled once; empty inner when it failed
 };
@@ -51,6 +54,54 @@ EntryState& state() { return sys::state<EntryState>(); }
 const char kNavMarker = 0;
 const char kPageMarker = 0;
 const char kLabelMarker = 0;
+// On the page: its bar recognizer's keeper, and whether it is on screen.
+const char kBarKeeper = 0;
+const char kShown = 0;
+
+// Takes the recognizer off its bar, unless the bar has another of ours by now.
+void takeOffBar(const BarHold& hold) {
+  rt::Strong bar = hold.bar.lock();
+  rt::Strong g = hold.recognizer.lock();
+  if (!bar || !g) return;
+  if (rt::getAssociatedObject(bar.get(), &kNavMarker) == g.get())
+    rt::setAssociatedObject(bar.get(), &kNavMarker, nullptr);
+  rt::send<void>(bar.get(), "removeGestureRecognizer:", g.get());
+}
+
+void releaseKept(Id keeper) {
+  auto& holds = state().barHolds;
+  auto it = holds.find(keeper);
+  if (it == holds.end()) return;
+  BarHold hold = std::move(it->second);
+  holds.erase(it);
+  takeOffBar(hold);
+}
+
+// A keeper freed with its page: the page went without disappearing.
+void keeperDealloc(Id self, SEL cmd) {
+  host::guarded("[QB] about detach ex: %@", [&] { releaseKept(self); });
+  rt::Method super = rt::getInstanceMethod(rt::getClass("NSObject"), cmd);
+  if (super) rt::call<void>(rt::methodImplementation(super), self, cmd);
+}
+
+rt::Class keeperClass() {
+  if (rt::Class cls = rt::getClass("QBAboutBarKeeper")) return cls;
+  rt::Class cls = rt::allocateClassPair(rt::getClass("NSObject"), "QBAboutBarKeeper");
+  if (!cls) return nullptr;
+  rt::registerClassPair(cls);
+  rt::addMethod(cls, rt::sel("dealloc"), keeperDealloc);
+  return cls;
+}
+
+// The page now answers for `g` on `bar`; whatever it kept before is released.
+void keepOnPage(Id page, Id bar, Id g) {
+  rt::Class cls = keeperClass();
+  if (!cls) return;
+  rt::Strong keeper = rt::Strong::adopt(rt::send<Id>(rt::send<Id>(cls, "alloc"), "init"));
+  state().barHolds[keeper.get()] = BarHold{rt::Weak(bar), rt::Weak(g)};
+  if (Id old = rt::getAssociatedObject(page, &kBarKeeper)) releaseKept(old);
+  rt::setAssociatedObject(page, &kBarKeeper, keeper.get());
+}
 
 const std::optional<std::regex>& versionPattern() {
   EntryState& s = state();
@@ -91,9 +142,24 @@ void aboutViewDidAppear(Id self, SEL cmd, bool animated) {
       "[QB] about viewDidAppear ex: %@",
       [&](auto& original) {
         original(animated);
+        rt::setAssociatedObject(self, &kShown, rt::boolNumber(true));
         // The host builds the page's labels late; the markers make repeats harmless.
         QBEntryHooks::attachAboutEntryGestures(self);
         attachLater(self, kEntryAppearAttachDelay);
+      },
+      self, cmd, animated);
+}
+
+void aboutViewWillDisappear(Id self, SEL cmd, bool animated) {
+  state().viewWillDisappear.run(
+      "[QB] about viewWillDisappear ex: %@",
+      [&](auto& original) {
+        original(animated);
+        rt::setAssociatedObject(self, &kShown, nullptr);
+        if (Id keeper = rt::getAssociatedObject(self, &kBarKeeper)) {
+          releaseKept(keeper);
+          rt::setAssociatedObject(self, &kBarKeeper, nullptr);
+        }
       },
       self, cmd, animated);
 }
@@ -133,6 +199,8 @@ void QBEntryHooks::install() {
     s.viewDidAppear.swizzle(owner, about,
                             "viewDidAppear:", "qb_about_viewDidAppear:", aboutViewDidAppear);
     s.viewDidLoad.swizzle(owner, about, "viewDidLoad", "qb_about_viewDidLoad", aboutViewDidLoad);
+    s.viewWillDisappear.swizzle(owner, about, "viewWillDisappear:",
+                                "qb_about_viewWillDisappear:", aboutViewWillDisappear);
     sys::log("[QB] entry = 关于微信 连点版本号 x5");
   });
 }
@@ -145,25 +213,19 @@ bool QBEntryHooks::isVersionText(const std::string& text, const std::string& ver
   return pattern && std::regex_search(text, *pattern);
 }
 
-// The recognizers hold the page weakly, as a recognizer holds its target: the
-// bar's stays on the navigation bar after the page is gone, and counts for the
-// page shown on it last.
+// The recognizers hold the page weakly, as a recognizer holds its target. The
+// bar's is attached only while the page is on screen: a late attach after the
+// page has gone would leave it counting on another screen of the stack.
 void QBEntryHooks::attachAboutEntryGestures(Id page) {
   Id nav = rt::send<Id>(page, "navigationController");
   Id bar = nav ? rt::send<Id>(nav, "navigationBar") : nullptr;
-  if (bar) {
-    std::vector<BarTarget>& targets = state().barTargets;
-    std::erase_if(targets, [](const BarTarget& t) { return !t.bar.lock(); });
-    auto it = std::find_if(targets.begin(), targets.end(),
-                           [&](const BarTarget& t) { return t.bar.lock().get() == bar; });
-    if (it != targets.end()) *it->page = rt::Weak(page);
+  if (bar && rt::getAssociatedObject(page, &kShown)) {
     if (!rt::getAssociatedObject(bar, &kNavMarker)) {
-      auto target = std::make_shared<rt::Weak>(page);
-      Id g = ui::addTap(bar, false, [target, bar](Id r) {
-        if (rt::Strong p = target->lock()) onNavTap(p.get(), r, bar);
+      Id g = ui::addTap(bar, false, [weak = rt::Weak(page), bar](Id r) {
+        if (rt::Strong p = weak.lock()) onNavTap(p.get(), r, bar);
       });
       rt::setAssociatedObject(bar, &kNavMarker, g);
-      targets.push_back({rt::Weak(bar), target});
+      keepOnPage(page, bar, g);
     }
   }
   std::string hint = sys::mainBundleString("CFBundleShortVersionString");

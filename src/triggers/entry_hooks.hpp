@@ -11,7 +11,8 @@
 namespace triggers {
 
 struct QBEntryHooks {
-  // Hooks the About page's viewDidLoad and viewDidAppear:, once per process.
+  // Hooks the About page's viewDidLoad, viewDidAppear: and viewWillDisappear:,
+  // once per process.
   static void install();
   // One tap of a series, from the About page `page`.
   static void onSecretTapFrom(rt::Id page);

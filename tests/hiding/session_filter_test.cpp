@@ -328,4 +328,39 @@ TEST_F(FilterThreads, CanShowFromOtherThreadsWhileTheMainThreadRefreshes) {
   EXPECT_EQ(aRefused, 0) << "a non-secret is never refused";
 }
 
+// Before the first unlock the filter asks the gate's hashes, whose answers the
+// settings remember per name: threads asking for many names at once share that.
+TEST_F(FilterThreads, CanShowFromOtherThreadsBeforeTheFirstUnlockAsksTheGate) {
+  launchWithLibrary();
+  QBConfig::shared().addSecretUser("S");
+  process.reset();
+  device.setLockedSinceRestart(true);
+  launchWithLibrary();
+  wait(2);
+  ASSERT_TRUE(QBConfig::shared().waitingForProtectedData());
+  Id mgr = rt::toId(rt::getClass("MainSessionMgr"));
+  std::vector<Id> names;
+  for (int i = 0; i < 40; ++i) names.push_back(rt::str("n" + std::to_string(i)));
+  Id s = rt::str("S");
+  std::atomic<int> refused{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 3; ++t)
+    threads.emplace_back([&] {
+      for (int i = 0; i < 100; ++i) {
+        for (Id n : names) refused += !rt::send<bool>(mgr, "canShowInMainFrame:", n);
+        rt::send<bool>(mgr, "canShowInMainFrame:", s);
+      }
+    });
+  for (long i = 0; i < 200; ++i) {
+    QBConfig::shared().setUnlocked(i % 2);
+    QBSessionHooks::refreshFilterCache();
+  }
+  for (auto& th : threads) th.join();
+  EXPECT_EQ(refused, 0) << "a non-secret is never refused";
+  QBConfig::shared().setUnlocked(false);
+  QBSessionHooks::refreshFilterCache();
+  EXPECT_FALSE(rt::send<bool>(mgr, "canShowInMainFrame:", s));
+  EXPECT_TRUE(rt::send<bool>(mgr, "canShowInMainFrame:", names[0]));
+}
+
 }  // namespace

@@ -3,7 +3,9 @@
 // falls back to the host; the host's own exception is left alone).
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <thread>
 
 #include "host/hook.hpp"
 #include "rt/exception.hpp"
@@ -11,6 +13,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/class_builder.hpp"
+#include "sim/runtime.hpp"
 #include "support/sim_world.hpp"
 
 namespace {
@@ -238,6 +241,91 @@ TEST_F(HookPolicy, AHostMethodOfOtherTypesKeepsItsOwnCodeAndIsNamedOnce) {
   EXPECT_EQ(logged("[QB] hooks installed 0 of 4, skipped: -[NarrowHost twice:], -[MoreHost "
                    "twice:], +[ClassHost thrice:], +[ClassHost thrice:]"),
             1);
+}
+
+// A void host method whose original must run: it stands for one that calls a
+// completion the host waits for.
+int finished = 0;
+void hostFinish(Id, SEL, long) { ++finished; }
+host::Hook<void(long)> finish;
+void qbFinish(Id self, SEL cmd, long x) {
+  finish.run(nullptr, [&](host::Hook<void(long)>::Original& original) { original(x); }, self, cmd,
+             x);
+}
+
+// The host's other thread runs the moment the replacement is in place, before
+// the installing code takes its next step; it must already reach the original.
+class HookThreads : public qbtest::SimWorld {
+ protected:
+  void SetUp() override {
+    finished = 0;
+    finish = {};
+  }
+  // Once `method()` answers with the replacement, `call` runs on another
+  // thread (joined), from inside the runtime's change.
+  void callFromAnotherThreadOnceInPlace(std::function<rt::Method()> method,
+                                        std::function<void()> call) {
+    calledFromThread = false;
+    process.runtime().onImplementationChanged([this, method, call] {
+      rt::Method m = method();
+      if (calledFromThread || !m ||
+          rt::methodImplementation(m) != reinterpret_cast<rt::IMP>(qbFinish))
+        return;
+      calledFromThread = true;
+      std::thread(call).join();
+    });
+  }
+  bool calledFromThread = false;
+};
+
+TEST_F(HookThreads, AHostThreadCallingTheMomentTheReplacementIsInPlaceReachesTheOriginal) {
+  rt::Class own = sim::ClassBuilder("OwnFinish").method("finish:", hostFinish).build();
+  rt::Class base = sim::ClassBuilder("BaseFinish").method("finish:", hostFinish).build();
+  rt::Class heir = sim::ClassBuilder("HeirFinish", "BaseFinish").build();
+  rt::Class meta = sim::ClassBuilder("MetaFinish").classMethod("finish:", hostFinish).build();
+  rt::Class meta2 = sim::ClassBuilder("MetaFinish2").classMethod("finish:", hostFinish).build();
+  struct Way {
+    const char* name;
+    rt::Class cls;
+    bool classMethod;
+    std::function<bool()> install;
+  };
+  const Way ways[] = {
+      {"replaced in place", own, false, [&] { return finish.replace(own, "finish:", qbFinish); }},
+      {"replaced, inherited", heir, false,
+       [&] { return finish.replace(heir, "finish:", qbFinish); }},
+      {"swizzled", base, false,
+       [&] { return finish.swizzle(base, base, "finish:", "qb_finish:", qbFinish); }},
+      {"class method set", meta, true,
+       [&] { return finish.setClassMethod(meta, "finish:", qbFinish); }},
+      {"class method exchanged", meta2, true, [&] {
+         return finish.exchangeClassMethod(meta2, "finish:", "qb_finish:", qbFinish, "v24@0:8q16");
+       }}};
+  for (const Way& way : ways) {
+    SCOPED_TRACE(way.name);
+    finish = {};
+    finished = 0;
+    rt::Class cls = way.cls;
+    Id receiver = way.classMethod ? rt::toId(cls) : rt::send<Id>(cls, "new");
+    callFromAnotherThreadOnceInPlace(
+        [cls, classMethod = way.classMethod] {
+          return classMethod ? rt::getClassMethod(cls, rt::sel("finish:"))
+                             : rt::getInstanceMethod(cls, rt::sel("finish:"));
+        },
+        [receiver] { rt::send<void>(receiver, "finish:", 1L); });
+    ASSERT_TRUE(way.install());
+    process.runtime().onImplementationChanged(nullptr);
+    EXPECT_TRUE(calledFromThread);
+    EXPECT_EQ(finished, 1) << "the call in between reached no original";
+    rt::send<void>(receiver, "finish:", 2L);
+    EXPECT_EQ(finished, 2);
+  }
+}
+
+TEST_F(HookThreads, AnExchangeThatDidNotHappenWithdrawsTheOriginal) {
+  rt::Class cls = sim::ClassBuilder("NoFinish").build();
+  EXPECT_FALSE(finish.swizzle(cls, cls, "finish:", "qb_finish:", qbFinish));
+  EXPECT_FALSE(finish.installed()) << "its qb_ name would lead back into the replacement";
 }
 
 TEST(Guarded, LogsAndAnswersTheFallbackOnlyOnFailure) {

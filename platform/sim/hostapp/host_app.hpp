@@ -121,6 +121,13 @@ class HostApp {
   rt::IMP originalImplementation(const std::string& cls, const std::string& sel) const;
   // The classes this build defined in its last process.
   std::set<std::string> definedClassNames() const;
+  // Every method this build defined, as (class, selector), "+selector" for a
+  // class method.
+  std::vector<std::pair<std::string, std::string>> definedMethods() const {
+    std::vector<std::pair<std::string, std::string>> out;
+    for (const auto& [key, imp] : originals_) out.push_back(key);
+    return out;
+  }
 
   // A chat moved to the top while the app runs: the host rebuilds its
   // session list and reloads the main list, as it does on a new message.
