@@ -33,7 +33,6 @@ struct QBSessionHooks {
   static void refreshFilterCache();
   static void addFilterListener(FilterListener listener);
   static void softReloadMainFrame();
-  static void reloadMainFrame();
   static void softReloadMainFrameForce(bool force);
   static void revealSecretsNow();
   static void forceApplyVisibility();
@@ -42,8 +41,6 @@ struct QBSessionHooks {
   // in the app switcher) must never show a secret, in any mode, while the
   // reveal state and the message gating stay as they are.
   static bool listsHideSecrets();
-  // Announces that the hidden state was applied; deliberately does nothing.
-  static void applyNativeHideState();
 
   static rt::Id sessionMgr();
   static rt::Id mainSessionMgr();

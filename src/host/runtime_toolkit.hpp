@@ -20,14 +20,16 @@ struct QBRuntime {
   // Replaces one instance method's implementation, storing the previous one
   // in `store` before installing the new one.
   static bool replace(rt::Class cls, rt::SEL sel, rt::IMP newIMP, rt::IMP* store);
-  // The type character of the method's first explicit argument ('Q' when unknown).
-  static char secondArgTypeOfMethod(rt::Method method);
   // The username a host object carries; "" for none.
   static std::string usernameFrom(rt::Id obj);
   static rt::Id mmContext();
   static rt::Id serviceCenter();
   static rt::Id serviceNamed(std::string_view className);
   static rt::Id keyWindow();
+  // The end of the chain of presentedViewController from `vc` (`vc` itself when
+  // it presents nothing), and that from the key window's root.
+  static rt::Id lastPresented(rt::Id vc);
+  static rt::Id topPresented();
   // Every view controller reachable from the key window, breadth first;
   // duplicates are kept.
   static std::vector<rt::Id> collectViewControllers();

@@ -24,9 +24,6 @@ struct QBAuth {
   static void authenticateWithMode(long mode, const std::string& reason, AuthCompletion completion);
   static void authenticateForPanel(AuthCompletion completion);
   static void authenticateForReveal(AuthCompletion completion);
-  static void authenticateWithConfiguredMode(AuthCompletion completion);
-  // The flag is ignored on purpose: the reveal mode alone decides.
-  static void authenticateToShowWithFallbackPassword(bool fallback, AuthCompletion completion);
 };
 
 inline constexpr const char* kReasonPanel = "验证以进入密友控制台";

@@ -1,18 +1,13 @@
 #include "triggers/auto_lock.hpp"
 
-#include <algorithm>
-
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
-#include "host/runtime_toolkit.hpp"
-#include "rt/send.hpp"
 #include "sys/process_state.hpp"
 #include "sys/clock.hpp"
 #include "sys/log.hpp"
 #include "sys/notifications.hpp"
 #include "sys/queue.hpp"
 #include "triggers/reveal_settle.hpp"
-#include "ui/views.hpp"
 
 namespace triggers {
 namespace {
@@ -61,36 +56,6 @@ bool QBAutoLock::lockNow(std::string_view reason, bool evenIfSuppressed) {
   sys::log("[QB] auto-lock %@", reason);
   c.lock();
   return true;
-}
-
-void QBAutoLock::flashToast(const std::string& message) {
-  if (message.empty()) return;
-  rt::Id window = host::QBRuntime::keyWindow();
-  if (!window) return;
-  ui::LabelStyle style;
-  style.font = ui::Font{14, ui::Weight::Semibold};
-  style.background = ui::Color{0, 0, 0, 0.78};
-  style.centered = true;
-  style.cornerRadius = 14;
-  style.clipsToBounds = true;
-  style.numberOfLines = 2;
-  rt::Id label = ui::makeLabel(message, style);
-  rt::CGRect bounds = rt::send<rt::CGRect>(window, "bounds");
-  double width = std::min(bounds.size.width - 40, 280.0), height = 44;
-  rt::CGPoint centre{rt::midX(bounds), bounds.size.height * 0.78};
-  rt::send<void>(label, "setFrame:",
-                 rt::CGRect{{centre.x - width / 2, centre.y - height / 2}, {width, height}});
-  rt::send<void>(label, "setAlpha:", 0.0);
-  rt::send<void>(window, "addSubview:", label);
-  ui::animate(
-      0.2, [label] { rt::send<void>(label, "setAlpha:", 1.0); },
-      [label] {
-        sys::after(1.0, [label] {
-          ui::animate(
-              0.25, [label] { rt::send<void>(label, "setAlpha:", 0.0); },
-              [label] { rt::send<void>(label, "removeFromSuperview"); });
-        });
-      });
 }
 
 }  // namespace triggers

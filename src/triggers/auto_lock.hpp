@@ -3,7 +3,6 @@
 // are observed; the duplicates of one departure fall under a short debounce.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 namespace triggers {
@@ -14,8 +13,6 @@ struct QBAutoLock {
   // The auto-lock's conditions and debounce; `evenIfSuppressed` for a reveal
   // still settling when the app leaves. True when it locked.
   static bool lockNow(std::string_view reason, bool evenIfSuppressed);
-  // A short self-dismissing message over the key window. Offered, not called.
-  static void flashToast(const std::string& message);
 };
 
 inline constexpr double kAutoLockDebounce_s = 0.8;

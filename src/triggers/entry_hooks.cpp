@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <optional>
-#include <regex>
+#include <string_view>
 #include <vector>
 
 #include "host/hook.hpp"
@@ -41,8 +40,6 @@ struct EntryState {
   double lastTapAt = 0;
   host::Hook<void()> viewDidLoad;
   host::Hook<void(bool)> viewDidAppear;
-  std::optional<std::optional<std::regex>>
-      versionPattern;  // compiled once; empty inner when it failed
 };
 
 EntryState& state() { return sys::state<EntryState>(); }
@@ -52,16 +49,13 @@ const char kNavMarker = 0;
 const char kPageMarker = 0;
 const char kLabelMarker = 0;
 
-const std::optional<std::regex>& versionPattern() {
-  EntryState& s = state();
-  if (!s.versionPattern) {
-    try {
-      s.versionPattern = std::optional<std::regex>(std::regex(R"(\d+\.\d+(\.\d+)?)"));
-    } catch (...) {
-      s.versionPattern = std::optional<std::regex>();  // the words alone decide
-    }
-  }
-  return *s.versionPattern;
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// A version number such as 8.0.49: digits, a dot, digits, anywhere in the text.
+bool holdsVersionNumber(std::string_view text) {
+  for (std::size_t i = 0; i + 2 < text.size(); ++i)
+    if (isDigit(text[i]) && text[i + 1] == '.' && isDigit(text[i + 2])) return true;
+  return false;
 }
 
 // The page is held weakly by the delayed attaches: a user who backed out
@@ -141,8 +135,7 @@ bool QBEntryHooks::isVersionText(const std::string& text, const std::string& ver
   if (!versionHint.empty() && text.find(versionHint) != std::string::npos) return true;
   if (text.find("版本") != std::string::npos) return true;
   if (rt::lowercase(text).find("version") != std::string::npos) return true;
-  const std::optional<std::regex>& pattern = versionPattern();
-  return pattern && std::regex_search(text, *pattern);
+  return holdsVersionNumber(text);
 }
 
 // The recognizers hold the page weakly, as a recognizer holds its target: the

@@ -97,21 +97,6 @@ TEST_F(Toolkit, ReplaceStoresTheOldImplementationFirst) {
                                   nullptr));
 }
 
-TEST_F(Toolkit, FirstArgumentTypeCharacter) {
-  rt::Class c = sim::ClassBuilder("Typed").build();
-  auto typeOf = [&](const char* sel, const char* types) {
-    rt::addMethod(c, rt::sel(sel), reinterpret_cast<rt::IMP>(hostGreeting), types);
-    return QBRuntime::secondArgTypeOfMethod(rt::getInstanceMethod(c, rt::sel(sel)));
-  };
-  EXPECT_EQ(typeOf("a:", "v24@0:8I16"), 'I');
-  EXPECT_EQ(typeOf("b:", "v24@0:8Q16"), 'Q');
-  EXPECT_EQ(typeOf("c:", "v24@0:8q16"), 'q');
-  EXPECT_EQ(typeOf("d:", "v24@0:8@16"), '@');
-  EXPECT_EQ(typeOf("e", "v16@0:8"), 'Q') << "no argument: the fallback";
-  EXPECT_EQ(typeOf("f", nullptr), 'Q');
-  EXPECT_EQ(QBRuntime::secondArgTypeOfMethod(nullptr), 'Q');
-}
-
 Id messageLike(const std::vector<std::pair<const char*, Id>>& keys) {
   std::vector<std::pair<Id, Id>> entries;
   for (auto& [k, v] : keys) entries.emplace_back(rt::str(k), v);

@@ -204,18 +204,4 @@ TEST_F(Drivers, TheScheduleIsAppliedOnReturnAndOnBecomingActive) {
   EXPECT_FALSE(QBConfig::shared().unlocked());
 }
 
-// Nothing in the system calls it; it shows the message and takes it away again.
-TEST_F(Drivers, FlashToastShowsAndRemovesItself) {
-  launchWithLibrary();
-  rt::Id window = host::QBRuntime::keyWindow();
-  std::size_t before = sim::viewState(window)->subviews.size();
-  triggers::QBAutoLock::flashToast("");
-  EXPECT_EQ(sim::viewState(window)->subviews.size(), before) << "an empty message shows nothing";
-  triggers::QBAutoLock::flashToast("已隐藏");
-  ASSERT_EQ(sim::viewState(window)->subviews.size(), before + 1);
-  EXPECT_EQ(sim::viewState(sim::viewState(window)->subviews.back())->text, "已隐藏");
-  wait(1.5);
-  EXPECT_EQ(sim::viewState(window)->subviews.size(), before) << "gone after fading out";
-}
-
 }  // namespace
