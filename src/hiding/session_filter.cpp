@@ -28,13 +28,13 @@ using rt::SEL;
 constexpr double kCountCacheLife_s = 0.45;
 
 // Listing by index, for a host without the session arrays: how far to ask.
-// Without the host's visible count, a little more than a long main list.
+// Rows asked for when the host gives no visible count.
 constexpr long kListingDefaultRows = 210;
-// Past the visible count: rows the host adds while it is being listed.
+// Rows asked for past the host's visible count, which may lag its list.
 constexpr long kListingMarginRows = 10;
-// Never more host calls than this, whatever the host claims to show.
+// The most rows ever asked for, whatever count the host gives.
 constexpr long kListingMaxRows = 400;
-// An empty list is given up after this many empty rows at its top.
+// Empty rows at the top after which a list with nothing found is given up.
 constexpr long kListingEmptyRowsBeforeGivingUp = 6;
 
 using RowHook = host::Hook<Id(Id)>;
@@ -103,8 +103,7 @@ Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
 
 // A count getter: the host's count first, then the rows left once the secret
 // sessions are taken out; a failure answers with the host's count. Only the
-// logic controller's count is cached (the view controller's is asked once per
-// layout pass).
+// logic controller's count is cached.
 long filteredSessionCount(sys::ExLine exLine, const CountHook& hook, const RowHook& fetch,
                           bool cached, Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
