@@ -310,15 +310,15 @@ std::vector<QBContactInfo::ListItem> QBContactInfo::listNormalContactItems() {
     // A failure skips this entry only.
     guarded("[QB] QBContactInfo listNormalContactItems ex: %@", [&] {
       bool rawIsString = rt::isString(raw);
-      std::string username =
+      std::string user =
           rawIsString ? rt::asString(raw).value_or("") : QBRuntime::usernameFrom(raw);
-      if (!isSelectableFriendUsername(std::string_view(username))) return;
-      if (!me.empty() && username == me) return;
-      if (!seen.insert(username).second) return;
-      rt::Id contact = contactForUsername(username);
+      if (!isSelectableFriendUsername(std::string_view(user))) return;
+      if (!me.empty() && user == me) return;
+      if (!seen.insert(user).second) return;
+      rt::Id contact = contactForUsername(user);
       if (!contact && !rawIsString) contact = raw;
-      Names n = namesFor(contact, username);
-      items.push_back({username, n.display.empty() ? username : n.display, n.nickname, n.remark});
+      Names n = namesFor(contact, user);
+      items.push_back({user, n.display.empty() ? user : n.display, n.nickname, n.remark});
     });
   }
   std::stable_sort(items.begin(), items.end(), [](const ListItem& a, const ListItem& b) {
