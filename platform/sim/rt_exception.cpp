@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "rt/exception.hpp"
+#include "sim/process.hpp"
+#include "sim/runtime.hpp"
 
 namespace rt {
 namespace {
@@ -32,5 +34,22 @@ void raise(std::string name, std::string reason) {
 std::string describeCurrentException() { return current().second; }
 
 std::string currentExceptionName() { return current().first; }
+
+bool handlingHostException() {
+  std::exception_ptr e = std::current_exception();
+  if (!e) return false;
+  try {
+    std::rethrow_exception(e);
+  } catch (const Exception&) {
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+void reportInternalFailure(const std::string& what) {
+  // Outside a process no test or scenario could hear of it.
+  if (sim::hasCurrentProcess()) sim::runtime().recordViolation("internal failure: " + what);
+}
 
 }  // namespace rt

@@ -3,12 +3,18 @@
 // the state changed.
 #include "core/config.hpp"
 #include "core/gate_file.hpp"
-#include "rt/exception.hpp"
-#include "sys/log.hpp"
+#include "sys/guarded.hpp"
 #include "sys/notifications.hpp"
 #include "sys/queue.hpp"
 
 namespace core {
+namespace {
+
+// Long enough for the transition under way (an alert closing, a view
+// appearing) to finish before the lists are rebuilt.
+constexpr double kStateChangedDelay_s = 0.35;
+
+}  // namespace
 
 constexpr std::size_t kGateAnswersKept = 10000;
 
@@ -90,15 +96,10 @@ bool QBConfig::tryUnlockWithPassword(std::string_view entered) {
 void QBConfig::requestVisibilitySync() { notifyStateChangedDeferred(); }
 
 void QBConfig::notifyStateChangedDeferred() {
-  // The hop and the delay let the transition under way (an alert closing, a
-  // view appearing) finish before the lists are rebuilt. Never coalesced.
+  // The hop and the delay let the transition under way finish. Never coalesced.
   sys::async([] {
-    sys::after(0.35, [] {
-      try {
-        sys::postNotification(kSecretStateChanged);
-      } catch (...) {
-        sys::log("[QB] notify ex: %@", rt::describeCurrentException());
-      }
+    sys::after(kStateChangedDelay_s, [] {
+      sys::guarded("[QB] notify ex: %@", [] { sys::postNotification(kSecretStateChanged); });
     });
   });
 }

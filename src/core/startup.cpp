@@ -12,6 +12,7 @@
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sys/guarded.hpp"
 #include "sys/log.hpp"
 #include "sys/queue.hpp"
 #include "triggers/auto_lock.hpp"
@@ -62,18 +63,16 @@ void stepC() {
 }
 
 void stepB() {
-  try {
+  sys::guarded("[QB] init FATAL: %@", [] {
     triggers::QBEntryHooks::install();
     stepC();
-  } catch (...) {
-    sys::log("[QB] init FATAL: %@", rt::describeCurrentException());
-  }
+  });
 }
 
 }  // namespace
 
 void libraryEntry() {
-  try {
+  sys::guarded("[QB] early FATAL: %@", [] {
     // The library's runtime classes exist from the moment it is loaded.
     triggers::QBShakeHooks::registerRuntimeClass();
     panel::QBPanelController::registerRuntimeClass();
@@ -85,9 +84,7 @@ void libraryEntry() {
     notify::QBNotifyHooks::watchFilterForSweeps();
     hiding::QBOutsideHooks::install();
     QBSessionHooks::install();
-  } catch (...) {
-    sys::log("[QB] early FATAL: %@", rt::describeCurrentException());
-  }
+  });
   sys::async(stepB);
 }
 

@@ -58,7 +58,7 @@ bool hiding() { return hiding::QBSessionHooks::listsHideSecrets(); }
 
 bool onShouldFilterContact(Id self, SEL cmd, Id contact) {
   return extraState().onShouldFilterContact.run(
-      nullptr,
+      "[QB] SessionSelectController onShouldFilterContact: ex: %@",
       [&](VetoHook::Original& original) {
         if (hiding() && QBExtraHooks::isSecretEntry(contact)) return true;
         return original(contact);
@@ -68,7 +68,7 @@ bool onShouldFilterContact(Id self, SEL cmd, Id contact) {
 
 bool onFilterContactCandidate(Id self, SEL cmd, Id contact) {
   return extraState().onFilterContactCandidate.run(
-      nullptr,
+      "[QB] SessionSelectView onFilterContactCandidate: ex: %@",
       [&](VetoHook::Original& original) {
         if (hiding() && QBExtraHooks::isSecretEntry(contact)) return false;
         return original(contact);
@@ -78,30 +78,35 @@ bool onFilterContactCandidate(Id self, SEL cmd, Id contact) {
 
 // --- Array results: the recent forwards and the contact lists.
 
-Id filteredArray(const ArrayHook& hook, Id self, SEL cmd) {
+Id filteredArray(sys::ExLine exLine, const ArrayHook& hook, Id self, SEL cmd) {
   return hook.run(
-      nullptr, [&](ArrayHook::Original& original) { return QBExtraHooks::filterArray(original()); },
+      exLine, [&](ArrayHook::Original& original) { return QBExtraHooks::filterArray(original()); },
       self, cmd);
 }
 
 Id recentForwardContacts(Id self, SEL cmd) {
-  return filteredArray(extraState().recentForwardContacts, self, cmd);
+  return filteredArray("[QB] SessionSelectView recentForwardContacts ex: %@",
+                       extraState().recentForwardContacts, self, cmd);
 }
 Id contactsForRecentForwardMenu(Id self, SEL cmd) {
-  return filteredArray(extraState().contactsForRecentForwardMenu, self, cmd);
+  return filteredArray("[QB] RecentForwardScrollView contactsForRecentForwardMenu ex: %@",
+                       extraState().contactsForRecentForwardMenu, self, cmd);
 }
 Id getAllNormalContact(Id self, SEL cmd) {
-  return filteredArray(extraState().getAllNormalContact, self, cmd);
+  return filteredArray("[QB] ContactsDataLogic getAllNormalContact ex: %@",
+                       extraState().getAllNormalContact, self, cmd);
 }
 Id getFavourContactArray(Id self, SEL cmd) {
-  return filteredArray(extraState().getFavourContactArray, self, cmd);
+  return filteredArray("[QB] ContactsDataLogic getFavourContactArray ex: %@",
+                       extraState().getFavourContactArray, self, cmd);
 }
 
 Id getContactsArrayWith(Id self, SEL cmd, unsigned type) {
   using Hook = host::Hook<Id(unsigned)>;
   return extraState().getContactsArrayWith.run(
-      nullptr, [&](Hook::Original& original) { return QBExtraHooks::filterArray(original(type)); },
-      self, cmd, type);
+      "[QB] ContactsDataLogic getContactsArrayWith: ex: %@",
+      [&](Hook::Original& original) { return QBExtraHooks::filterArray(original(type)); }, self,
+      cmd, type);
 }
 
 // --- Section and search dictionaries: the host fills them, then its screen
@@ -111,7 +116,7 @@ void fillSectionResult(Id self, SEL cmd, unsigned option, Id sectionKeys, Id sec
                        Id searchResult) {
   using Hook = host::Hook<void(unsigned, Id, Id, Id)>;
   extraState().fillSectionResult.run(
-      nullptr,
+      "[QB] ContactsDataLogic fillSectionResultForOption: ex: %@",
       [&](Hook::Original& original) {
         original(option, sectionKeys, sectionTitles, searchResult);
         QBExtraHooks::filterDictionaryInPlace(searchResult);
@@ -123,11 +128,11 @@ void fillSectionResult(Id self, SEL cmd, unsigned option, Id sectionKeys, Id sec
 void fillSectionResultForDicSearchResult(Id self, SEL cmd) {
   using Hook = host::Hook<void()>;
   extraState().fillSectionResultForDicSearchResult.run(
-      nullptr,
+      "[QB] ContactTagSearchFromContactLogic fillSectionResultForDicSearchResult ex: %@",
       [&](Hook::Original& original) {
         original();
         for (const char* key : kSearchDictionaryKeys)
-          host::guarded(nullptr,
+          host::guarded("[QB] ContactTagSearchFromContactLogic search dictionary ex: %@",
                         [&] { QBExtraHooks::filterDictionaryInPlace(rt::probeKey(self, key)); });
       },
       self, cmd);
@@ -150,7 +155,7 @@ Id withoutSecrets(Id dictionary) {
 
 Id getDicContacts(Id self, SEL cmd) {
   return extraState().getDicContacts.run(
-      nullptr,
+      "[QB] FTSContactDataProvider getDicContacts ex: %@",
       [&](ArrayHook::Original& original) -> Id {
         Id result = original();
         if (!result || !hiding()) return result;
@@ -177,7 +182,7 @@ unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
   using Hook = host::Hook<unsigned long()>;
   ExtraHooksState& s = extraState();
   return s.countOfTimelineDataItem.run(
-      nullptr,
+      "[QB] WCFacade countOfTimelineDataItem ex: %@",
       [&](Hook::Original& original) -> unsigned long {
         unsigned long n = original();
         if (!hiding() || !s.getTimelineDataItemOfIndex.installed()) return n;
@@ -194,7 +199,7 @@ Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
   using Hook = host::Hook<Id(long)>;
   ExtraHooksState& s = extraState();
   return s.getTimelineDataItemOfIndex.run(
-      nullptr,
+      "[QB] WCFacade getTimelineDataItemOfIndex: ex: %@",
       [&](Hook::Original& original) -> Id {
         if (!original.available()) return nullptr;
         if (!hiding()) return original(index);
@@ -217,7 +222,7 @@ void filterDictionary(Id d, int depth) {
   if (!d || depth > kMaxDictionaryDepth || !hiding()) return;
   if (!rt::respondsTo(d, rt::sel("allKeys")) || !rt::respondsTo(d, rt::sel("setObject:forKey:")))
     return;
-  host::guarded(nullptr, [&] {
+  host::guarded("[QB] QBExtraHooks filterDictionary ex: %@", [&] {
     for (Id key : rt::elements(rt::send<Id>(d, "allKeys"))) {
       Id value = rt::objectForKey(d, key);
       if (rt::isArray(value))

@@ -12,6 +12,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/clock.hpp"
+#include "sys/guarded.hpp"
 #include "sys/log.hpp"
 #include "sys/notifications.hpp"
 #include "sys/queue.hpp"
@@ -28,6 +29,15 @@ constexpr double kSoftReloadThrottle_s = 0.75;
 constexpr double kForceApplyThrottle_s = 1.0;
 constexpr double kAppearanceThrottle_s = 0.8;
 constexpr double kScrollRetryDelay_s = 0.4;
+// After the host's own viewDidLoad / viewDidAppear: have the list built first.
+constexpr double kAfterLoadReapply_s = 0.15;
+constexpr double kAfterAppearReapply_s = 0.2;
+// Back in the app: the reload waits for the return's own layout pass.
+constexpr double kReturnReload_s = 0.25;
+// The reveal's two passes: once the host has rebuilt its sessions, and once
+// more for a host that rebuilds late.
+constexpr double kRevealFirstPass_s = 0.25;
+constexpr double kRevealSecondPass_s = 0.8;
 
 constexpr const char* kDataLogicKeys[] = {"m_contactsDataLogic", "m_dataLogic",
                                           "_contactsDataLogic"};
@@ -64,17 +74,17 @@ bool isMainFrame(Id self) { return rt::className(self) == kMainFrameClass; }
 // leaves the host's appearance as it was.
 void qbMainViewDidLoad(Id self, SEL cmd) {
   sessionState().mainViewDidLoad.run(
-      nullptr,
+      "[QB] NewMainFrameViewController viewDidLoad ex: %@",
       [&](host::Hook<void()>::Original& original) {
         original();
-        if (isMainFrame(self)) sys::after(0.15, mainFrameReapply);
+        if (isMainFrame(self)) sys::after(kAfterLoadReapply_s, mainFrameReapply);
       },
       self, cmd);
 }
 
 void qbMainViewWillAppear(Id self, SEL cmd, bool animated) {
   sessionState().mainViewWillAppear.run(
-      nullptr,
+      "[QB] NewMainFrameViewController viewWillAppear: ex: %@",
       [&](host::Hook<void(bool)>::Original& original) {
         original(animated);
         if (isMainFrame(self)) QBSessionHooks::refreshFilterCache();
@@ -84,10 +94,10 @@ void qbMainViewWillAppear(Id self, SEL cmd, bool animated) {
 
 void qbMainViewDidAppear(Id self, SEL cmd, bool animated) {
   sessionState().mainViewDidAppear.run(
-      nullptr,
+      "[QB] NewMainFrameViewController viewDidAppear: ex: %@",
       [&](host::Hook<void(bool)>::Original& original) {
         original(animated);
-        if (isMainFrame(self)) sys::after(0.2, mainFrameReapply);
+        if (isMainFrame(self)) sys::after(kAfterAppearReapply_s, mainFrameReapply);
       },
       self, cmd, animated);
 }
@@ -140,7 +150,7 @@ void installObservers() {
       QBSessionHooks::refreshFilterCache();
     } else if (c.secretCount() > 0 && !c.unlocked()) {
       QBSessionHooks::refreshFilterCache();
-      sys::after(0.25, [] { QBSessionHooks::softReloadMainFrame(); });
+      sys::after(kReturnReload_s, [] { QBSessionHooks::softReloadMainFrame(); });
     }
   });
 }
@@ -163,16 +173,14 @@ void QBSessionHooks::install() {
   SessionHooksState& s = sessionState();
   if (s.installed) return;
   s.installed = true;
-  try {
+  host::guarded("[QB] install FATAL: %@", [] {
     QBConfig::shared().setUnlocked(false);
     refreshFilterCache();
     installSessionFilterHooks();
     installLifecycleHooks();
     installObservers();
     sys::log("[QB] session hooks READY (early, default secret)");
-  } catch (...) {
-    sys::log("[QB] install FATAL: %@", rt::describeCurrentException());
-  }
+  });
 }
 
 bool QBSessionHooks::listsHideSecrets() {
@@ -191,53 +199,55 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
   if (!force && now - s.lastSoftReloadAt < kSoftReloadThrottle_s) return;
   s.lastSoftReloadAt = now;
   s.reloadBusy = true;
-  try {
-    for (Id vc : QBRuntime::collectViewControllers()) {
-      std::string_view name = rt::className(vc);
-      bool main = name == kMainFrameClass;
-      if (!main && name != kContactsScreenClass) continue;
-      if (!main) {
-        for (const char* key : kDataLogicKeys) {
-          Id logic = rt::probeKey(vc, key);
-          if (logic && rt::respondsTo(logic, rt::sel("reloadContacts"))) {
-            rt::send<void>(logic, "reloadContacts");
-            sys::log("[QB] reloadContacts");
-            break;
+  // A main list under the user's finger defers the whole reload, busy until the retry.
+  bool deferred = host::guarded(
+      "[QB] softReload ex: %@",
+      [&] {
+        for (Id vc : QBRuntime::collectViewControllers()) {
+          std::string_view name = rt::className(vc);
+          bool main = name == kMainFrameClass;
+          if (!main && name != kContactsScreenClass) continue;
+          if (!main) {
+            for (const char* key : kDataLogicKeys) {
+              Id logic = rt::probeKey(vc, key);
+              if (logic && rt::respondsTo(logic, rt::sel("reloadContacts"))) {
+                rt::send<void>(logic, "reloadContacts");
+                sys::log("[QB] reloadContacts");
+                break;
+              }
+            }
           }
+          bool reloaded = false;
+          if (Id table = tableOf(vc)) {
+            if (main && !force &&
+                (rt::send<bool>(table, "isDragging") || rt::send<bool>(table, "isDecelerating"))) {
+              // Reloading under the user's finger jumps the list; try again shortly, forced.
+              sys::after(kScrollRetryDelay_s, [] {
+                SessionHooksState& st = sessionState();
+                st.reloadBusy = false;
+                st.lastSoftReloadAt = 0;
+                softReloadMainFrameForce(true);
+              });
+              return true;
+            }
+            rt::send<void>(table, "reloadData");
+            reloaded = true;
+            if (main)
+              sys::log("[QB] softReload main force=%d", force);
+            else
+              sys::log("[QB] softReload contacts");
+          }
+          if (main && force && !reloaded && rt::respondsTo(vc, rt::sel("reloadSessions")))
+            rt::send<void>(vc, "reloadSessions");
         }
-      }
-      bool reloaded = false;
-      if (Id table = tableOf(vc)) {
-        if (main && !force &&
-            (rt::send<bool>(table, "isDragging") || rt::send<bool>(table, "isDecelerating"))) {
-          // Reloading under the user's finger jumps the list; try again shortly, forced.
-          sys::after(kScrollRetryDelay_s, [] {
-            SessionHooksState& st = sessionState();
-            st.reloadBusy = false;
-            st.lastSoftReloadAt = 0;
-            softReloadMainFrameForce(true);
-          });
-          return;
-        }
-        rt::send<void>(table, "reloadData");
-        reloaded = true;
-        if (main)
-          sys::log("[QB] softReload main force=%d", force);
-        else
-          sys::log("[QB] softReload contacts");
-      }
-      if (main && force && !reloaded && rt::respondsTo(vc, rt::sel("reloadSessions")))
-        rt::send<void>(vc, "reloadSessions");
-    }
-    s.reloadBusy = false;
-  } catch (...) {
-    sys::log("[QB] softReload ex: %@", rt::describeCurrentException());
-    s.reloadBusy = false;
-  }
+        return false;
+      },
+      false);
+  if (!deferred) s.reloadBusy = false;
 }
 
 void QBSessionHooks::revealSecretsNow() {
-  try {
+  host::guarded("[QB] reveal ex: %@", [] {
     refreshFilterCache();
     if (listsHideSecrets()) {
       sys::log("[QB] reveal skipped still hidden");
@@ -251,26 +261,23 @@ void QBSessionHooks::revealSecretsNow() {
       if (rt::respondsTo(mgr, rt::sel("updateMainSessionList")))
         rt::send<void>(mgr, "updateMainSessionList");
     }
-    sys::after(0.25, [] {
+    sys::after(kRevealFirstPass_s, [] {
       refreshFilterCache();
       for (Id vc : QBRuntime::collectViewControllers()) {
         if (rt::className(vc) != kMainFrameClass) continue;
-        try {
+        sys::quietly([vc] {
           if (rt::respondsTo(vc, rt::sel("reloadSessions"))) rt::send<void>(vc, "reloadSessions");
-        } catch (...) {
-        }
+        });
         break;
       }
       softReloadMainFrameForce(true);
     });
-    sys::after(0.8, [] {
+    sys::after(kRevealSecondPass_s, [] {
       if (!QBConfig::shared().unlocked()) return;  // a quick hide in between is not undone
       refreshFilterCache();
       softReloadMainFrameForce(true);
     });
-  } catch (...) {
-    sys::log("[QB] reveal ex: %@", rt::describeCurrentException());
-  }
+  });
 }
 
 void QBSessionHooks::forceApplyVisibility() {
@@ -285,7 +292,7 @@ void QBSessionHooks::forceApplyVisibility() {
   if (now - s.lastForceApplyAt < kForceApplyThrottle_s) return;
   s.lastForceApplyAt = now;
   s.applyBusy = true;
-  try {
+  host::guarded("[QB] forceApply ex: %@", [&c] {
     refreshFilterCache();
     if (c.secretCount() > 0) {
       if (listsHideSecrets())
@@ -293,9 +300,7 @@ void QBSessionHooks::forceApplyVisibility() {
       else
         revealSecretsNow();
     }
-  } catch (...) {
-    sys::log("[QB] forceApply ex: %@", rt::describeCurrentException());
-  }
+  });
   s.applyBusy = false;
 }
 

@@ -27,6 +27,16 @@ using rt::SEL;
 
 constexpr double kCountCacheLife_s = 0.45;
 
+// Listing by index, for a host without the session arrays: how far to ask.
+// Rows asked for when the host gives no visible count.
+constexpr long kListingDefaultRows = 210;
+// Rows asked for past the host's visible count, which may lag its list.
+constexpr long kListingMarginRows = 10;
+// The most rows ever asked for, whatever count the host gives.
+constexpr long kListingMaxRows = 400;
+// Empty rows at the top after which a list with nothing found is given up.
+constexpr long kListingEmptyRowsBeforeGivingUp = 6;
+
 using RowHook = host::Hook<Id(Id)>;
 using CountHook = host::Hook<long(long)>;
 
@@ -51,14 +61,14 @@ long hostCount(const CountHook& count, Id self, long section) {
 // A row getter over the host's rows: the visible row is mapped onto the
 // host's index by walking the host's sessions (`fetch`) up to the host's
 // count (`count`), then answered by the hook's original for that index.
-Id remappedRow(const RowHook& hook, Id self, SEL cmd, Id indexPath, const CountHook& count,
-               const RowHook& fetch) {
+Id remappedRow(sys::ExLine exLine, const RowHook& hook, Id self, SEL cmd, Id indexPath,
+               const CountHook& count, const RowHook& fetch) {
   SessionHooksState& s = sessionState();
   if (!QBSessionHooks::filterActive() || s.depth != 0 || !rt::isIndexPath(indexPath))
     return hook.originalOr(self, cmd, indexPath);
   DepthGuard guard(s.depth);
   return hook.run(
-      nullptr,
+      exLine,
       [&](RowHook::Original& original) -> Id {
         long section = rt::indexPathSection(indexPath);
         long n = hostCount(count, self, section);
@@ -77,7 +87,8 @@ const RowHook& logicFetch() { return sessionState().getSessionInfoAtIndexPath; }
 
 Id getSessionInfoAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
+  return remappedRow("[QB] MainFrameLogicController getSessionInfoAtIndexPath: ex: %@",
+                     s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
                      logicFetch());
 }
 
@@ -85,32 +96,40 @@ Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
   const RowHook& fetch =
       s.getSessionInfoAtIndexPath.installed() ? logicFetch() : s.getCellDataAtIndexPath;
-  return remappedRow(s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
+  return remappedRow("[QB] MainFrameLogicController getCellDataAtIndexPath: ex: %@",
+                     s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
                      fetch);
 }
 
-// Calls the original first, then filters; a failure answers with that count.
-long getSessionCountForSection(Id self, SEL cmd, long section) {
+// A count getter: the host's count first, then the rows left once the secret
+// sessions are taken out; a failure answers with the host's count. Only the
+// logic controller's count is cached.
+long filteredSessionCount(sys::ExLine exLine, const CountHook& hook, const RowHook& fetch,
+                          bool cached, Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
-  return s.getSessionCountForSection.run(
-      nullptr,
+  return hook.run(
+      exLine,
       [&](CountHook::Original& original) -> long {
         long n = original(section);
-        if (!QBSessionHooks::filterActive() || s.depth != 0 ||
-            !s.getSessionInfoAtIndexPath.installed())
-          return n;
+        if (!QBSessionHooks::filterActive() || s.depth != 0 || !fetch.installed()) return n;
         double now = sys::mediaTime();
-        if (s.cachedSection == section && s.cachedCount >= 0 &&
+        if (cached && s.cachedSection == section && s.cachedCount >= 0 &&
             now - s.cachedAt < kCountCacheLife_s)
           return long(s.cachedCount);
         DepthGuard guard(s.depth);
         long filtered = n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-          return fetchAt(logicFetch(), self, i, section);
+          return fetchAt(fetch, self, i, section);
         });
-        s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
+        if (cached) s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
         return filtered;
       },
       self, cmd, section);
+}
+
+long getSessionCountForSection(Id self, SEL cmd, long section) {
+  SessionHooksState& s = sessionState();
+  return filteredSessionCount("[QB] MainFrameLogicController getSessionCountForSection: ex: %@",
+                              s.getSessionCountForSection, logicFetch(), true, self, cmd, section);
 }
 
 // --- NewMainFrameViewController
@@ -119,7 +138,8 @@ const RowHook& viewFetch() { return sessionState().logicGetSessionAtIndexPath; }
 
 Id logicGetSessionAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
-  return remappedRow(s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
+  return remappedRow("[QB] NewMainFrameViewController logicGetSessionAtIndexPath: ex: %@",
+                     s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
                      viewFetch());
 }
 
@@ -127,31 +147,15 @@ Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
   const RowHook& fetch =
       s.logicGetSessionAtIndexPath.installed() ? viewFetch() : s.logicGetCellDataAtIndexPath;
-  return remappedRow(s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
+  return remappedRow("[QB] NewMainFrameViewController logicGetCellDataAtIndexPath: ex: %@",
+                     s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
                      fetch);
 }
 
-// Depth is set to 1 rather than incremented (this is the outermost call) and
-// the original is asked first; a failure answers with that count.
 long logicGetCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
-  return s.logicGetCountForSection.run(
-      nullptr,
-      [&](CountHook::Original& original) -> long {
-        long n = original(section);
-        if (!QBSessionHooks::filterActive() || s.depth != 0 ||
-            !s.logicGetSessionAtIndexPath.installed())
-          return n;
-        s.depth = 1;
-        struct Leave {
-          int& depth;
-          ~Leave() { --depth; }
-        } leave{s.depth};
-        return n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-          return fetchAt(viewFetch(), self, i, section);
-        });
-      },
-      self, cmd, section);
+  return filteredSessionCount("[QB] NewMainFrameViewController logicGetCountForSection: ex: %@",
+                              s.logicGetCountForSection, viewFetch(), false, self, cmd, section);
 }
 
 long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
@@ -166,7 +170,7 @@ long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
 bool canShowInMainFrame(Id self, SEL cmd, Id arg) {
   SessionHooksState& s = sessionState();
   return s.canShowInMainFrame.run(
-      nullptr,
+      "[QB] MainSessionMgr canShowInMainFrame: ex: %@",
       [&](host::Hook<bool(Id)>::Original& original) {
         // Asked from the host's other threads too: the filter taken whole.
         std::shared_ptr<const Filter> f = currentFilter();
@@ -264,15 +268,15 @@ std::vector<std::string> QBSessionHooks::listSessionUsernames() {
         setLastListPath("MainSessionMgr");
         return out;
       }
-      long limit = 210;
+      long limit = kListingDefaultRows;
       if (rt::respondsTo(mgr, rt::sel("visibleNormalSessionCount"))) {
         long v = rt::send<long>(mgr, "visibleNormalSessionCount");
-        limit = v >= 1 ? v + 10 : 210;
+        limit = v >= 1 ? v + kListingMarginRows : kListingDefaultRows;
       }
       if (rt::respondsTo(mgr, rt::sel("getNormalSessionAtIndex:"))) {
-        for (long i = 0; i < std::min(limit, 400L); ++i) {
+        for (long i = 0; i < std::min(limit, kListingMaxRows); ++i) {
           Id session = rt::send<Id>(mgr, "getNormalSessionAtIndex:", i);
-          if (!session && i >= 6 && out.empty()) break;
+          if (!session && i >= kListingEmptyRowsBeforeGivingUp && out.empty()) break;
           collect(rt::array(session ? std::vector<Id>{session} : std::vector<Id>{}), out);
         }
         if (!out.empty()) {
@@ -290,6 +294,7 @@ std::vector<std::string> QBSessionHooks::listSessionUsernames() {
             out);
     setLastListPath(out.empty() ? "empty" : "m_arrSessionInfo");
   } catch (...) {
+    host::logCaught("[QB] MainSessionMgr session listing ex: %@");
     setLastListPath(rt::currentExceptionName());
   }
   return out;

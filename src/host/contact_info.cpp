@@ -4,8 +4,8 @@
 #include <unordered_set>
 
 #include "base/utf8.hpp"
+#include "host/hook.hpp"
 #include "host/runtime_toolkit.hpp"
-#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
@@ -30,6 +30,33 @@ bool isPoor(rt::Id contact) {
 
 rt::Id image(rt::Id candidate) { return QBContactInfo::asUIImage(candidate); }
 
+// A contact's names as a record and the picker list show them.
+struct Names {
+  std::string remark, nickname, display;
+  rt::Id contact;  // the one the names came from last: the avatar's
+};
+
+// The names of `contact`; a poor entry (no nickname and no remark, or nothing
+// better to show than the username) is read again from the database, whose
+// names win where they say more.
+Names namesFor(rt::Id contact, std::string_view username) {
+  Names n{QBContactInfo::propertyString(contact, kRemarkKeys),
+          QBContactInfo::propertyString(contact, kNicknameKeys),
+          QBContactInfo::displayNameFromContact(contact, username), contact};
+  if (!(n.nickname.empty() && n.remark.empty()) && n.display != username) return n;
+  rt::Id mgr = QBContactInfo::contactMgr();
+  if (!responds(mgr, "getContactByNameFromDB:")) return n;
+  rt::Id db = rt::send<rt::Id>(mgr, "getContactByNameFromDB:", rt::str(username));
+  if (!db || db == contact) return n;
+  if (std::string r = QBContactInfo::propertyString(db, kRemarkKeysShort); !r.empty()) n.remark = r;
+  if (std::string k = QBContactInfo::propertyString(db, kNicknameKeysShort); !k.empty())
+    n.nickname = k;
+  std::string d = QBContactInfo::displayNameFromContact(db, username);
+  if (!d.empty() && d != username) n.display = d;
+  n.contact = db;
+  return n;
+}
+
 }  // namespace
 
 rt::Id QBContactInfo::contactMgr() { return QBRuntime::serviceNamed("CContactMgr"); }
@@ -38,19 +65,21 @@ rt::Id QBContactInfo::contactForUsername(std::string_view username) {
   if (username.empty()) return nullptr;
   rt::Id mgr = contactMgr();
   if (!mgr) return nullptr;
-  rt::Id fallback = nullptr;
-  try {
-    for (std::string_view selector : kLookupSelectors) {
-      if (!responds(mgr, selector)) continue;
-      rt::Id found = rt::send<rt::Id>(mgr, selector, rt::str(username));
-      if (!found) continue;
-      if (!isPoor(found)) return found;
-      if (!fallback) fallback = found;
-    }
-  } catch (...) {
-    sys::log("[QB] contactForUsername ex: %@", rt::describeCurrentException());
-  }
-  return fallback;
+  rt::Id fallback = nullptr;  // the first poor entry, kept across a failure
+  rt::Id rich = host::guarded(
+      "[QB] contactForUsername ex: %@",
+      [&]() -> rt::Id {
+        for (std::string_view selector : kLookupSelectors) {
+          if (!responds(mgr, selector)) continue;
+          rt::Id found = rt::send<rt::Id>(mgr, selector, rt::str(username));
+          if (!found) continue;
+          if (!isPoor(found)) return found;
+          if (!fallback) fallback = found;
+        }
+        return nullptr;
+      },
+      rt::Id{});
+  return rich ? rich : fallback;
 }
 
 std::string QBContactInfo::stringValue(rt::Id obj, std::string_view key) {
@@ -61,28 +90,29 @@ std::string QBContactInfo::stringValue(rt::Id obj, std::string_view key) {
 std::string QBContactInfo::propertyString(rt::Id obj, const std::vector<std::string_view>& names) {
   if (!obj) return "";
   for (std::string_view name : names) {
-    try {
-      std::string s = stringValue(obj, name);
-      if (!s.empty()) return s;
-      if (responds(obj, name)) {
-        if (auto r = rt::nonEmptyString(rt::send<rt::Id>(obj, name))) return *r;
-      }
-    } catch (...) {
-      // The next name, then.
-    }
+    // A name that fails gives way to the next.
+    std::string s = quietly(
+        [&] {
+          std::string v = stringValue(obj, name);
+          if (v.empty() && responds(obj, name))
+            v = rt::nonEmptyString(rt::send<rt::Id>(obj, name)).value_or("");
+          return v;
+        },
+        std::string());
+    if (!s.empty()) return s;
   }
   return "";
 }
 
 std::string QBContactInfo::displayNameFromContact(rt::Id contact, std::string_view username) {
   if (!contact) return std::string(username);
-  try {
-    if (responds(contact, "getContactDisplayName")) {
-      if (auto s = rt::nonEmptyString(rt::send<rt::Id>(contact, "getContactDisplayName")))
-        return *s;
-    }
-  } catch (...) {
-  }
+  std::string own = quietly(
+      [contact] {
+        if (!responds(contact, "getContactDisplayName")) return std::string();
+        return rt::nonEmptyString(rt::send<rt::Id>(contact, "getContactDisplayName")).value_or("");
+      },
+      std::string());
+  if (!own.empty()) return own;
   for (const auto* list : {&kRemarkKeys, &kNicknameKeys, &kAliasKeys}) {
     std::string s = propertyString(contact, *list);
     if (!s.empty()) return s;
@@ -100,50 +130,56 @@ rt::Id QBContactInfo::asUIImage(rt::Id obj) { return rt::isKindOf(obj, "UIImage"
 rt::Id QBContactInfo::avatarForUsername(std::string_view username, rt::Id contact) {
   if (username.empty()) return placeholderAvatar("?");
   rt::Id name = rt::str(username);
-  try {
-    if (rt::Id heads = QBRuntime::serviceNamed("MMHeadImageMgr")) {
-      struct Tries {
-        const char* selector;
-        unsigned categories;
-      };
-      for (Tries t :
-           {Tries{"getHeadImage:withCategory:", 4}, Tries{"getOriginalHeadImage:withCategory:", 3},
-            Tries{"getOriginalHDHeadImg:withCategory:", 3}}) {
-        if (!responds(heads, t.selector)) continue;
-        for (unsigned category = 0; category < t.categories; ++category)
-          if (rt::Id img = image(rt::send<rt::Id>(heads, t.selector, name, category))) return img;
-      }
-    }
-  } catch (...) {
-    sys::log("[QB] headMgr ex: %@", rt::describeCurrentException());
-  }
+  rt::Id img = guarded(
+      "[QB] headMgr ex: %@",
+      [name]() -> rt::Id {
+        rt::Id heads = QBRuntime::serviceNamed("MMHeadImageMgr");
+        if (!heads) return nullptr;
+        struct Tries {
+          const char* selector;
+          unsigned categories;
+        };
+        for (Tries t : {Tries{"getHeadImage:withCategory:", 4},
+                        Tries{"getOriginalHeadImage:withCategory:", 3},
+                        Tries{"getOriginalHDHeadImg:withCategory:", 3}}) {
+          if (!responds(heads, t.selector)) continue;
+          for (unsigned category = 0; category < t.categories; ++category)
+            if (rt::Id i = image(rt::send<rt::Id>(heads, t.selector, name, category))) return i;
+        }
+        return nullptr;
+      },
+      rt::Id{});
+  if (img) return img;
   if (contact) {
-    try {
-      if (responds(contact, "getContactHeadImage"))
-        if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage"))) return img;
-      if (responds(contact, "getContactHeadImage:")) {
-        if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage:", true))) return img;
-        if (rt::Id img = image(rt::send<rt::Id>(contact, "getContactHeadImage:", false)))
-          return img;
-      }
-    } catch (...) {
-    }
+    img = quietly(
+        [contact]() -> rt::Id {
+          if (responds(contact, "getContactHeadImage"))
+            if (rt::Id i = image(rt::send<rt::Id>(contact, "getContactHeadImage"))) return i;
+          if (!responds(contact, "getContactHeadImage:")) return nullptr;
+          if (rt::Id i = image(rt::send<rt::Id>(contact, "getContactHeadImage:", true))) return i;
+          return image(rt::send<rt::Id>(contact, "getContactHeadImage:", false));
+        },
+        rt::Id{});
+    if (img) return img;
   }
-  try {
-    rt::Class headClass = rt::getClass("MMHeadImageMgr");
-    if (headClass &&
-        rt::respondsTo(rt::toId(headClass), rt::sel("getHeadImgPathForOldVersion:isHD:"))) {
-      for (bool hd : {false, true}) {
-        auto path = rt::nonEmptyString(
-            rt::send<rt::Id>(headClass, "getHeadImgPathForOldVersion:isHD:", name, hd));
-        if (!path || !sys::fileExists(*path)) continue;
-        if (rt::Id img = image(rt::send<rt::Id>(rt::getClass("UIImage"),
+  img = quietly(
+      [name]() -> rt::Id {
+        rt::Class headClass = rt::getClass("MMHeadImageMgr");
+        if (!headClass ||
+            !rt::respondsTo(rt::toId(headClass), rt::sel("getHeadImgPathForOldVersion:isHD:")))
+          return nullptr;
+        for (bool hd : {false, true}) {
+          auto path = rt::nonEmptyString(
+              rt::send<rt::Id>(headClass, "getHeadImgPathForOldVersion:isHD:", name, hd));
+          if (!path || !sys::fileExists(*path)) continue;
+          if (rt::Id i = image(rt::send<rt::Id>(rt::getClass("UIImage"),
                                                 "imageWithContentsOfFile:", rt::str(*path))))
-          return img;
-      }
-    }
-  } catch (...) {
-  }
+            return i;
+        }
+        return nullptr;
+      },
+      rt::Id{});
+  if (img) return img;
   std::string display = displayNameFromContact(contact, username);
   return placeholderAvatar(display.empty() ? "?" : display);
 }
@@ -161,34 +197,25 @@ rt::Id QBContactInfo::placeholderAvatar(std::string_view text) {
 
 void QBContactInfo::fillInfo(QBContactInfo& info, rt::Id contact, std::string_view username) {
   info.username = std::string(username);
-  info.remark = propertyString(contact, kRemarkKeys);
-  info.nickname = propertyString(contact, kNicknameKeys);
-  info.displayName = displayNameFromContact(contact, username);
-  rt::Id forAvatar = contact;
-  if ((info.nickname.empty() && info.remark.empty()) || info.displayName == username) {
-    rt::Id mgr = contactMgr();
-    if (responds(mgr, "getContactByNameFromDB:")) {
-      rt::Id db = rt::send<rt::Id>(mgr, "getContactByNameFromDB:", rt::str(username));
-      if (db && db != contact) {
-        if (std::string r = propertyString(db, kRemarkKeysShort); !r.empty()) info.remark = r;
-        if (std::string n = propertyString(db, kNicknameKeysShort); !n.empty()) info.nickname = n;
-        std::string d = displayNameFromContact(db, username);
-        if (!d.empty() && d != username) info.displayName = d;
-        forAvatar = db;
-      }
-    }
-  }
-  info.avatar = avatarForUsername(username, forAvatar);
+  Names n = namesFor(contact, username);
+  info.remark = n.remark;
+  info.nickname = n.nickname;
+  info.displayName = n.display;
+  info.avatar = avatarForUsername(username, n.contact);
 }
 
 QBContactInfo QBContactInfo::infoForUsername(std::string_view username) {
   QBContactInfo info;
   info.username = std::string(username);
   info.displayName = std::string(username);
-  try {
-    fillInfo(info, contactForUsername(username), username);
-  } catch (...) {
-    sys::log("[QB] contactInfo ex: %@", rt::describeCurrentException());
+  bool filled = guarded(
+      "[QB] contactInfo ex: %@",
+      [&] {
+        fillInfo(info, contactForUsername(username), username);
+        return true;
+      },
+      false);
+  if (!filled) {
     info.displayName = std::string(username);
     info.avatar = placeholderAvatar(username.empty() ? "?" : username);
   }
@@ -207,19 +234,20 @@ bool QBContactInfo::isSelectableFriendUsername(rt::Id obj) {
 }
 
 std::string QBContactInfo::selfUsername() {
-  try {
-    rt::Id mgr = contactMgr();
-    if (!mgr) return "";
-    for (std::string_view selector : kSelfSelectors) {
-      if (!responds(mgr, selector)) continue;
-      rt::Id r = rt::send<rt::Id>(mgr, selector);
-      if (auto s = rt::nonEmptyString(r)) return *s;
-      std::string u = QBRuntime::usernameFrom(r);
-      if (!u.empty()) return u;
-    }
-  } catch (...) {
-  }
-  return "";
+  return quietly(
+      []() -> std::string {
+        rt::Id mgr = contactMgr();
+        if (!mgr) return "";
+        for (std::string_view selector : kSelfSelectors) {
+          if (!responds(mgr, selector)) continue;
+          rt::Id r = rt::send<rt::Id>(mgr, selector);
+          if (auto s = rt::nonEmptyString(r)) return *s;
+          std::string u = QBRuntime::usernameFrom(r);
+          if (!u.empty()) return u;
+        }
+        return "";
+      },
+      std::string());
 }
 
 void QBContactInfo::appendContacts(rt::Id obj, std::vector<rt::Id>& into) {
@@ -230,7 +258,7 @@ void QBContactInfo::appendContacts(rt::Id obj, std::vector<rt::Id>& into) {
 std::vector<rt::Id> QBContactInfo::rawNormalContacts() {
   std::vector<rt::Id> list;
   rt::Id mgr = contactMgr();
-  try {
+  guarded("[QB] CContactMgr list ex: %@", [&] {
     if (responds(mgr, "getContactList:contactType:needLoadExt:")) {
       for (unsigned type : kContactListTypes) {
         appendContacts(
@@ -244,11 +272,9 @@ std::vector<rt::Id> QBContactInfo::rawNormalContacts() {
         if (!list.empty()) break;
       }
     }
-  } catch (...) {
-    sys::log("[QB] CContactMgr list ex: %@", rt::describeCurrentException());
-  }
+  });
   if (list.empty()) {
-    try {
+    guarded("[QB] ContactsDataLogic list ex: %@", [&] {
       if (rt::Class logicClass = rt::getClass("ContactsDataLogic")) {
         rt::Id logic = rt::send<rt::Id>(logicClass, "alloc");
         if (rt::instancesRespondTo(logicClass, rt::sel("initWithScene:delegate:sort:")))
@@ -260,16 +286,13 @@ std::vector<rt::Id> QBContactInfo::rawNormalContacts() {
         for (std::string_view selector : kDataLogicListSelectors)
           if (responds(logic, selector)) appendContacts(rt::send<rt::Id>(logic, selector), list);
       }
-    } catch (...) {
-      sys::log("[QB] ContactsDataLogic list ex: %@", rt::describeCurrentException());
-    }
+    });
   }
   if (list.empty()) {
-    try {
+    quietly([&] {
       if (responds(mgr, "getAllContactUserName"))
         appendContacts(rt::send<rt::Id>(mgr, "getAllContactUserName"), list);
-    } catch (...) {
-    }
+    });
   }
   return list;
 }
@@ -279,32 +302,19 @@ std::vector<QBContactInfo::ListItem> QBContactInfo::listNormalContactItems() {
   std::unordered_set<std::string> seen;
   std::vector<ListItem> items;
   for (rt::Id raw : rawNormalContacts()) {
-    try {
+    // A failure skips this entry only.
+    guarded("[QB] QBContactInfo listNormalContactItems ex: %@", [&] {
       bool rawIsString = rt::isString(raw);
-      std::string username =
+      std::string user =
           rawIsString ? rt::asString(raw).value_or("") : QBRuntime::usernameFrom(raw);
-      if (!isSelectableFriendUsername(std::string_view(username))) continue;
-      if (!me.empty() && username == me) continue;
-      if (!seen.insert(username).second) continue;
-      rt::Id contact = contactForUsername(username);
+      if (!isSelectableFriendUsername(std::string_view(user))) return;
+      if (!me.empty() && user == me) return;
+      if (!seen.insert(user).second) return;
+      rt::Id contact = contactForUsername(user);
       if (!contact && !rawIsString) contact = raw;
-      std::string remark = propertyString(contact, kRemarkKeys);
-      std::string nickname = propertyString(contact, kNicknameKeys);
-      std::string display = displayNameFromContact(contact, username);
-      if ((nickname.empty() && remark.empty()) || display == username) {
-        rt::Id mgr = contactMgr();
-        if (responds(mgr, "getContactByNameFromDB:")) {
-          if (rt::Id db = rt::send<rt::Id>(mgr, "getContactByNameFromDB:", rt::str(username))) {
-            if (std::string r = propertyString(db, kRemarkKeysShort); !r.empty()) remark = r;
-            if (std::string n = propertyString(db, kNicknameKeysShort); !n.empty()) nickname = n;
-            display = displayNameFromContact(db, username);
-          }
-        }
-      }
-      items.push_back({username, display.empty() ? username : display, nickname, remark});
-    } catch (...) {
-      // This entry only.
-    }
+      Names n = namesFor(contact, user);
+      items.push_back({user, n.display.empty() ? user : n.display, n.nickname, n.remark});
+    });
   }
   std::stable_sort(items.begin(), items.end(), [](const ListItem& a, const ListItem& b) {
     return rt::localizedStandardCompare(a.displayName, b.displayName) < 0;

@@ -34,6 +34,7 @@
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sys/guarded.hpp"
 #include "sys/log.hpp"
 
 namespace host {
@@ -187,16 +188,16 @@ class Hook<R(A...)> {
     [[no_unique_address]] Fallback value_{};
   };
 
-  // Runs `body(original)` under the policy above. `exLine` is the step's
-  // "… ex: %@" log line, or null when the step logs nothing.
+  // Runs `body(original)` under the policy above; `exLine` is the step's
+  // "… ex: %@" log line.
   template <typename Body>
-  R run(const char* exLine, Body&& body, rt::Id self, rt::SEL cmd, A... args) const {
+  R run(sys::ExLine exLine, Body&& body, rt::Id self, rt::SEL cmd, A... args) const {
     Original original(*this, self, cmd);
     try {
       return body(original);
     } catch (...) {
       if (original.raised_) throw;
-      if (exLine) sys::log(exLine, rt::describeCurrentException());
+      sys::logCaught(exLine);
     }
     if (original.called_) return original.answer();
     return originalOr(self, cmd, args...);
@@ -218,25 +219,10 @@ class Hook<R(A...)> {
   std::atomic<rt::SEL> exchangedWith_ = nullptr;
 };
 
-// A per-operation guard for steps that are not hook bodies: `fn()`, or
-// `fallback` after logging `exLine` (when given) if it raises.
-template <typename F, typename T>
-T guarded(const char* exLine, F&& fn, T fallback) {
-  try {
-    return fn();
-  } catch (...) {
-    if (exLine) sys::log(exLine, rt::describeCurrentException());
-    return fallback;
-  }
-}
-
-template <typename F>
-void guarded(const char* exLine, F&& fn) {
-  try {
-    fn();
-  } catch (...) {
-    if (exLine) sys::log(exLine, rt::describeCurrentException());
-  }
-}
+// Steps that are not hook bodies are guarded the same way.
+using sys::ExLine;
+using sys::guarded;
+using sys::logCaught;
+using sys::quietly;
 
 }  // namespace host

@@ -3,12 +3,11 @@
 #include <cstring>
 #include <deque>
 
-#include "rt/encoding.hpp"
-#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sys/guarded.hpp"
 #include "sys/log.hpp"
 
 namespace host {
@@ -44,7 +43,7 @@ std::string usernameAt(rt::Id obj, int depth) {
 
 void QBRuntime::swizzleInstance(rt::Class cls, rt::SEL original, rt::SEL swizzled) {
   if (!cls || !original || !swizzled) return;
-  try {
+  sys::guarded("[QB][stable] swizzle ex: %@", [&] {
     rt::Method origMethod = rt::getInstanceMethod(cls, original);
     rt::Method swizMethod = rt::getInstanceMethod(cls, swizzled);
     if (!origMethod || !swizMethod) {
@@ -61,30 +60,28 @@ void QBRuntime::swizzleInstance(rt::Class cls, rt::SEL original, rt::SEL swizzle
     swizMethod = rt::getInstanceMethod(cls, swizzled);
     if (!swizMethod) return;
     rt::exchangeImplementations(origMethod, swizMethod);
-  } catch (...) {
-    sys::log("[QB][stable] swizzle ex: %@", rt::describeCurrentException());
-  }
+  });
 }
 
 bool QBRuntime::replace(rt::Class cls, rt::SEL sel, rt::IMP newIMP, rt::IMP* store) {
   if (!cls || !sel || !newIMP || !store) return false;
-  try {
-    rt::Method m = rt::getInstanceMethod(cls, sel);
-    if (!m) {
-      sys::log("[QB][stable] replace missing %@ %@", rt::className(cls), name(sel));
-      return false;
-    }
-    *store = rt::methodImplementation(m);
-    const char* types = rt::typeEncoding(m);
-    // A method the class only inherits is overridden on the class itself
-    // rather than overwritten in the superclass.
-    if (!rt::addMethod(cls, sel, newIMP, types)) rt::setImplementation(m, newIMP);
-    sys::log("[QB][stable] replace %@ types=%s", name(sel), types ? types : "?");
-    return true;
-  } catch (...) {
-    sys::log("[QB][stable] replace ex: %@", rt::describeCurrentException());
-    return false;
-  }
+  return sys::guarded(
+      "[QB][stable] replace ex: %@",
+      [&] {
+        rt::Method m = rt::getInstanceMethod(cls, sel);
+        if (!m) {
+          sys::log("[QB][stable] replace missing %@ %@", rt::className(cls), name(sel));
+          return false;
+        }
+        *store = rt::methodImplementation(m);
+        const char* types = rt::typeEncoding(m);
+        // A method the class only inherits is overridden on the class itself
+        // rather than overwritten in the superclass.
+        if (!rt::addMethod(cls, sel, newIMP, types)) rt::setImplementation(m, newIMP);
+        sys::log("[QB][stable] replace %@ types=%s", name(sel), types ? types : "?");
+        return true;
+      },
+      false);
 }
 
 char QBRuntime::secondArgTypeOfMethod(rt::Method method) {
@@ -101,79 +98,93 @@ char QBRuntime::secondArgTypeOfMethod(rt::Method method) {
 }
 
 std::string QBRuntime::usernameFrom(rt::Id obj) {
-  try {
-    return usernameAt(obj, 0);
-  } catch (...) {
-    return "";  // a host object whose type test itself raises carries nothing
-  }
+  // A host object whose type test itself raises carries nothing.
+  return sys::guarded(
+      "[QB] QBRuntime usernameFrom ex: %@", [obj] { return usernameAt(obj, 0); }, std::string());
 }
 
 rt::Id QBRuntime::mmContext() {
-  try {
-    rt::Class contextClass = rt::getClass("MMContext");
-    if (!contextClass) return nullptr;
-    for (const char* selector : kContextClassSelectors)
-      if (rt::Id c = classCall(contextClass, selector)) return c;
-    rt::Id manager = classCall(rt::getClass("MMContextManager"), "sharedInstance");
-    if (!manager) return nullptr;
-    for (const char* key : kContextManagerKeys)
-      if (rt::Id c = rt::probeKey(manager, key)) return c;
-    return nullptr;
-  } catch (...) {
-    sys::log("[QB][stable] mmContext ex: %@", rt::describeCurrentException());
-    return nullptr;
-  }
+  return sys::guarded(
+      "[QB][stable] mmContext ex: %@",
+      []() -> rt::Id {
+        rt::Class contextClass = rt::getClass("MMContext");
+        if (!contextClass) return nullptr;
+        for (const char* selector : kContextClassSelectors)
+          if (rt::Id c = classCall(contextClass, selector)) return c;
+        rt::Id manager = classCall(rt::getClass("MMContextManager"), "sharedInstance");
+        if (!manager) return nullptr;
+        for (const char* key : kContextManagerKeys)
+          if (rt::Id c = rt::probeKey(manager, key)) return c;
+        return nullptr;
+      },
+      rt::Id{});
 }
 
 rt::Id QBRuntime::serviceCenter() {
-  try {
-    if (rt::Id context = mmContext()) {
-      for (const char* key : kServiceCenterKeys)
-        if (rt::Id c = rt::probeKey(context, key)) return c;
-    }
-    rt::Class centerClass = rt::getClass("MMServiceCenter");
-    if (centerClass && rt::respondsTo(rt::toId(centerClass), rt::sel("defaultCenter")))
-      return rt::send<rt::Id>(centerClass, "defaultCenter");
-    return nullptr;
-  } catch (...) {
-    sys::log("[QB][stable] serviceCenter ex: %@", rt::describeCurrentException());
-    return nullptr;
-  }
+  return sys::guarded(
+      "[QB][stable] serviceCenter ex: %@",
+      []() -> rt::Id {
+        if (rt::Id context = mmContext()) {
+          for (const char* key : kServiceCenterKeys)
+            if (rt::Id c = rt::probeKey(context, key)) return c;
+        }
+        rt::Class centerClass = rt::getClass("MMServiceCenter");
+        if (centerClass && rt::respondsTo(rt::toId(centerClass), rt::sel("defaultCenter")))
+          return rt::send<rt::Id>(centerClass, "defaultCenter");
+        return nullptr;
+      },
+      rt::Id{});
 }
 
 rt::Id QBRuntime::serviceNamed(std::string_view className) {
-  try {
-    rt::Class cls = rt::getClass(className);
-    rt::Id center = serviceCenter();
-    if (!cls || !center || !rt::respondsTo(center, rt::sel("getService:"))) return nullptr;
-    return rt::send<rt::Id>(center, "getService:", cls);
-  } catch (...) {
-    sys::log("[QB][stable] serviceNamed %@ ex: %@", className, rt::describeCurrentException());
-    return nullptr;
-  }
+  return sys::guarded(
+      "[QB][stable] serviceNamed %@ ex: %@",
+      [className]() -> rt::Id {
+        rt::Class cls = rt::getClass(className);
+        rt::Id center = serviceCenter();
+        if (!cls || !center || !rt::respondsTo(center, rt::sel("getService:"))) return nullptr;
+        return rt::send<rt::Id>(center, "getService:", cls);
+      },
+      rt::Id{}, className);
 }
 
 rt::Id QBRuntime::keyWindow() {
-  try {
-    rt::Class appClass = rt::getClass("UIApplication");
-    rt::Id app = appClass ? rt::send<rt::Id>(appClass, "sharedApplication") : nullptr;
-    if (!app) return nullptr;
-    rt::Class sceneClass = rt::getClass("UIWindowScene");
-    for (rt::Id scene : rt::elements(rt::send<rt::Id>(app, "connectedScenes"))) {
-      if (!rt::isKindOf(scene, sceneClass)) continue;
-      for (rt::Id window : rt::elements(rt::send<rt::Id>(scene, "windows")))
-        if (rt::send<bool>(window, "isKeyWindow")) return window;
-    }
-    std::vector<rt::Id> windows = rt::elements(rt::send<rt::Id>(app, "windows"));
-    return windows.empty() ? nullptr : windows.front();
-  } catch (...) {
-    return nullptr;
+  return sys::guarded(
+      "[QB] QBRuntime keyWindow ex: %@",
+      []() -> rt::Id {
+        rt::Class appClass = rt::getClass("UIApplication");
+        rt::Id app = appClass ? rt::send<rt::Id>(appClass, "sharedApplication") : nullptr;
+        if (!app) return nullptr;
+        rt::Class sceneClass = rt::getClass("UIWindowScene");
+        for (rt::Id scene : rt::elements(rt::send<rt::Id>(app, "connectedScenes"))) {
+          if (!rt::isKindOf(scene, sceneClass)) continue;
+          for (rt::Id window : rt::elements(rt::send<rt::Id>(scene, "windows")))
+            if (rt::send<bool>(window, "isKeyWindow")) return window;
+        }
+        std::vector<rt::Id> windows = rt::elements(rt::send<rt::Id>(app, "windows"));
+        return windows.empty() ? nullptr : windows.front();
+      },
+      rt::Id{});
+}
+
+rt::Id QBRuntime::lastPresented(rt::Id vc) {
+  while (vc) {
+    rt::Id next = rt::send<rt::Id>(vc, "presentedViewController");
+    if (!next) break;
+    vc = next;
   }
+  return vc;
+}
+
+rt::Id QBRuntime::topPresented() {
+  rt::Id window = keyWindow();
+  return lastPresented(window ? rt::send<rt::Id>(window, "rootViewController") : nullptr);
 }
 
 std::vector<rt::Id> QBRuntime::collectViewControllers() {
   std::vector<rt::Id> result;
-  try {
+  // An exception ends the walk; what was collected so far stands.
+  sys::guarded("[QB] QBRuntime collectViewControllers ex: %@", [&result] {
     std::deque<rt::Id> queue;
     if (rt::Id root = rt::send<rt::Id>(keyWindow(), "rootViewController")) queue.push_back(root);
     rt::Class nav = rt::getClass("UINavigationController");
@@ -190,9 +201,7 @@ std::vector<rt::Id> QBRuntime::collectViewControllers() {
         for (rt::Id child : rt::elements(rt::send<rt::Id>(vc, "viewControllers")))
           queue.push_back(child);
     }
-  } catch (...) {
-    // What was collected so far stands.
-  }
+  });
   return result;
 }
 

@@ -28,6 +28,10 @@ struct QBRuntime {
   static rt::Id serviceCenter();
   static rt::Id serviceNamed(std::string_view className);
   static rt::Id keyWindow();
+  // The end of the chain of presentedViewController from `vc` (`vc` itself when
+  // it presents nothing), and that from the key window's root.
+  static rt::Id lastPresented(rt::Id vc);
+  static rt::Id topPresented();
   // Every view controller reachable from the key window, breadth first;
   // duplicates are kept.
   static std::vector<rt::Id> collectViewControllers();

@@ -37,7 +37,7 @@ bool monoBannerBlocked(Id m) {
 
 void monoShowLocal(Id self, SEL cmd, Id m, bool repeatVibration, bool silently) {
   st().monoShowLocal.run(
-      nullptr,
+      "[QB] MonoServiceMsgMgr showLocalNotificationWithMsg: ex: %@",
       [&](auto& original) {
         if (!monoBannerBlocked(m)) original(m, repeatVibration, silently);
       },
@@ -46,7 +46,7 @@ void monoShowLocal(Id self, SEL cmd, Id m, bool repeatVibration, bool silently) 
 
 void monoShowLocalIlink(Id self, SEL cmd, Id m, bool repeatVibration, bool callkitAvailable) {
   st().monoShowLocalIlink.run(
-      nullptr,
+      "[QB] MonoServiceMsgMgr showLocalNotificationByIlinkWithMsg: ex: %@",
       [&](auto& original) {
         if (!monoBannerBlocked(m)) original(m, repeatVibration, callkitAvailable);
       },
@@ -130,7 +130,7 @@ std::string callerOf(Id user) { return rt::isString(user) ? rt::asString(user).v
 void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, Id displayName,
                         Id completion) {
   st().reportIncomingCall.run(
-      nullptr,
+      "[QB] VoipCXMgr reportIncomingCallFromUser: ex: %@",
       [&](auto& original) {
         std::string caller = callerOf(user);
         bool video = videoFlag(type);
@@ -147,7 +147,7 @@ void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, 
 
 void reportPushKitCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, bool multitalk) {
   st().reportPushKitCall.run(
-      nullptr,
+      "[QB] VoIPPushKitNotifyService reportIncomingCallFromUser: ex: %@",
       [&](auto& original) {
         std::string caller = callerOf(user);
         if (!callKindBlocks(caller, videoFlag(type))) {

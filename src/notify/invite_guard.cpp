@@ -58,12 +58,39 @@ void hidePass() {
   }
 }
 
+// Each invitation hook's failure line, in InviteHook order.
+constexpr const char* kExLines[] = {
+    "[QB] QBNotifyHooks processInviteMsg: ex: %@",
+    "[QB] QBNotifyHooks onMonoServiceMsgStartWithMsg: ex: %@",
+    "[QB] QBNotifyHooks ilink_onMonoServiceMsgStartWithMsg: ex: %@",
+    "[QB] QBNotifyHooks multi_onMonoServiceMsgStartWithMsg: ex: %@",
+    "[QB] QBNotifyHooks mp_onMonoServiceMsgStartWithMsg: ex: %@",
+    "[QB] QBNotifyHooks onMonoServiceMsgHandleWithMsg: ex: %@",
+    "[QB] QBNotifyHooks startVoipViewByVoipMonoMsg: ex: %@",
+    "[QB] QBNotifyHooks ilink_startVoipViewByVoipMonoMsg: ex: %@",
+    "[QB] QBNotifyHooks handleInviteMonoMsg: ex: %@",
+    "[QB] QBNotifyHooks handleInvitationInfo:withTalkingRoomID:talkingRoomKey: ex: %@",
+    "[QB] QBNotifyHooks voIPInvitationViewController:willScollInWithInfo: ex: %@",
+    "[QB] QBNotifyHooks voIPInvitationViewController:didScollInWithInfo: ex: %@",
+    "[QB] QBNotifyHooks svc_updateWithInvitationInfo: ex: %@",
+    "[QB] QBNotifyHooks vc_updateWithInvitationInfo: ex: %@",
+    "[QB] QBNotifyHooks vibrateClassicIfNeed ex: %@",
+    "[QB] QBNotifyHooks loadBreadthView ex: %@",
+    "[QB] QBNotifyHooks receiveInviteMsg:fromUsername:withMsgWrap:isMultiTalk:notifyFrom: ex: %@",
+    "[QB] QBNotifyHooks addMissedVoIPRedTipsWithMsg: ex: %@",
+};
+
+template <InviteHook W>
+constexpr const char* exLineOf() {
+  return kExLines[std::size_t(W)];
+}
+
 // --- The replacements of one message argument.
 
 template <InviteHook W>
 void dropWhenBlocked(Id self, SEL cmd, Id m) {
   st().oneArg[std::size_t(W)].run(
-      nullptr,
+      exLineOf<W>(),
       [&](auto& original) {
         if (!inviteBlocked(m)) {
           original(m);
@@ -76,7 +103,7 @@ void dropWhenBlocked(Id self, SEL cmd, Id m) {
 
 void handleInviteMonoMsg(Id self, SEL cmd, Id m) {
   st().oneArg[std::size_t(InviteHook::HandleInviteMonoMsg)].run(
-      nullptr,
+      exLineOf<InviteHook::HandleInviteMonoMsg>(),
       [&](auto& original) {
         if (inviteBlocked(m)) {
           std::string caller = inviteCaller(m);
@@ -94,7 +121,7 @@ void handleInviteMonoMsg(Id self, SEL cmd, Id m) {
 template <InviteHook W>
 void updateWithInfo(Id self, SEL cmd, Id info) {
   st().oneArg[std::size_t(W)].run(
-      nullptr,
+      exLineOf<W>(),
       [&](auto& original) {
         if (!viewBlocked(info)) {
           original(info);
@@ -109,7 +136,7 @@ void updateWithInfo(Id self, SEL cmd, Id info) {
 
 void addMissedRedTips(Id self, SEL cmd, Id m) {
   st().oneArg[std::size_t(InviteHook::AddMissedRedTips)].run(
-      nullptr,
+      exLineOf<InviteHook::AddMissedRedTips>(),
       [&](auto& original) {
         if (!inviteBlocked(m) && !callLeftover(m)) original(m);
       },
@@ -119,7 +146,7 @@ void addMissedRedTips(Id self, SEL cmd, Id m) {
 template <int I>
 void scrollIn(Id self, SEL cmd, Id controller, Id info) {
   st().viewInfo[I].run(
-      nullptr,
+      exLineOf < I == 0 ? InviteHook::WillScollIn : InviteHook::DidScollIn > (),
       [&](auto& original) {
         if (!viewBlocked(info)) {
           original(controller, info);
@@ -134,7 +161,7 @@ void scrollIn(Id self, SEL cmd, Id controller, Id info) {
 // The view itself carries the invitation it shows.
 void vibrateClassic(Id self, SEL cmd) {
   st().noArg[0].run(
-      nullptr,
+      exLineOf<InviteHook::VibrateClassic>(),
       [&](auto& original) {
         if (!viewBlocked(self)) original();
       },
@@ -143,7 +170,7 @@ void vibrateClassic(Id self, SEL cmd) {
 
 void loadBreadthView(Id self, SEL cmd) {
   st().noArg[1].run(
-      nullptr,
+      exLineOf<InviteHook::LoadBreadthView>(),
       [&](auto& original) {
         if (!viewBlocked(self)) {
           original();
@@ -157,7 +184,7 @@ void loadBreadthView(Id self, SEL cmd) {
 
 void handleInvitationInfo(Id self, SEL cmd, Id info, long roomID, Id roomKey) {
   st().invitationInfo.run(
-      nullptr,
+      exLineOf<InviteHook::HandleInvitationInfo>(),
       [&](auto& original) {
         bool block = inviteBlocked(info);
         if (block) {
@@ -172,7 +199,7 @@ void handleInvitationInfo(Id self, SEL cmd, Id info, long roomID, Id roomKey) {
 
 void receiveInvite(Id self, SEL cmd, Id m, Id from, Id wrap, bool multiTalk, long notifyFrom) {
   st().receiveInvite.run(
-      nullptr,
+      exLineOf<InviteHook::ReceiveInvite>(),
       [&](auto& original) {
         std::string caller = rt::asString(from).value_or("");
         if (caller.empty()) caller = inviteCaller(m);

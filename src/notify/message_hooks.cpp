@@ -30,7 +30,7 @@ long mode() { return QBConfig::shared().secretNotifyMode(); }
 
 bool canShowPushForContact(Id self, SEL cmd, Id contact, Id msgWrap) {
   return st().canShowPushForContact.run(
-      nullptr,
+      "[QB] QuickReplyMsgMgr canShowPushForContact:msgWrap: ex: %@",
       [&](auto& original) -> bool {
         if (blocked(msgWrap) || blocked(contact)) return false;
         return original(contact, msgWrap);
@@ -40,7 +40,7 @@ bool canShowPushForContact(Id self, SEL cmd, Id contact, Id msgWrap) {
 
 bool canShowPushAtViewController(Id self, SEL cmd, Id controller, Id sessionUserName) {
   return st().canShowPushAtViewController.run(
-      nullptr,
+      "[QB] QuickReplyMsgMgr canShowPushAtViewController:sessionUserName: ex: %@",
       [&](auto& original) -> bool {
         if (isSecret(text(sessionUserName)) && hidden() && mode() == 0) return false;
         return original(controller, sessionUserName);
@@ -65,19 +65,20 @@ void gateArrival(Id m, bool hostAfterVibration, Body&& host) {
 template <typename Int>
 void onNewMsgArriving(Id self, SEL cmd, Id m, Int flag) {
   integerHooks<Int>().onNewMsgArriving.run(
-      nullptr, [&](auto& original) { gateArrival(m, true, [&] { original(m, flag); }); }, self, cmd,
-      m, flag);
+      "[QB] QuickReplyMsgMgr onNewMsgArriving:NotifyFlag: ex: %@",
+      [&](auto& original) { gateArrival(m, true, [&] { original(m, flag); }); }, self, cmd, m,
+      flag);
 }
 
 bool shouldShowQuickReplyPush(Id self, SEL cmd, Id m) {
   return st().shouldShowQuickReplyPush.run(
-      nullptr, [&](auto& original) -> bool { return blocked(m) ? false : original(m); }, self, cmd,
-      m);
+      "[QB] BaseMsgContentViewController shouldShowQuickReplyPush: ex: %@",
+      [&](auto& original) -> bool { return blocked(m) ? false : original(m); }, self, cmd, m);
 }
 
 void showQuickReplyItem(Id self, SEL cmd, Id item, double timeout) {
   st().showQuickReplyItem.run(
-      nullptr,
+      "[QB] QuickReplyMsgViewController showQuickReplyItem:dismissTimeout: ex: %@",
       [&](auto& original) {
         if (!blocked(item)) original(item, timeout);
       },
@@ -87,15 +88,17 @@ void showQuickReplyItem(Id self, SEL cmd, Id item, double timeout) {
 template <typename Int>
 void playNewMsgNotify(Id self, SEL cmd, Id m, Int flag) {
   integerHooks<Int>().playNewMsgNotify.run(
-      nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self,
-      cmd, m, flag);
+      "[QB] MainFrameLogicController playNewMsgNotify:NotifyFlag: ex: %@",
+      [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self, cmd, m,
+      flag);
 }
 
 template <typename Int>
 void notifyNewMsg(Id self, SEL cmd, Id m, Int flag) {
   integerHooks<Int>().notifyNewMsg.run(
-      nullptr, [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self,
-      cmd, m, flag);
+      "[QB] MMNewSessionMgr p_notifyNewMsg:withNotifyFlag: ex: %@",
+      [&](auto& original) { gateArrival(m, false, [&] { original(m, flag); }); }, self, cmd, m,
+      flag);
 }
 
 // --- MMLocalNotificationUtil (class method): the local notification itself.
@@ -105,7 +108,7 @@ void showLocalNotification(Id self, SEL cmd, Id identifier, Id category, Id titl
                            Id soundName, Int badge, Id userInfo, Id date, Id thread,
                            Id fromUserName, bool notFriend, bool showHead) {
   integerHooks<Int>().showLocalNotification.run(
-      nullptr,
+      "[QB] MMLocalNotificationUtil showLocalNotificationWithIdentifier: ex: %@",
       [&](auto& original) {
         if (callDetectionBlocks(text(fromUserName), text(title), text(body), userInfo,
                                 text(thread))) {
@@ -132,7 +135,7 @@ void showLocalNotification(Id self, SEL cmd, Id identifier, Id category, Id titl
 
 void showPush(Id self, SEL cmd, Id m, Id identifier, Id fireDate, bool fromVoip, bool silent) {
   st().showPush.run(
-      nullptr,
+      "[QB] MMLocalNotificationMgr showPushWithMessageWrap:identifier: ex: %@",
       [&](auto& original) {
         if (fromVoip) {
           if (!voipPushLightBlock(m)) original(m, identifier, fireDate, fromVoip, silent);
@@ -151,7 +154,7 @@ void showPush(Id self, SEL cmd, Id m, Id identifier, Id fireDate, bool fromVoip,
 
 void showPushShort(Id self, SEL cmd, Id m, Id fireDate, bool fromVoip) {
   st().showPushShort.run(
-      nullptr,
+      "[QB] MMLocalNotificationMgr showPushWithMessageWrap:fireDate: ex: %@",
       [&](auto& original) {
         if (fromVoip) {
           if (!voipPushLightBlock(m)) original(m, fireDate, fromVoip);
@@ -167,7 +170,7 @@ void showPushShort(Id self, SEL cmd, Id m, Id fireDate, bool fromVoip) {
 template <typename Int>
 Id notificationInfo(Id self, SEL cmd, Id m, Int settings, bool fromVoip) {
   return integerHooks<Int>().notificationInfo.run(
-      nullptr,
+      "[QB] MMLocalNotificationMgr notificationInfoForMessage: ex: %@",
       [&](auto& original) -> Id {
         if (fromVoip && voipPushLightBlock(m)) {
           sys::log("[QB] nil notificationInfo (voip light)");
@@ -188,7 +191,7 @@ Id notificationInfo(Id self, SEL cmd, Id m, Int settings, bool fromVoip) {
 
 void onShowPush(Id self, SEL cmd, Id m, bool always) {
   st().onShowPush.run(
-      nullptr,
+      "[QB] MMLocalNotificationMgr OnShowPush:isAlwaysShow: ex: %@",
       [&](auto& original) {
         if (callLeftover(m)) {
           sys::log("[QB] block OnShowPush (aftermath)");
@@ -207,7 +210,7 @@ void onShowPush(Id self, SEL cmd, Id m, bool always) {
 
 void addNotificationRequest(Id self, SEL cmd, Id request, Id completion) {
   st().addNotificationRequest.run(
-      nullptr,
+      "[QB] UNUserNotificationCenter addNotificationRequest:withCompletionHandler: ex: %@",
       [&](auto& original) {
         Id content = rt::send<Id>(request, "content");
         Id userInfo = rt::send<Id>(content, "userInfo");

@@ -4,6 +4,7 @@
 
 #include "base/utf8.hpp"
 #include "core/config.hpp"
+#include "host/hook.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
@@ -53,7 +54,7 @@ Id headerForSection(Id self, SEL, Id, long) {
   return rt::str(QBContactPickController::headerFor(picker(self).filteredItems.size()));
 }
 
-Id cellForRow(Id self, SEL, Id table, Id ip) {
+Id pickerCell(Id self, Id table, Id ip) {
   const std::vector<PickItem>& items = picker(self).filteredItems;
   long row = rt::indexPathRow(ip);
   PickItem item = row >= 0 && row < long(items.size()) ? items[std::size_t(row)] : PickItem{};
@@ -88,7 +89,15 @@ void dealloc(Id self, SEL cmd) {
   if (super) rt::call<void>(rt::methodImplementation(super), self, cmd);
 }
 
-void didSelectRow(Id self, SEL, Id table, Id ip) {
+// UIKit's calls that build cells or act are guarded, as the panel's are.
+Id cellForRow(Id self, SEL, Id table, Id ip) {
+  Id cell = host::guarded(
+      "[QB] QBContactPickController tableView:cellForRowAtIndexPath: ex: %@",
+      [&] { return pickerCell(self, table, ip); }, Id{});
+  return cell ? cell : ui::makeCell(ui::CellSpec{});  // UIKit raises on a nil cell
+}
+
+void pick(Id self, Id table, Id ip) {
   rt::send<void>(table, "deselectRowAtIndexPath:animated:", ip, true);
   Picker& p = picker(self);
   long row = rt::indexPathRow(ip);
@@ -101,6 +110,11 @@ void didSelectRow(Id self, SEL, Id table, Id ip) {
     onPick(username);
   }
   rt::send<void>(table, "reloadData");
+}
+
+void didSelectRow(Id self, SEL, Id table, Id ip) {
+  host::guarded("[QB] QBContactPickController tableView:didSelectRowAtIndexPath: ex: %@",
+                [&] { pick(self, table, ip); });
 }
 
 }  // namespace

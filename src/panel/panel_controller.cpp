@@ -36,15 +36,6 @@ void clearSuppressFlags() {
   c.setSuppressSessionApply(false);
 }
 
-Id lastPresented(Id vc) {
-  while (vc) {
-    Id next = rt::send<Id>(vc, "presentedViewController");
-    if (!next) break;
-    vc = next;
-  }
-  return vc;
-}
-
 Id tableOf(Id panel) { return rt::send<Id>(panel, "tableView"); }
 long sectionOf(Id indexPath) { return rt::indexPathSection(indexPath); }
 long rowOf(Id indexPath) { return rt::indexPathRow(indexPath); }
@@ -86,33 +77,48 @@ Id footerForSection(Id, SEL, Id, long section) {
   std::string t = footerTitle(section);
   return t.empty() ? nullptr : rt::str(t);
 }
-Id cellForRow(Id self, SEL, Id, Id ip) { return cellFor(self, sectionOf(ip), rowOf(ip)); }
+// UIKit's calls that act or build cells are guarded: a failure of ours gives
+// an empty cell or a row that does nothing, never an exception in UIKit.
+Id cellForRow(Id self, SEL, Id, Id ip) {
+  Id cell = host::guarded(
+      "[QB] QBPanelController tableView:cellForRowAtIndexPath: ex: %@",
+      [&] { return cellFor(self, sectionOf(ip), rowOf(ip)); }, Id{});
+  return cell ? cell : ui::makeCell(ui::CellSpec{});  // UIKit raises on a nil cell
+}
 void didSelectRow(Id self, SEL, Id table, Id ip) {
-  rt::send<void>(table, "deselectRowAtIndexPath:animated:", ip, true);
-  didSelect(self, sectionOf(ip), rowOf(ip));
+  host::guarded("[QB] QBPanelController tableView:didSelectRowAtIndexPath: ex: %@", [&] {
+    rt::send<void>(table, "deselectRowAtIndexPath:animated:", ip, true);
+    didSelect(self, sectionOf(ip), rowOf(ip));
+  });
 }
 bool canEditRow(Id, SEL, Id, Id ip) { return canEdit(sectionOf(ip), rowOf(ip)); }
 Id trailingSwipe(Id self, SEL, Id, Id ip) {
   long section = sectionOf(ip), row = rowOf(ip);
   if (!canEdit(section, row)) return nullptr;
   return ui::destructiveSwipe("删除", [self, section, row](std::function<void(bool)> completion) {
-    deleteRow(self, section, row, completion);
+    host::guarded("[QB] QBPanelController swipe delete ex: %@",
+                  [&] { deleteRow(self, section, row, completion); });
   });
 }
 void commitEditing(Id self, SEL, Id, long style, Id ip) {
   constexpr long kDeleteStyle = 1;  // UITableViewCellEditingStyleDelete
-  if (style == kDeleteStyle && canEdit(sectionOf(ip), rowOf(ip)))
-    deleteRow(self, sectionOf(ip), rowOf(ip), [](bool) {});
+  host::guarded("[QB] QBPanelController tableView:commitEditingStyle:forRowAtIndexPath: ex: %@",
+                [&] {
+                  if (style == kDeleteStyle && canEdit(sectionOf(ip), rowOf(ip)))
+                    deleteRow(self, sectionOf(ip), rowOf(ip), [](bool) {});
+                });
 }
 
 // The five switches: save at once; the call switches also re-sync the host's
 // call auto-ignore. The table is left as it is.
 template <void (QBConfig::*Set)(bool), bool Calls>
 void onSwitch(Id, SEL, Id sw) {
-  QBConfig& c = QBConfig::shared();
-  (c.*Set)(ui::switchIsOn(sw));
-  c.save();
-  if (Calls) notify::QBNotifyHooks::syncVoipAutoIgnore();
+  host::guarded("[QB] QBPanelController switch ex: %@", [sw] {
+    QBConfig& c = QBConfig::shared();
+    (c.*Set)(ui::switchIsOn(sw));
+    c.save();
+    if (Calls) notify::QBNotifyHooks::syncVoipAutoIgnore();
+  });
 }
 
 void closeAndLockImp(Id self, SEL) { QBPanelController::closeAndLock(self); }
@@ -172,13 +178,7 @@ void QBPanelController::registerRuntimeClass() {
   rt::addMethod(cls, rt::sel("pickFromSessions"), pickFromSessionsImp);
 }
 
-Id QBPanelController::topVC() {
-  Id window = host::QBRuntime::keyWindow();
-  Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
-  if (top && rt::isKindOf(top, "UINavigationController"))
-    return rt::send<Id>(top, "visibleViewController");
-  return top;
-}
+Id QBPanelController::topVC() { return triggers::QBAuth::topVC(); }
 
 void QBPanelController::presentFrom(Id target) {
   if (!target) target = topVC();
@@ -200,22 +200,25 @@ void QBPanelController::presentFrom(Id target) {
       endPanelFlow();
       return;
     }
-    sys::after(kAuthDelay, [weakTarget, flow] {
+    sys::after(kAuthDelay_s, [weakTarget, flow] {
       if (!panelFlowCurrent(flow)) return;
-      try {
-        Id window = host::QBRuntime::keyWindow();
-        Id top = lastPresented(window ? rt::send<Id>(window, "rootViewController") : nullptr);
-        rt::Strong opener = weakTarget.lock();
-        if (!top) top = opener.get();
-        QBConfig& cfg = QBConfig::shared();
-        if (!cfg.unlocked()) {
-          // The secrets stay visible for as long as the panel is open.
-          cfg.setUnlocked(true);
-          hiding::QBSessionHooks::refreshFilterCache();
-        }
-        presentPanelOn(top);
-      } catch (...) {
-        sys::log("[QB] present ex: %@", rt::describeCurrentException());
+      bool presented = host::guarded(
+          "[QB] present ex: %@",
+          [&] {
+            Id top = host::QBRuntime::topPresented();
+            rt::Strong opener = weakTarget.lock();
+            if (!top) top = opener.get();
+            QBConfig& cfg = QBConfig::shared();
+            if (!cfg.unlocked()) {
+              // The secrets stay visible for as long as the panel is open.
+              cfg.setUnlocked(true);
+              hiding::QBSessionHooks::refreshFilterCache();
+            }
+            presentPanelOn(top);
+            return true;
+          },
+          false);
+      if (!presented) {
         clearSuppressFlags();
         endPanelFlow();
       }
@@ -228,31 +231,36 @@ void QBPanelController::presentPanelOn(Id target) {
   // Opened without the five taps' check, it is still closed by leaving the app.
   unsigned long flow = currentPanelFlow();
   if (!flow) flow = beginPanelFlow();
-  try {
-    if (rt::send<Id>(target, "presentedViewController")) {
-      // Busy presenting (an alert closing, another sheet): try again on whatever is on top then.
-      sys::after(kBusyRetry, [weakTarget = rt::Weak(target), flow] {
-        if (!panelFlowCurrent(flow)) return;
-        Id top = topVC();
-        rt::Strong opener = weakTarget.lock();
-        presentPanelOn(lastPresented(top ? top : opener.get()));
-      });
-      return;
-    }
-    // Made here, owned by the navigation controller and that by its presenter:
-    // dismissing the sheet frees both.
-    rt::Strong panel =
-        rt::Strong::adopt(rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"),
-                                       "initWithStyle:", long(ui::TableStyle::InsetGrouped)));
-    rt::Strong nav = rt::Strong::adopt(
-        rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
-                     "initWithRootViewController:", panel.get()));
-    ui::presentPageSheet(target, nav.get(), ui::SheetSpec{}, true);
-    panelShown(nav.get());
-    // Dragging the sheet away closes the panel as 完成 does.
-    ui::onDraggedAway(nav.get(), [flow] { lockAfterPanel(flow); });
-  } catch (...) {
-    sys::log("[QB] presentPanel ex: %@", rt::describeCurrentException());
+  bool ok = host::guarded(
+      "[QB] presentPanel ex: %@",
+      [&] {
+        if (rt::send<Id>(target, "presentedViewController")) {
+          // Busy presenting (an alert closing, another sheet): try again on whatever is on top
+          // then.
+          sys::after(kBusyRetry_s, [weakTarget = rt::Weak(target), flow] {
+            if (!panelFlowCurrent(flow)) return;
+            Id top = topVC();
+            rt::Strong opener = weakTarget.lock();
+            presentPanelOn(host::QBRuntime::lastPresented(top ? top : opener.get()));
+          });
+          return true;
+        }
+        // Made here, owned by the navigation controller and that by its presenter:
+        // dismissing the sheet frees both.
+        rt::Strong panel =
+            rt::Strong::adopt(rt::send<Id>(rt::send<Id>(rt::getClass("QBPanelController"), "alloc"),
+                                           "initWithStyle:", long(ui::TableStyle::InsetGrouped)));
+        rt::Strong nav = rt::Strong::adopt(
+            rt::send<Id>(rt::send<Id>(rt::getClass("UINavigationController"), "alloc"),
+                         "initWithRootViewController:", panel.get()));
+        ui::presentPageSheet(target, nav.get(), ui::SheetSpec{}, true);
+        panelShown(nav.get());
+        // Dragging the sheet away closes the panel as 完成 does.
+        ui::onDraggedAway(nav.get(), [flow] { lockAfterPanel(flow); });
+        return true;
+      },
+      false);
+  if (!ok) {
     clearSuppressFlags();
     endPanelFlow();
   }
@@ -275,12 +283,13 @@ void QBPanelController::showTip(Id self, const std::string& message) {
 
 void QBPanelController::pickFromSessions(Id self) {
   std::vector<PickItem> items = host::guarded(
-      nullptr, [] { return host::QBContactInfo::listNormalContactItems(); },
-      std::vector<PickItem>{});
+      "[QB] QBPanelController pickFromSessions ex: %@",
+      [] { return host::QBContactInfo::listNormalContactItems(); }, std::vector<PickItem>{});
   if (items.empty()) {
     using Items = std::optional<std::vector<PickItem>>;
     Items fromSessions = host::guarded(
-        nullptr, [] { return Items(sessionItems()); }, Items());
+        "[QB] QBPanelController listSessionItems ex: %@", [] { return Items(sessionItems()); },
+        Items());
     if (!fromSessions) return;  // the session list failed too: nothing to offer, nothing said
     items = std::move(*fromSessions);
   }

@@ -83,7 +83,7 @@ void lockAfterPanel(unsigned long flow) {
   // The list the sheet leaves behind is seen at once, not after the reload
   // below; that one catches a list the host rebuilt meanwhile.
   hiding::QBSessionHooks::softReloadMainFrameForce(true);
-  sys::after(kCloseReloadDelay, [] { hiding::QBSessionHooks::softReloadMainFrameForce(true); });
+  sys::after(kCloseReloadDelay_s, [] { hiding::QBSessionHooks::softReloadMainFrameForce(true); });
 }
 
 void hideAfterEndedFlow() {

@@ -110,7 +110,7 @@ void QBPanelController::askText(rt::Id self, const std::string& title, bool secu
 void QBPanelController::presentNextAfterDelay(std::function<void()> block) {
   if (!block) return;
   // Should the panel close meanwhile (the app left), the next step finds it gone.
-  sys::after(kNextDialogDelay, std::move(block));
+  sys::after(kNextDialogDelay_s, std::move(block));
 }
 
 }  // namespace panel

@@ -24,5 +24,13 @@ std::string describeCurrentException();
 // Inside a catch block: the exception's name ("NSUnknownKeyException", …);
 // for a non-Objective-C exception "std::exception".
 std::string currentExceptionName();
+// Inside a catch block: whether the exception being handled is the host's (an
+// NSException) rather than a fault of the system's own C++ (std::out_of_range,
+// a failed check of ours).
+bool handlingHostException();
+// A guard caught a fault of the system's own code. The simulation records it as
+// a violation, which fails the test or scenario that caused it; on iOS the line
+// "[QB] internal failure: %@" is logged, with `what` kept private.
+void reportInternalFailure(const std::string& what);
 
 }  // namespace rt

@@ -8,6 +8,7 @@
 // safe from any thread the host calls in on.
 #include <string>
 
+#include "rt/exception.hpp"
 #include "rt/kvc.hpp"
 #include "rt/kvc_search.hpp"
 #include "rt/runtime.hpp"
@@ -66,7 +67,10 @@ Id probeKey(Id obj, std::string_view key) {
   try {
     return valueForKey(obj, key);
   } catch (...) {
-    return nullptr;  // the accessor itself failed: no value, as before
+    // The accessor itself failed: no value, and the next key is tried. The
+    // host's exception is expected here; one of ours is not.
+    if (!handlingHostException()) reportInternalFailure(describeCurrentException());
+    return nullptr;
   }
 }
 

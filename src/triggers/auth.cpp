@@ -45,13 +45,7 @@ void suppressWhileOnScreen() {
 }  // namespace
 
 rt::Id QBAuth::topVC() {
-  rt::Id window = host::QBRuntime::keyWindow();
-  rt::Id top = window ? rt::send<rt::Id>(window, "rootViewController") : nullptr;
-  while (top) {
-    rt::Id presented = rt::send<rt::Id>(top, "presentedViewController");
-    if (!presented) break;
-    top = presented;
-  }
+  rt::Id top = host::QBRuntime::topPresented();
   if (top && rt::isKindOf(top, "UINavigationController"))
     return rt::send<rt::Id>(top, "visibleViewController");
   return top;
@@ -83,7 +77,7 @@ void QBAuth::askPassword(AuthCompletion completion) {
   });
   ui::onDismissedWithoutAction(alert, [once] { once(false); });
   bool shown = host::guarded(
-      nullptr, [&] { return ui::present(top, alert, true); }, false);
+      "[QB] QBAuth askPassword ex: %@", [&] { return ui::present(top, alert, true); }, false);
   if (!shown) {
     once(false);
     return;

@@ -5,6 +5,7 @@
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
 #include "host/runtime_toolkit.hpp"
+#include "rt/ownership.hpp"
 #include "rt/send.hpp"
 #include "sys/process_state.hpp"
 #include "sys/clock.hpp"
@@ -74,21 +75,22 @@ void QBAutoLock::flashToast(const std::string& message) {
   style.cornerRadius = 14;
   style.clipsToBounds = true;
   style.numberOfLines = 2;
-  rt::Id label = ui::makeLabel(message, style);
+  // Held until it has faded out: the window may let go of it first.
+  rt::Strong label = rt::Strong::adopt(ui::makeLabel(message, style));
   rt::CGRect bounds = rt::send<rt::CGRect>(window, "bounds");
   double width = std::min(bounds.size.width - 40, 280.0), height = 44;
   rt::CGPoint centre{rt::midX(bounds), bounds.size.height * 0.78};
-  rt::send<void>(label, "setFrame:",
+  rt::send<void>(label.get(), "setFrame:",
                  rt::CGRect{{centre.x - width / 2, centre.y - height / 2}, {width, height}});
-  rt::send<void>(label, "setAlpha:", 0.0);
-  rt::send<void>(window, "addSubview:", label);
+  rt::send<void>(label.get(), "setAlpha:", 0.0);
+  rt::send<void>(window, "addSubview:", label.get());
   ui::animate(
-      0.2, [label] { rt::send<void>(label, "setAlpha:", 1.0); },
+      kToastFadeIn_s, [label] { rt::send<void>(label.get(), "setAlpha:", 1.0); },
       [label] {
-        sys::after(1.0, [label] {
+        sys::after(kToastShown_s, [label] {
           ui::animate(
-              0.25, [label] { rt::send<void>(label, "setAlpha:", 0.0); },
-              [label] { rt::send<void>(label, "removeFromSuperview"); });
+              kToastFadeOut_s, [label] { rt::send<void>(label.get(), "setAlpha:", 0.0); },
+              [label] { rt::send<void>(label.get(), "removeFromSuperview"); });
         });
       });
 }

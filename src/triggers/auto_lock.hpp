@@ -19,5 +19,6 @@ struct QBAutoLock {
 };
 
 inline constexpr double kAutoLockDebounce_s = 0.8;
+inline constexpr double kToastFadeIn_s = 0.2, kToastShown_s = 1.0, kToastFadeOut_s = 0.25;
 
 }  // namespace triggers

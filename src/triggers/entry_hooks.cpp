@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <optional>
-#include <regex>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 #include "host/hook.hpp"
@@ -44,8 +44,6 @@ struct EntryState {
   host::Hook<void()> viewDidLoad;
   host::Hook<void(bool)> viewDidAppear;
   host::Hook<void(bool)> viewWillDisappear;
-  std::optional<std::optional<std::regex>>
-      versionPattern;  // compiled once; empty inner when it failed
 };
 
 EntryState& state() { return sys::state<EntryState>(); }
@@ -103,16 +101,13 @@ void keepOnPage(Id page, Id bar, Id g) {
   rt::setAssociatedObject(page, &kBarKeeper, keeper.get());
 }
 
-const std::optional<std::regex>& versionPattern() {
-  EntryState& s = state();
-  if (!s.versionPattern) {
-    try {
-      s.versionPattern = std::optional<std::regex>(std::regex(R"(\d+\.\d+(\.\d+)?)"));
-    } catch (...) {
-      s.versionPattern = std::optional<std::regex>();  // the words alone decide
-    }
-  }
-  return *s.versionPattern;
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// A version number such as 8.0.49: digits, a dot, digits, anywhere in the text.
+bool holdsVersionNumber(std::string_view text) {
+  for (std::size_t i = 0; i + 2 < text.size(); ++i)
+    if (isDigit(text[i]) && text[i + 1] == '.' && isDigit(text[i + 2])) return true;
+  return false;
 }
 
 // The page is held weakly by the delayed attaches: a user who backed out
@@ -209,8 +204,7 @@ bool QBEntryHooks::isVersionText(const std::string& text, const std::string& ver
   if (!versionHint.empty() && text.find(versionHint) != std::string::npos) return true;
   if (text.find("版本") != std::string::npos) return true;
   if (rt::lowercase(text).find("version") != std::string::npos) return true;
-  const std::optional<std::regex>& pattern = versionPattern();
-  return pattern && std::regex_search(text, *pattern);
+  return holdsVersionNumber(text);
 }
 
 // The recognizers hold the page weakly, as a recognizer holds its target. The

@@ -4,6 +4,7 @@
 
 #include "core/config.hpp"
 #include "sys/process_state.hpp"
+#include "host/hook.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/exception.hpp"
 #include "rt/runtime.hpp"
@@ -28,25 +29,13 @@ ShakeState& state() { return sys::state<ShakeState>(); }
 
 void installImp(rt::Id, rt::SEL) { QBShakeHooks::install(); }
 
-// The top controller: the key window's root followed through presentations.
-rt::Id topPresented() {
-  rt::Id window = host::QBRuntime::keyWindow();
-  rt::Id top = window ? rt::send<rt::Id>(window, "rootViewController") : nullptr;
-  while (top) {
-    rt::Id next = rt::send<rt::Id>(top, "presentedViewController");
-    if (!next) break;
-    top = next;
-  }
-  return top;
-}
-
 }  // namespace
 
 void QBShakeHooks::install() {
   ShakeState& s = state();
   if (s.installed) return;
   s.installed = true;
-  try {
+  host::guarded("[QB] shake ex: %@", [] {
     if (sys::deviceMotionAvailable()) {
       sys::startDeviceMotionUpdates(kShakeSampleInterval_s, [](sys::Acceleration a) {
         sample(std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z));
@@ -57,9 +46,7 @@ void QBShakeHooks::install() {
         sample(std::fabs(std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z) - 1.0));
       });
     }
-  } catch (...) {
-    sys::log("[QB] shake ex: %@", rt::describeCurrentException());
-  }
+  });
 }
 
 void QBShakeHooks::sample(double magnitude) {
@@ -78,26 +65,26 @@ void QBShakeHooks::handleShake() {
   core::QBConfig& c = core::QBConfig::shared();
   if (!c.usesManualVisibility() || c.secretCount() <= 0 || c.suppressSessionApply()) return;
   if (c.suppressAutoLock() && !c.unlocked()) return;  // an authentication is on screen
-  rt::Id top = topPresented();
+  rt::Id top = host::QBRuntime::topPresented();
   if (top && rt::isKindOf(top, "UIAlertController")) return;
   double now = sys::mediaTime();
   if (now - s.lastShakeAt < kShakeSpacing_s) return;
   s.lastShakeAt = now;
   s.handling = true;
-  try {
-    if (c.unlocked()) {
-      if (c.shakeHideEnabled()) QBUnlock::hideNow();
-      s.handling = false;
-    } else if (c.shakeShowEnabled()) {
-      QBUnlock::showWithAuthFrom("shake");
-      sys::after(kShakeRevealHold_s, [] { state().handling = false; });
-    } else {
-      s.handling = false;
-    }
-  } catch (...) {
-    sys::log("[QB] shake handle ex: %@", rt::describeCurrentException());
-    s.handling = false;
-  }
+  bool holding = host::guarded(
+      "[QB] shake handle ex: %@",
+      [&c] {
+        if (c.unlocked()) {
+          if (c.shakeHideEnabled()) QBUnlock::hideNow();
+          return false;
+        }
+        if (!c.shakeShowEnabled()) return false;
+        QBUnlock::showWithAuthFrom("shake");
+        sys::after(kShakeRevealHold_s, [] { state().handling = false; });
+        return true;
+      },
+      false);
+  if (!holding) s.handling = false;
 }
 
 void QBShakeHooks::registerRuntimeClass() {

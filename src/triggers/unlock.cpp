@@ -47,7 +47,7 @@ bool isLongPressScreen(rt::Id controller) {
 // Asks the host first, then attaches the recogniser a moment later.
 void qbUnlockViewDidAppear(rt::Id self, rt::SEL cmd, bool animated) {
   state().viewDidAppear.run(
-      nullptr,
+      "[QB] QBUnlock viewDidAppear: ex: %@",
       [&](host::Hook<void(bool)>::Original& original) {
         original(animated);
         // Held weakly: a chat left within the turn is gone by then.
@@ -69,7 +69,7 @@ void QBUnlock::hideNow() {
   c.setUnlocked(false);
   QBSessionHooks::refreshFilterCache();
   bumpHaptic();
-  sys::after(0.15, [] { QBSessionHooks::softReloadMainFrameForce(true); });
+  sys::after(kHideReload_s, [] { QBSessionHooks::softReloadMainFrameForce(true); });
 }
 
 void QBUnlock::showWithAuthFrom(std::string_view source) {
@@ -141,7 +141,7 @@ void QBUnlock::installLongPressWake() {
   UnlockState& s = state();
   if (s.wakeInstalled) return;
   s.wakeInstalled = true;
-  try {
+  host::guarded("[QB] long-press install ex: %@", [&s] {
     rt::Class base = rt::getClass("UIViewController");
     for (const char* screen : kLongPressScreens)
       if (rt::Class cls = rt::getClass(screen))
@@ -151,9 +151,7 @@ void QBUnlock::installLongPressWake() {
     for (rt::Id vc : host::QBRuntime::collectViewControllers())
       if (isLongPressScreen(vc)) attachLongPressToVC(vc);
     sys::log("[QB] long-press wake OK");
-  } catch (...) {
-    sys::log("[QB] long-press install ex: %@", rt::describeCurrentException());
-  }
+  });
 }
 
 }  // namespace triggers

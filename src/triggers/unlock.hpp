@@ -22,6 +22,8 @@ struct QBUnlock {
 inline constexpr double kRevealDebounce_s = 0.8;
 inline constexpr double kRevealSettle_s = 2.0;
 inline constexpr double kLongPressDuration_s = 0.7;
+// A hide reloads the list once the haptic and the gesture that asked for it are done.
+inline constexpr double kHideReload_s = 0.15;
 inline constexpr const char* kLongPressScreens[] = {"NewMainFrameViewController",
                                                     "BaseMsgContentViewController"};
 

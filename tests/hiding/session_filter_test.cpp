@@ -119,6 +119,18 @@ TEST_F(SessionFilter, TheCountIsCachedForAFewTenthsOfASecond) {
   EXPECT_EQ(count(l, "getSessionCountForSection:"), 5) << "section 0 was no longer cached";
 }
 
+TEST_F(SessionFilter, TheViewControllersCountIsNeverCached) {
+  launchWithLibrary();
+  wait(5);
+  hideS();
+  EXPECT_EQ(count(logic(), "getSessionCountForSection:"), 2);
+  host.model.sessions.insert(host.model.sessions.begin(), "c");
+  addFriend("c");
+  process->runGuarded([&] { host.sessionsChanged(); });
+  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3)
+      << "counted again at once, not read from the logic controller's cache";
+}
+
 TEST_F(SessionFilter, WhileReentrantTheGettersAreTheHosts) {
   launchWithLibrary();
   hideS();

@@ -102,6 +102,30 @@ TEST_F(ContactDirectory, ARecordWithANameIsNotReadAgain) {
   EXPECT_EQ(nameless.displayName, "from the database");
 }
 
+Id emptyDatabaseRecord(Id, rt::SEL, Id) { return rt::dictionary({}); }
+
+// The picker's list reads a poor entry as a contact's record does: what the
+// database says wins, and a database that knows no more than the username
+// does not take away the name the cache had.
+TEST_F(ContactDirectory, TheListAndTheRecordReadAPoorEntryAlike) {
+  addFriend("nameless");
+  start();
+  rt::Method fromDB =
+      rt::getInstanceMethod(rt::getClass("CContactMgr"), rt::sel("getContactByNameFromDB:"));
+  auto listed = [](const std::string& username) {
+    for (const auto& item : QBContactInfo::listNormalContactItems())
+      if (item.username == username) return item;
+    return QBContactInfo::ListItem{};
+  };
+  rt::setImplementation(fromDB, reinterpret_cast<rt::IMP>(databaseRecord));
+  EXPECT_EQ(listed("nameless").remark, "from the database");
+  EXPECT_EQ(listed("nameless").displayName, "from the database");
+  rt::setImplementation(fromDB, reinterpret_cast<rt::IMP>(emptyDatabaseRecord));
+  EXPECT_EQ(QBContactInfo::infoForUsername("wxid_zed").displayName, "zed_alias");
+  EXPECT_EQ(listed("wxid_zed").displayName, "zed_alias");
+  EXPECT_EQ(listed("nameless").displayName, "nameless");
+}
+
 TEST_F(ContactDirectory, AvatarsAndThePlaceholder) {
   host.model.findFriend("alice")->headImage = true;
   host.model.findFriend("bob")->oldHeadImage = true;
@@ -184,14 +208,12 @@ const Piece kPieces[] = {
     {"MMContext", "serviceCenter"},
 };
 
-const std::vector<std::string> kDocumentedLines = {"[QB] contactForUsername ex: ",
-                                                   "[QB] headMgr ex: ",
-                                                   "[QB] contactInfo ex: ",
-                                                   "[QB] CContactMgr list ex: ",
-                                                   "[QB] ContactsDataLogic list ex: ",
-                                                   "[QB][stable] serviceNamed ",
-                                                   "[QB][stable] serviceCenter ex: ",
-                                                   "[QB][stable] mmContext ex: "};
+const std::vector<std::string> kDocumentedLines = {
+    "[QB] contactForUsername ex: ", "[QB] headMgr ex: ", "[QB] contactInfo ex: ",
+    "[QB] CContactMgr list ex: ", "[QB] ContactsDataLogic list ex: ", "[QB][stable] serviceNamed ",
+    "[QB][stable] serviceCenter ex: ", "[QB][stable] mmContext ex: ",
+    // the other steps, in the one short form
+    "[QB] QBContactInfo ", "[QB] QBRuntime "};
 
 class ContactDirectoryFaults : public ContactDirectory,
                                public ::testing::WithParamInterface<std::tuple<Piece, bool>> {};

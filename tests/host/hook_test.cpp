@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "host/hook.hpp"
 #include "rt/exception.hpp"
@@ -39,7 +40,7 @@ long hostClassTriple(Id, SEL, long x) {
 void hostAppear(Id, SEL, bool) { ++hostCalls; }
 
 // What the replacement body does this time.
-enum class Body { AskPlus1, AskThenFail, FailBeforeAsking, AskTwice, ProbeOtherArg };
+enum class Body { AskPlus1, AskThenFail, FailBeforeAsking, AskTwice, ProbeOtherArg, OurBug };
 Body body = Body::AskPlus1;
 host::Hook<long(long)> hook;
 
@@ -59,6 +60,8 @@ long replacement(Id self, SEL cmd, long x) {
             return original(x) + original(x + 100);
           case Body::ProbeOtherArg:
             return original(x + 1);
+          case Body::OurBug:
+            return std::vector<long>{}.at(std::size_t(x));  // std::out_of_range
         }
         return 0;
       },
@@ -105,6 +108,21 @@ TEST_F(HookPolicy, BodyFailureFallsBackToTheHostForTheUnchangedArgument) {
   EXPECT_EQ(hostCalls, 1);
   EXPECT_EQ(lastHostArg, 7);
   EXPECT_EQ(logged("[QB] test ex: before asking"), 1);
+  EXPECT_TRUE(process.runtime().violations().empty()) << "a host exception is no fault of ours";
+}
+
+// A plain C++ fault in a body still leaves the host working, but it is ours:
+// logged like any failure and recorded, so the test that caused it fails.
+TEST_F(HookPolicy, OurOwnFaultFallsBackLogsAndIsRecorded) {
+  allowViolations();
+  hook.replace(cls, "twice:", replacement);
+  body = Body::OurBug;
+  EXPECT_EQ(ask(6), 12);
+  EXPECT_EQ(hostCalls, 1);
+  EXPECT_EQ(logged("[QB] test ex: "), 1);
+  auto v = process.runtime().violations();
+  ASSERT_EQ(v.size(), 1u);
+  EXPECT_EQ(v[0].rfind("internal failure: ", 0), 0u) << v[0];
 }
 
 TEST_F(HookPolicy, FailureAfterAskingKeepsTheHostsAnswerWithoutAskingAgain) {
@@ -142,8 +160,8 @@ TEST_F(HookPolicy, WithoutAnOriginalTheFallbackAnswers) {
 
 long classReplacement(Id self, SEL cmd, long x) {
   return hook.run(
-      nullptr, [&](host::Hook<long(long)>::Original& original) { return original(x) * 10; }, self,
-      cmd, x);
+      "[QB] test class ex: %@",
+      [&](host::Hook<long(long)>::Original& original) { return original(x) * 10; }, self, cmd, x);
 }
 
 TEST_F(HookPolicy, ClassMethodSetDirectly) {
@@ -167,7 +185,7 @@ bool actFails = false;
 
 void qbAppear(Id self, SEL cmd, bool animated) {
   appear.run(
-      nullptr,
+      "[QB] test appear ex: %@",
       [&](host::Hook<void(bool)>::Original& original) {
         original(animated);
         if (actFails) rt::raise("Mine", "act failed");
@@ -249,8 +267,9 @@ int finished = 0;
 void hostFinish(Id, SEL, long) { ++finished; }
 host::Hook<void(long)> finish;
 void qbFinish(Id self, SEL cmd, long x) {
-  finish.run(nullptr, [&](host::Hook<void(long)>::Original& original) { original(x); }, self, cmd,
-             x);
+  finish.run(
+      "[QB] HookThreads finish ex: %@",
+      [&](host::Hook<void(long)>::Original& original) { original(x); }, self, cmd, x);
 }
 
 // The host's other thread runs the moment the replacement is in place, before
@@ -334,11 +353,30 @@ TEST(Guarded, LogsAndAnswersTheFallbackOnlyOnFailure) {
   EXPECT_EQ(host::guarded(
                 "[QB] step ex: %@", [] { return 3; }, 0),
             3);
+  EXPECT_TRUE(device.log().empty());
   EXPECT_EQ(host::guarded(
-                "[QB] step ex: %@", []() -> int { rt::raise("X", "boom"); }, 9),
+                "[QB] step ex: %@", []() -> int { rt::raise("X", "no contact bob"); }, 9),
             9);
-  ASSERT_FALSE(device.log().empty());
-  EXPECT_EQ(device.log().back().text, "[QB] step ex: boom");
+  ASSERT_EQ(device.log().size(), 1u);
+  EXPECT_EQ(device.log().back().text, "[QB] step ex: no contact bob");
+  EXPECT_EQ(device.log().back().kept, "[QB] step ex: <private>")
+      << "a host's reason may name a contact";
+  EXPECT_TRUE(process.runtime().violations().empty());
+}
+
+TEST(Guarded, OurOwnFaultIsRecordedWithItsLine) {
+  sim::Device device;
+  sim::Process process{device};
+  host::guarded(
+      "[QB][stable] serviceNamed %@ ex: %@", [] { return std::vector<int>{}.at(1); }, 0,
+      std::string("CContactMgr"));
+  ASSERT_EQ(device.log().size(), 1u);
+  EXPECT_EQ(device.log()[0].text.rfind("[QB][stable] serviceNamed CContactMgr ex: ", 0), 0u);
+  auto v = process.runtime().violations();
+  ASSERT_EQ(v.size(), 1u);
+  EXPECT_EQ(v[0].rfind("internal failure: ", 0), 0u);
+  host::guarded("[QB] step ex: %@", [] { rt::raise("NSRangeException", "host's own"); });
+  EXPECT_EQ(process.runtime().violations().size(), 1u) << "the host's exception is not ours";
 }
 
 }  // namespace

@@ -227,6 +227,12 @@ TEST_F(ToolkitFallBacks, KeyWindowAndTheViewControllerTreeBreadthFirst) {
   // tabs; its child nav, presented, nav again (as a tab); nav's child, nav's
   // stack; the second nav's child and stack.
   EXPECT_EQ(all, (std::vector<Id>{tabs, nav, presented, nav, inner, inner, inner, inner}));
+  EXPECT_EQ(QBRuntime::topPresented(), presented);
+  Id alert = rt::send<Id>(rt::getClass("UIViewController"), "new");
+  sim::present(presented, alert);
+  EXPECT_EQ(QBRuntime::topPresented(), alert) << "followed to the end of the chain";
+  EXPECT_EQ(QBRuntime::lastPresented(alert), alert);
+  EXPECT_EQ(QBRuntime::lastPresented(nullptr), nullptr);
 }
 
 TEST_F(ToolkitFallBacks, NoWindowsMeansNothing) {

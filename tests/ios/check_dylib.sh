@@ -130,13 +130,13 @@ grep -qx '_objc_storeStrong' <<<"$undefined" || fail "no ARC entry points: not b
 grep -qx '__NSConcreteStackBlock' <<<"$undefined" || fail "no blocks in the backend"
 
 # Every facade header with out-of-line functions has an iOS file of the same
-# name. Headers of plain data, and those whose code is portable (a .cpp beside
-# them in src/), need none.
+# name. Headers of plain data, those whose code is portable (a .cpp beside
+# them in src/), and templates over the other facades (sys/guarded) need none.
 for header in "$root"/src/rt/*.hpp "$root"/src/sys/*.hpp "$root"/src/ui/*.hpp; do
   dir=$(basename "$(dirname "$header")")
   name=$(basename "$header" .hpp)
   [ -f "$root/src/$dir/$name.cpp" ] && continue
-  case "$dir/$name" in rt/types | rt/geometry) continue ;; esac
+  case "$dir/$name" in rt/types | rt/geometry | sys/guarded) continue ;; esac
   [ -f "$root/platform/ios/$dir/$name.mm" ] || fail "facade src/$dir/$name.hpp has no platform/ios/$dir/$name.mm"
 done
 

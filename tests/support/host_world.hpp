@@ -41,7 +41,7 @@ class HostWorld : public ::testing::Test {
     if (process) {
       EXPECT_FALSE(process->crashed()) << process->crashReason();
       for (const auto& v : process->runtime().violations())
-        ADD_FAILURE() << "runtime type mismatch: " << v;
+        ADD_FAILURE() << "runtime violation: " << v;
     }
   }
   std::vector<std::string> logLines() const {

@@ -15,13 +15,13 @@ class SimWorld : public ::testing::Test {
   sim::Device device;
   sim::Process process{device};
 
-  // Type mismatches raise inside the runtime and may be swallowed by the code
-  // under test; this makes any of them fail the test that caused it.
+  // Type mismatches raise inside the runtime, and faults of our own are caught
+  // by the guards; both are recorded, and any record fails the test.
   void TearDown() override {
     EXPECT_FALSE(process.crashed()) << process.crashReason();
     if (!expectViolations_) {
       for (const auto& v : process.runtime().violations())
-        ADD_FAILURE() << "runtime type mismatch: " << v;
+        ADD_FAILURE() << "runtime violation: " << v;
     }
   }
   void allowViolations() { expectViolations_ = true; }

@@ -126,6 +126,7 @@ TEST_F(Entry, LabelsAreMatchedByHintWordsOrADottedNumber) {
   EXPECT_FALSE(QBEntryHooks::isVersionText("关于 About", "8.0.50"));
   EXPECT_FALSE(QBEntryHooks::isVersionText("2011-2026", ""));
   EXPECT_FALSE(QBEntryHooks::isVersionText("12", ""));
+  EXPECT_FALSE(QBEntryHooks::isVersionText("step 3. or .5", ""));
   EXPECT_FALSE(QBEntryHooks::isVersionText("", ""));
 }
 

@@ -43,8 +43,7 @@ int runCommandLine(Session& session, const std::string& line, std::string& messa
       execute(session, command);
     } catch (const ExpectFailure& f) {
       message = command.text + ": got " + f.message;
-      if (f.message.rfind("app crashed", 0) == 0 ||
-          f.message.rfind("runtime type mismatch", 0) == 0)
+      if (f.message.rfind("app crashed", 0) == 0 || f.message.rfind("runtime violation", 0) == 0)
         message = command.text + ": " + f.message;
       return kFailed;
     }

@@ -62,7 +62,7 @@ void Session::settle() {
   if (v.size() > violationsSeen_) {
     std::string what = v[violationsSeen_];
     violationsSeen_ = v.size();
-    throw ExpectFailure{"runtime type mismatch: " + what};
+    throw ExpectFailure{"runtime violation: " + what};
   }
 }
 

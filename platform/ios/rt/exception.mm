@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "bridge.h"
+#include "sys/log.hpp"
 
 namespace rt {
 namespace {
@@ -41,6 +42,25 @@ void raise(std::string name, std::string reason) {
 std::string describeCurrentException() { return current().second; }
 
 std::string currentExceptionName() { return current().first; }
+
+bool handlingHostException() {
+  if (!std::current_exception()) return false;
+  try {
+    @try {
+      throw;
+    } @catch (NSException*) {
+      return true;
+    }
+  } catch (const Exception&) {
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+void reportInternalFailure(const std::string& what) {
+  sys::log("[QB] internal failure: %@", sys::privately(what));
+}
 
 }  // namespace rt
 
