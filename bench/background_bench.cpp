@@ -6,7 +6,7 @@
 #include <string>
 
 #include "core/config.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
 #include "hostapp/host_app.hpp"
 #include "sim/device.hpp"

@@ -8,7 +8,7 @@
 #include <chrono>
 
 #include "core/config.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hostapp/host_app.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "core/config.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
 #include "hostapp/host_app.hpp"
 #include "rt/foundation.hpp"

@@ -5,7 +5,7 @@
 #include "core/config.hpp"
 #include "panel/contact_pick_controller.hpp"
 #include "panel/panel_controller.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hostapp/host_app.hpp"
 #include "sim/device.hpp"
 #include "sim/process.hpp"

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "core/config.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hostapp/host_app.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"

@@ -1,50 +1,105 @@
 #!/usr/bin/env bash
-# Fails when a file under src/ includes a higher layer, a sideways neighbour
-# (host and the core state; triggers and notify), or anything from platform/.
+# Fails when a file under src/ is in no layer, or includes a higher layer, a
+# sideways neighbour (host and the core state; triggers and notify), or
+# anything outside src/ (platform/ above all), naming both files. Every file
+# counts, whatever its extension, and every spelling a compiler accepts:
+# quotes or angle brackets, #import, spaces around the '#', '..' in the path,
+# and paths relative to the including file's folder. The build's include roots
+# (cmake/layers.cmake) stop only the plain spellings; this stops the rest.
 # Layers, from the bottom: base; the facades rt, sys, ui; host and the core
-# state; hiding; triggers and notify; panel; start-up (src/core/startup.*).
+# state; hiding; triggers and notify; panel; start-up.
+#
+#   scripts/check_layers.sh [ROOT]    ROOT holds src/ (the repository by default)
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "${1:-$(dirname "$0")/..}"
 
-# Prints "rank group" for a path under src/ (without the src/ prefix).
+# Sets rank and group for a path from the top of the tree; empty when in no layer.
 layer_of() {
   case "$1" in
-    base/*) echo "0 base" ;;
-    rt/* | sys/* | ui/*) echo "1 facade" ;;
-    core/startup.*) echo "6 startup" ;;
-    core/*) echo "2 core" ;;
-    host/*) echo "2 host" ;;
-    hiding/*) echo "3 hiding" ;;
-    triggers/*) echo "4 triggers" ;;
-    notify/*) echo "4 notify" ;;
-    panel/*) echo "5 panel" ;;
-    *) echo "" ;;
+    src/base/*) rank=0 group=base ;;
+    src/rt/* | src/sys/* | src/ui/*) rank=1 group=facade ;;
+    src/core/*) rank=2 group=core ;;
+    src/host/*) rank=2 group=host ;;
+    src/hiding/*) rank=3 group=hiding ;;
+    src/triggers/*) rank=4 group=triggers ;;
+    src/notify/*) rank=4 group=notify ;;
+    src/panel/*) rank=5 group=panel ;;
+    src/startup/*) rank=6 group=startup ;;
+    *) rank="" group="" ;;
   esac
 }
 
+# Sets REPLY to the path with its dots resolved on paper (a/b/../c is a/c),
+# as a compiler would once the folders exist; empty when it climbs out of the tree.
+normalise() {
+  local -a parts out=()
+  local part
+  IFS=/ read -r -a parts <<<"$1"
+  REPLY=""
+  for part in "${parts[@]}"; do
+    case "$part" in
+      '' | .) ;;
+      ..)
+        [ ${#out[@]} -gt 0 ] || return 0
+        unset 'out[-1]'
+        ;;
+      *) out+=("$part") ;;
+    esac
+  done
+  local IFS=/
+  REPLY="${out[*]}"
+}
+
+# Sets REPLY to the file an include lands on: a quoted one beside the including
+# file first; then under src/, from the top of the tree, or under a platform's
+# include roots. Empty when it is in none of them (a system header).
+resolve() {
+  local dir=$1 kind=$2 inc=$3 try
+  local -a tries=("src/$inc" "$inc" "platform/$inc" "platform/sim/$inc" "platform/ios/$inc")
+  [ "$kind" = '"' ] && tries=("$dir/$inc" "${tries[@]}")
+  for try in "${tries[@]}"; do
+    normalise "$try"
+    [ -n "$REPLY" ] && [ -f "$REPLY" ] && return 0
+  done
+  REPLY=""
+}
+
 status=0
+fail() {
+  echo "check_layers: $*" >&2
+  status=1
+}
+
+directive='^[[:space:]]*#[[:space:]]*(include_next|include|import)[[:space:]]*(["<])([^">]*)[">]'
 while IFS= read -r file; do
-  rel=${file#src/}
-  read -r rank group <<<"$(layer_of "$rel")"
-  if [ -z "${rank:-}" ]; then
-    echo "check_layers: $file is in no layer" >&2
-    status=1
+  layer_of "$file"
+  if [ -z "$rank" ]; then
+    fail "$file is in no layer"
     continue
   fi
-  while IFS=: read -r line inc; do
-    [ -n "$inc" ] || continue
-    if [ ! -f "src/$inc" ]; then
-      echo "check_layers: $file:$line includes $inc, which is not under src/ (the system reaches a platform only through its facades)" >&2
-      status=1
+  own_rank=$rank own_group=$group
+  while IFS=: read -r line text; do
+    if ! [[ $text =~ $directive ]]; then
+      fail "$file:$line: an include this check cannot read: $text"
       continue
     fi
-    read -r irank igroup <<<"$(layer_of "$inc")"
-    if [ "$irank" -gt "$rank" ] || { [ "$irank" -eq "$rank" ] && [ "$igroup" != "$group" ]; }; then
-      echo "check_layers: $file:$line ($group) includes src/$inc ($igroup): upward or sideways" >&2
-      status=1
+    kind=${BASH_REMATCH[2]} inc=${BASH_REMATCH[3]}
+    resolve "${file%/*}" "$kind" "$inc"
+    target=$REPLY
+    if [ -z "$target" ]; then
+      [ "$kind" = '"' ] && fail "$file:$line includes $inc, found nowhere in the tree"
+      continue
     fi
-  done < <(grep -n -o -E '^#include "[^"]+"' "$file" | sed -E 's/^([0-9]+):#include "(.*)"/\1:\2/')
-done < <(find src -name '*.hpp' -o -name '*.cpp' | sort)
+    layer_of "$target"
+    if [ "${target#src/}" = "$target" ]; then
+      fail "$file:$line includes $target, outside src/ (the system reaches a platform only through its facades)"
+    elif [ -z "$rank" ]; then
+      fail "$file:$line includes $target, which is in no layer"
+    elif [ "$rank" -gt "$own_rank" ] || { [ "$rank" -eq "$own_rank" ] && [ "$group" != "$own_group" ]; }; then
+      fail "$file:$line ($own_group) includes $target ($group): upward or sideways"
+    fi
+  done < <(grep -n -E '^[[:space:]]*#[[:space:]]*(include_next|include|import)([^[:alnum:]_]|$)' "$file" || true)
+done < <(find src -type f ! -path src/CMakeLists.txt | sort)
 
 [ "$status" -eq 0 ] && echo "check_layers: every include in src/ runs downward"
 exit "$status"

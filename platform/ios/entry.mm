@@ -4,7 +4,7 @@
 #import <Foundation/Foundation.h>
 
 #include "bridge.h"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 
 __attribute__((constructor)) static void quenbyLoaded() {
   @autoreleasepool {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/config.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "support/sim_world.hpp"

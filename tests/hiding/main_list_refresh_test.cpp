@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/config.hpp"
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"

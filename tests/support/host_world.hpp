@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "hostapp/host_app.hpp"
 #include "sim/device.hpp"
 #include "sim/process.hpp"

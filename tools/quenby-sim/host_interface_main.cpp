@@ -16,7 +16,7 @@
 #include <set>
 #include <string>
 
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "host/hook_tally.hpp"
 #include "hostapp/host_app.hpp"
 #include "rt/encoding.hpp"

@@ -1,6 +1,6 @@
 #include "launch_hooks.hpp"
 
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 #include "session.hpp"
 
 namespace qbsim {

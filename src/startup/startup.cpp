@@ -1,4 +1,4 @@
-#include "core/startup.hpp"
+#include "startup/startup.hpp"
 
 #include "core/config.hpp"
 #include "sys/process_state.hpp"

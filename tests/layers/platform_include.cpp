@@ -1,0 +1,2 @@
+// The system reaching past its facades into the simulated platform.
+#include "sim/process.hpp"

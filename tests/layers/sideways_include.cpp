@@ -1,0 +1,2 @@
+// The runtime toolkit reaching sideways into the settings.
+#include "core/config.hpp"
