@@ -41,13 +41,15 @@ TEST(OutsideMatch, ItemsByIdentifierKeywordOrExactDisplayName) {
   hiding::SecretName bob{"bob", "Bob"};
   ItemFields plain{"chat.alice", "chats", "Alice", "", "", {}};
   EXPECT_FALSE(hiding::itemNames(plain, bob));
-  ItemFields byId = plain, byDomain = plain, byKeyword = plain, byTitle = plain, partial = plain;
+  ItemFields byId = plain, byDomain = plain, byKeyword = plain, byTitle = plain, byName = plain,
+             partial = plain;
   byId.uniqueIdentifier = "chat.bob";
   byDomain.domainIdentifier = "chats.bob";
   byKeyword.keywords = {"x", "bob"};
   byTitle.title = "Bob";
+  byName.displayName = "Bob";
   partial.title = "Bob (work)";
-  for (const ItemFields& f : {byId, byDomain, byKeyword, byTitle})
+  for (const ItemFields& f : {byId, byDomain, byKeyword, byTitle, byName})
     EXPECT_TRUE(hiding::itemNames(f, bob)) << f.uniqueIdentifier << " " << f.title;
   EXPECT_FALSE(hiding::itemNames(partial, bob)) << "a display name among other words is not caught";
   EXPECT_FALSE(hiding::itemNames(byTitle, {"bob", ""})) << "no display name, no title match";
@@ -66,7 +68,9 @@ TEST(OutsideMatch, ThePreparedSetAnswersAsEverySecretAskedInTurn) {
     std::string text;
     for (int n = int(rng() % 5); n >= 0; --n) text += pieces[rng() % std::size(pieces)];
     ItemFields item;
-    (round % 2 ? item.uniqueIdentifier : item.title) = text;
+    (round % 3 == 0   ? item.uniqueIdentifier
+     : round % 3 == 1 ? item.title
+                      : item.displayName) = text;
     bool any = false, anyItem = false;
     for (const auto& s : secrets) {
       any = any || namesUsername(text, s.username);

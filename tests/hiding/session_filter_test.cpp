@@ -9,7 +9,6 @@
 
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
-#include "hiding/session_state.hpp"
 #include "host/runtime_toolkit.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -131,16 +130,25 @@ TEST_F(SessionFilter, TheViewControllersCountIsNeverCached) {
       << "counted again at once, not read from the logic controller's cache";
 }
 
-TEST_F(SessionFilter, WhileReentrantTheGettersAreTheHosts) {
+// In this build the list's view controller reads its rows through the logic
+// controller's hooked getters: inside the outer remapping they must answer as
+// the host would, or the rows are remapped twice.
+TEST_F(SessionFilter, NestedGettersAnswerAsTheHostInside) {
+  host.model.sessions = {"a", "S", "b", "c"};
+  addFriend("c");
+  host.build.variants = {"list-through-logic"};
   launchWithLibrary();
   hideS();
-  hiding::sessionState().depth = 1;
-  EXPECT_EQ(count(logic(), "getSessionCountForSection:"), 3);
-  EXPECT_EQ(nameOf(row(logic(), "getSessionInfoAtIndexPath:", 1)), "S");
-  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
-  hiding::sessionState().depth = 0;
-  EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 2);
-  EXPECT_EQ(hiding::sessionState().depth, 0) << "balanced after use";
+  for (int twice = 0; twice < 2; ++twice) {
+    EXPECT_EQ(count(frame(), "logicGetCountForSection:"), 3);
+    EXPECT_EQ(nameOf(row(frame(), "logicGetSessionAtIndexPath:", 1)), "b");
+    EXPECT_EQ(nameOf(row(frame(), "logicGetSessionAtIndexPath:", 2)), "c");
+    EXPECT_EQ(nameOf(row(frame(), "logicGetCellDataAtIndexPath:", 2)), "c");
+  }
+  EXPECT_EQ(nameOf(row(logic(), "getSessionInfoAtIndexPath:", 1)), "b")
+      << "asked directly, the logic controller filters too";
+  process->runGuarded([&] { rt::send<void>(frame(), "reloadSessions"); });
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "b", "c"}));
 }
 
 TEST_F(SessionFilter, CanShowInMainFrameVetoesSecrets) {
@@ -152,14 +160,11 @@ TEST_F(SessionFilter, CanShowInMainFrameVetoesSecrets) {
   EXPECT_TRUE(rt::send<bool>(mgr, "canShowInMainFrame:", rt::str(""))) << "the host's answer";
   Id session = rt::elements(rt::send<Id>(QBSessionHooks::mainSessionMgr(), "normalSessions"))[1];
   EXPECT_FALSE(rt::send<bool>(mgr, "canShowInMainFrame:", session)) << "objects by their username";
-  EXPECT_EQ(countLog("[QB] +canShowInMainFrame: OK"), 1);
 }
 
 TEST_F(SessionFilter, ListingTheHostsSessions) {
   launchWithLibrary();
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "?");
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "MainSessionMgr");
   std::vector<hiding::SessionItem> items = QBSessionHooks::listSessionItems();
   ASSERT_EQ(items.size(), 3u);
   EXPECT_EQ(items[1].displayName, "S");
@@ -176,7 +181,6 @@ TEST_F(SessionListingFallBacks, FromTheIndexGetterWhenTheKeysHoldNothing) {
       rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
       reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
 }
 
 // A session manager whose keys hold nothing, answering the index getter from
@@ -219,7 +223,6 @@ TEST_F(SessionListingLimits, TenPastTheVisibleCountAtMostFourHundred) {
   launchWithLibrary();
   useIndexGetter();
   EXPECT_EQ(listed(3), 13u);
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "getNormalAt");
   EXPECT_EQ(listed(0), 210u) << "no visible count: 210";
   EXPECT_EQ(listed(-5), 210u);
   EXPECT_EQ(listed(1000), 400u);
@@ -253,14 +256,12 @@ TEST_F(SessionListingFallBacks, AnUndefinedKeyEndsTheListingWithItsException) {
   launchWithLibrary();
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}))
       << "what the first key collected stands";
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "NSUnknownKeyException");
 }
 
 TEST_F(SessionListingFallBacks, TheSessionArrayWhenTheMainManagerIsMissing) {
   host.build.lackingClasses.insert("MainSessionMgr");
   launchWithLibrary();
   EXPECT_EQ(QBSessionHooks::listSessionUsernames(), (std::vector<std::string>{"a", "S", "b"}));
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "m_arrSessionInfo");
 }
 
 TEST_F(SessionListingFallBacks, NoManagersAtAll) {
@@ -268,7 +269,6 @@ TEST_F(SessionListingFallBacks, NoManagersAtAll) {
   host.build.lackingClasses.insert("MMNewSessionMgr");
   launchWithLibrary();
   EXPECT_TRUE(QBSessionHooks::listSessionUsernames().empty());
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "mgr-nil");
 }
 
 TEST_F(SessionListingFallBacks, ARaisingManagerNamesTheException) {
@@ -278,7 +278,6 @@ TEST_F(SessionListingFallBacks, ARaisingManagerNamesTheException) {
       rt::getInstanceMethod(rt::getClass("MainSessionMgr"), rt::sel("normalSessions")),
       reinterpret_cast<rt::IMP>(emptySessions));
   EXPECT_TRUE(QBSessionHooks::listSessionUsernames().empty());
-  EXPECT_EQ(QBSessionHooks::lastListPath(), "NSGenericException");
 }
 
 // When a host getter the filter relies on fails, the list falls open: the

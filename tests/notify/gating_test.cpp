@@ -13,61 +13,50 @@ namespace {
 
 class Gating : public qbtest::NotifyWorld {};
 
-TEST_F(Gating, NonSecretMessagesAreTheHosts) {
-  launch();
-  sim::Announcement a = message("alice");
-  EXPECT_EQ(a.banner, "in-app");
-  EXPECT_TRUE(a.sound);
-  EXPECT_EQ(a.vibrations, 0);
-  process->enterBackground();
-  a = message("alice");
-  EXPECT_EQ(a.banner, "system");
-  EXPECT_TRUE(a.sound);
+// What a person notices of one message, active and then in the background,
+// by sender, notify mode and reveal state.
+struct GridRow {
+  const char* from;
+  long mode;
+  bool revealed;
+  sim::Announcement active, background;  // banner, sound, vibrations
+};
+
+sim::Announcement noticed(const char* banner, bool sound, int vibrations) {
+  sim::Announcement a;
+  a.banner = banner;
+  a.sound = sound;
+  a.vibrations = vibrations;
+  return a;
 }
 
-TEST_F(Gating, HiddenModeZeroDropsEverywhere) {
-  launch();
-  setMode(0);
-  sim::Announcement a = message("bob");
-  EXPECT_EQ(a.banner, "");
-  EXPECT_FALSE(a.sound);
-  EXPECT_EQ(a.vibrations, 0);
-  process->enterBackground();
-  a = message("bob");
-  EXPECT_EQ(a.banner, "");
-  EXPECT_FALSE(a.sound);
-  EXPECT_EQ(countLog("[QB] block OnShowPush (hidden secret bg)"), 1);
-}
-
-TEST_F(Gating, RevealedModeZeroAnnouncesNormally) {
-  launch();
-  setMode(0);
-  config().setUnlocked(true);
-  sim::Announcement a = message("bob");
-  EXPECT_EQ(a.banner, "in-app");
-  EXPECT_TRUE(a.sound);
-}
-
-TEST_F(Gating, HiddenModeOneVibratesWithoutSound) {
-  launch();
-  setMode(1);
-  sim::Announcement a = message("bob");
-  EXPECT_EQ(a.banner, "in-app");
-  EXPECT_FALSE(a.sound) << "the in-app sound path is suppressed";
-  EXPECT_GE(a.vibrations, 1);
-  process->enterBackground();
-  a = message("bob");
-  EXPECT_EQ(a.banner, "system");
-  EXPECT_FALSE(a.sound);
-  EXPECT_GE(a.vibrations, 1);
-}
-
-TEST_F(Gating, HiddenModeTwoRings) {
-  launch();
-  setMode(2);
-  EXPECT_TRUE(message("bob").sound);
-  process->enterBackground();
-  EXPECT_TRUE(message("bob").sound);
+TEST_F(Gating, TheGridOfSenderModeAndState) {
+  const GridRow rows[] = {
+      {"alice", 0, false, noticed("in-app", true, 0), noticed("system", true, 0)},
+      {"bob", 0, false, noticed("", false, 0), noticed("", false, 0)},
+      {"bob", 0, true, noticed("in-app", true, 0), noticed("system", true, 0)},
+      // Mode 1: the banner stays, the in-app sound path is suppressed, a vibration instead.
+      {"bob", 1, false, noticed("in-app", false, 1), noticed("system", false, 1)},
+      {"bob", 1, true, noticed("in-app", true, 0), noticed("system", true, 0)},
+      {"bob", 2, false, noticed("in-app", true, 0), noticed("system", true, 0)},
+  };
+  for (const GridRow& r : rows) {
+    SCOPED_TRACE(std::string(r.from) + " mode " + std::to_string(r.mode) +
+                 (r.revealed ? " revealed" : " hidden"));
+    launch();
+    setMode(r.mode);
+    for (bool background : {false, true}) {
+      if (background) process->enterBackground();  // which hides again: reveal after it
+      config().setUnlocked(r.revealed);
+      const sim::Announcement& want = background ? r.background : r.active;
+      sim::Announcement a = message(r.from);
+      EXPECT_EQ(a.banner, want.banner) << (background ? "background" : "active");
+      EXPECT_EQ(a.sound, want.sound) << (background ? "background" : "active");
+      EXPECT_EQ(a.vibrations > 0, want.vibrations > 0) << (background ? "background" : "active");
+    }
+    for (const auto& v : process->runtime().violations()) ADD_FAILURE() << v;
+    process.reset();
+  }
 }
 
 TEST_F(Gating, ThreeArgumentPushAndAlternativeKeysGateTheSame) {
@@ -206,14 +195,11 @@ TEST_F(Gating, BannerItemIsJudgedByTheMessageItWraps) {
   EXPECT_EQ(show("alice"), "in-app");
 }
 
-TEST_F(Gating, InstallsOnceAndSyncOnlyLogs) {
+TEST_F(Gating, ASecondInstallChangesNothing) {
   launch();
   notify::QBNotifyHooks::install();
-  EXPECT_EQ(countLog("[QB] notify+CallKit only (no invite hooks)"), 1);
   setMode(0);
   EXPECT_EQ(message("bob").banner, "") << "a second install would exchange the methods back";
-  notify::QBNotifyHooks::syncVoipAutoIgnore();
-  EXPECT_EQ(countLog("[QB] VoIPIgnore sync skipped (safe mode)"), 1);
 }
 
 }  // namespace

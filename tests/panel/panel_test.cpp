@@ -264,6 +264,26 @@ TEST_F(Panel, LeavingTheAppTakesTheSheetAndTheDialogAboveItAtOnce) {
   EXPECT_EQ(rt::className(top()), "NewMainFrameViewController");
 }
 
+// Face ID can answer after the app has left: the flow is over by then, and
+// its pass must not leave the secrets shown for the user's return.
+TEST_F(Panel, AFaceIdPassArrivingAfterLeavingLeavesTheSecretsHidden) {
+  config().addSecretUser("bob");
+  config().setPanelAuthMode(1);
+  process->runGuarded([] { panel::QBPanelController::presentFrom(nullptr); });
+  process->runDue();
+  ASSERT_TRUE(process->platform().biometricReply);
+  auto reply = process->platform().biometricReply;
+  process->platform().biometricReply = nullptr;
+  ASSERT_TRUE(process->enterBackground());
+  process->runGuarded([&] { reply(true); });
+  process->runDue();
+  ASSERT_TRUE(process->enterForeground());
+  wait(2);
+  EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"alice"}));
+  EXPECT_EQ(rt::className(top()), "NewMainFrameViewController") << "and no panel";
+  EXPECT_FALSE(config().unlocked());
+}
+
 TEST_F(Panel, ClosingInScheduleModeLetsTheScheduleDecide) {
   config().addSecretUser("bob");
   device.setLocalTime(23, 0);

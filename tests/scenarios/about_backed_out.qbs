@@ -39,5 +39,5 @@ tap version
 expect screen alert
 press 取消
 wait 1
-expect screen about
 expect no-log " ex: "
+expect screen about

@@ -60,3 +60,5 @@ type 7351
 press 确定
 wait 1
 expect revealed
+wait 2
+expect main alice bob

@@ -1,6 +1,8 @@
 # A settings file cut short in the middle of the secret list: the app starts
 # with every default, keeps the file aside under a dated name, and the first
 # change writes a new one beside it.
+friend alice nick=Alice
+session alice
 launch
 expect hidden
 expect log "[QB] config unreadable, kept aside as "
@@ -11,3 +13,4 @@ expect file longPressUnlock false
 expect file password 7351
 expect file secrets []
 expect no-log "config save failed"
+expect main alice

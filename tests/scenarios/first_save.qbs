@@ -1,5 +1,9 @@
 # A cold start with no settings file: nothing is written until the first
 # change, which writes every key with its default.
+friend alice nick=Alice
+friend bob nick=Bob
+session alice
+session bob
 launch
 expect hidden
 secret alice
@@ -20,3 +24,5 @@ expect file voipVoiceNotify false
 expect file voipVideoNotify false
 expect file visibilityControl 0
 expect file dailyWindows [{start = 480; end = 1320; mode = 0}]
+wait 1
+expect main bob

@@ -9,10 +9,10 @@ secret bob
 launch
 expect log "[QB] hook skipped -[QuickReplyMsgMgr onNewMsgArriving:NotifyFlag:]: host types v@:@q@, hook types v@:@q"
 expect log "skipped: -[QuickReplyMsgMgr onNewMsgArriving:NotifyFlag:]"
+expect no-log " ex: "
 message alice "hi"
 expect banner alice
 expect sound alice
 message bob "hi"
 expect no-banner bob
 expect no-sound bob
-expect no-log " ex: "

@@ -26,5 +26,5 @@ wait 2.5
 expect revealed
 open main
 wait 1
-expect main alice bob
 expect no-log "FATAL"
+expect main alice bob

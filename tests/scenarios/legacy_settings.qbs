@@ -1,6 +1,10 @@
 # A settings file from an old version: one authMode, one shakeToggle, the old
 # show minute. It loads migrated, and is rewritten in the clean form only at the
 # next save.
+friend alice nick=Alice
+friend carol nick=Carol
+session alice
+session carol
 launch
 expect hidden
 expect file authMode 1
@@ -18,3 +22,5 @@ expect file password 2468
 expect file backgroundNotify false
 expect file dailyWindows [{start = 600; end = 1320; mode = 0}]
 expect file secrets [alice team@chatroom]
+wait 1
+expect main carol

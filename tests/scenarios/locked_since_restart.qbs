@@ -36,6 +36,6 @@ expect main alice
 secret carol
 expect file secrets [bob carol]
 expect file password 2468
+expect no-log " ex: "
 message bob "again"
 expect no-banner bob
-expect no-log " ex: "

@@ -15,6 +15,6 @@ expect vibration bob
 call video bob
 expect ringing bob
 wait 31
+expect no-log " ex: "
 call voice bob
 expect no-ringing bob
-expect no-log " ex: "

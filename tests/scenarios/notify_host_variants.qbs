@@ -28,3 +28,4 @@ expect no-ringing bob
 wait 0.2
 expect log "[QB] CallKit reportCallEnded"
 expect no-log " ex: "
+expect no-ringing bob

@@ -11,6 +11,8 @@ send alice "hi"
 send bob "hi"
 expect suggestions
 expect spotlight Alice
+expect log "[QB] outside records: donations filtered, search index filtered"
 secret alice
 expect hidden
-expect log "[QB] outside records: donations filtered, search index filtered"
+open contacts
+expect contacts

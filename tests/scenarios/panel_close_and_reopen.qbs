@@ -55,3 +55,4 @@ expect revealed
 panel done
 wait 1
 expect hidden
+expect main alice

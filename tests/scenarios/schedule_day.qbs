@@ -33,3 +33,4 @@ expect main alice
 clock 22:01
 wait 31
 expect hidden
+expect main alice

@@ -1,5 +1,11 @@
 # Secrets marked before launch and while running survive a restart; every
 # launch starts hidden, whatever the last run ended in.
+friend alice nick=Alice
+friend bob nick=Bob
+friend carol nick=Carol
+session alice
+session bob
+session carol
 secret alice
 secret team@chatroom
 launch
@@ -19,3 +25,5 @@ expect file password 2468
 quit
 launch
 expect hidden
+wait 1
+expect main carol

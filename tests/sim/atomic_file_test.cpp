@@ -1,6 +1,5 @@
 // Atomic writes: the target is always the old file or the whole new one, a
-// simulated crash leaves the old one, errors are reported, not hidden, and a
-// property list on disk reads back.
+// simulated crash leaves the old one, and errors are reported, not hidden.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,8 +12,6 @@
 #include <vector>
 
 #include "sim/atomic_file.hpp"
-#include "sim/plist_codec.hpp"
-#include "support/value_printer.hpp"
 
 namespace {
 
@@ -101,18 +98,6 @@ TEST_F(AtomicFile, AMoveNeverReplaces) {
   EXPECT_EQ(sim::renameWithoutReplacing(path("a"), path("c")), 0);
   EXPECT_EQ(entries(), (std::vector<std::string>{"b", "c"}));
   EXPECT_EQ(sim::readWholeFile(path("c")), "first");
-}
-
-TEST_F(AtomicFile, APropertyListOnDiskReadsBack) {
-  const base::Value v(base::Dictionary{{"secrets", base::Value(base::Array{base::Value("密友")})}});
-  ASSERT_TRUE(sim::writeFileAtomically(path("config.plist"),
-                                       sim::encodePlist(v, sys::PlistFormat::Binary)));
-  std::optional<std::string> bytes = sim::readWholeFile(path("config.plist"));
-  ASSERT_TRUE(bytes);
-  EXPECT_EQ(sim::decodePlist(*bytes), v);
-  ASSERT_TRUE(sim::writeFileAtomically(path("config.plist"), ""));
-  EXPECT_EQ(sim::decodePlist(*sim::readWholeFile(path("config.plist"))), std::nullopt)
-      << "an empty file";
 }
 
 TEST_F(AtomicFile, ConcurrentWritersNeverMixTheirBytes) {

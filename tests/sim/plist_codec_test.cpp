@@ -220,6 +220,28 @@ TEST(PlistReading, BinaryUtf16SurrogatePairs) {
   EXPECT_EQ(roundTrip(emoji, PlistFormat::Binary), emoji);
 }
 
+TEST(PlistReading, TextThatIsNotUtf8IsNotAPropertyList) {
+  std::string xml =
+      sim::encodePlist(Value(base::Dictionary{{"password", Value("alice")}}), PlistFormat::Xml);
+  ASSERT_TRUE(sim::decodePlist(xml));
+  std::string broken = xml;
+  broken[broken.find("alice")] = '\xff';
+  EXPECT_EQ(sim::decodePlist(broken), std::nullopt) << "Foundation refuses it; so do we";
+}
+
+TEST(PlistReading, AStringWithANulInsideIsKeptWhole) {
+  // A binary list whose string holds "a\0b" (as a damaged or hostile file can).
+  const unsigned char bytes[] = {'b',  'p',  'l',  'i', 's', 't', '0', '0', 0xd1, 0x01, 0x02, 0x58,
+                                 'p',  'a',  's',  's', 'w', 'o', 'r', 'd', 0x53, 'a',  0x00, 'b',
+                                 0x08, 0x0b, 0x14, 0,   0,   0,   0,   0,   0,    1,    1,    0,
+                                 0,    0,    0,    0,   0,   0,   3,   0,   0,    0,    0,    0,
+                                 0,    0,    0,    0,   0,   0,   0,   0,   0,    0,    0x18};
+  auto v = sim::decodePlist(std::string_view(reinterpret_cast<const char*>(bytes), sizeof bytes));
+  ASSERT_TRUE(v);
+  ASSERT_TRUE(v->find("password"));
+  EXPECT_EQ(*v->find("password")->asString(), std::string("a\0b", 3));
+}
+
 TEST(PlistDamage, TruncatedListsReadAsNothingOrWhole) {
   const Value v(base::Dictionary{{"password", Value("1234")},
                                  {"windows", Value(base::Array{Value(1), Value(2.5)})}});

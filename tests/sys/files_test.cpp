@@ -1,11 +1,11 @@
-// The container's files through the facade: the Documents folder, property
-// lists written atomically and read in either form.
+// The container's files through the facade: the Documents folder, and how
+// the device's faults and the file system's answers reach the caller. The
+// codec and the atomic write themselves are tested in tests/sim.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
-#include "sim/plist_codec.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
 
@@ -51,15 +51,6 @@ TEST_F(ContainerFiles, ACrashDuringAWriteLeavesTheOldFileWhole) {
   EXPECT_EQ(sys::readPropertyList(file()), settings("new"));
 }
 
-TEST_F(ContainerFiles, ADamagedFileReadsAsNothing) {
-  sys::createDirectories(folder());
-  ASSERT_TRUE(sys::writePropertyList(file(), settings("x"), sys::PlistFormat::Binary));
-  std::filesystem::resize_file(file(), std::filesystem::file_size(file()) / 2);
-  EXPECT_EQ(sys::readPropertyList(file()), std::nullopt);
-  std::ofstream(file()) << "not a property list";
-  EXPECT_EQ(sys::readPropertyList(file()), std::nullopt);
-}
-
 TEST_F(ContainerFiles, AReadTellsMissingFromUnreadableFromDamaged) {
   sys::createDirectories(folder());
   EXPECT_EQ(sys::readPropertyListFile(file()).status, sys::ReadStatus::Missing);
@@ -96,64 +87,6 @@ TEST_F(ContainerFiles, AReadOnlyContainerChangesNothing) {
   EXPECT_FALSE(sys::createDirectories(folder() + "/sub"));
   EXPECT_EQ(sys::readPropertyList(file()), settings("old")) << "still readable";
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder()), {}), 1);
-}
-
-TEST(PlistCodec, TextThatIsNotUtf8IsNotAPropertyList) {
-  std::string xml = sim::encodePlist(
-      base::Value(base::Dictionary{{"password", base::Value("alice")}}), sys::PlistFormat::Xml);
-  ASSERT_TRUE(sim::decodePlist(xml));
-  std::string broken = xml;
-  broken[broken.find("alice")] = '\xff';
-  EXPECT_EQ(sim::decodePlist(broken), std::nullopt) << "Foundation refuses it; so do we";
-}
-
-TEST(PlistCodec, AStringWithANulInsideDoesNotCrashTheReader) {
-  // A binary list whose string holds "a\0b" (as a damaged or hostile file can).
-  const unsigned char bytes[] = {'b',  'p',  'l',  'i', 's', 't', '0', '0', 0xd1, 0x01, 0x02, 0x58,
-                                 'p',  'a',  's',  's', 'w', 'o', 'r', 'd', 0x53, 'a',  0x00, 'b',
-                                 0x08, 0x0b, 0x14, 0,   0,   0,   0,   0,   0,    1,    1,    0,
-                                 0,    0,    0,    0,   0,   0,   3,   0,   0,    0,    0,    0,
-                                 0,    0,    0,    0,   0,   0,   0,   0,   0,    0,    0x18};
-  auto v = sim::decodePlist(std::string_view(reinterpret_cast<const char*>(bytes), sizeof bytes));
-  ASSERT_TRUE(v);
-  ASSERT_TRUE(v->find("password"));
-  EXPECT_EQ(*v->find("password")->asString(), std::string("a\0b", 3));
-}
-
-TEST(PlistCodec, DamagedBinaryListsAreRefusedNotFollowed) {
-  std::string good = sim::encodePlist(
-      base::Value(base::Dictionary{
-          {"secrets", base::Value(base::Array{base::Value("a"), base::Value("密友")})}}),
-      sys::PlistFormat::Binary);
-  ASSERT_TRUE(sim::decodePlist(good));
-  for (std::size_t cut = 0; cut < good.size(); ++cut)
-    EXPECT_EQ(sim::decodePlist(good.substr(0, cut)), std::nullopt) << cut;
-  std::string selfReference = good;
-  // Point the array's first element at the top object: a cycle.
-  std::size_t arrayAt = selfReference.find('\xA2');
-  ASSERT_NE(arrayAt, std::string::npos);
-  selfReference[arrayAt + 1] = 0;
-  EXPECT_EQ(sim::decodePlist(selfReference), std::nullopt);
-}
-
-TEST(PlistCodec, EveryTypeRoundTripsInBothForms) {
-  base::Value v(base::Dictionary{
-      {"b", base::Value(true)},
-      {"i", base::Value(-42)},
-      {"big", base::Value(9223372036854775807LL)},
-      {"r", base::Value(0.25)},
-      {"s", base::Value("密友 ✓")},
-      {"d", base::Value(base::Data{0, 1, 255})},
-      {"t", base::Value(base::Date{817128000})},
-      {"a", base::Value(base::Array{base::Value(1), base::Value(base::Array{}),
-                                    base::Value(base::Dictionary{})})},
-  });
-  for (sys::PlistFormat f : {sys::PlistFormat::Xml, sys::PlistFormat::Binary})
-    EXPECT_EQ(sim::decodePlist(sim::encodePlist(v, f)), v);
-  base::Value withNull(base::Array{base::Value(1), base::Value(), base::Value(2)});
-  EXPECT_EQ(sim::decodePlist(sim::encodePlist(withNull, sys::PlistFormat::Binary)),
-            base::Value(base::Array{base::Value(1), base::Value(2)}))
-      << "property lists have no null";
 }
 
 }  // namespace

@@ -140,6 +140,13 @@ TEST_F(Drivers, LeavingHidesTheListsOnScreenAtOnceAndOncePerDeparture) {
   ASSERT_TRUE(process->enterForeground());
   wait(1);
   EXPECT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
+  // The contacts list on top is pictured without the secret too.
+  sim::currentProcess().runGuarded([&] { host.selectTab(1); });
+  wait(1);
+  ASSERT_TRUE(process->enterBackground());
+  EXPECT_EQ(host.lastSnapshot().screen, "contacts");
+  EXPECT_FALSE(host.lastSnapshot().rows.empty());
+  for (const std::string& row : host.lastSnapshot().rows) EXPECT_NE(row, "S");
 }
 
 TEST_F(Drivers, AutoLockDebounceAndItsConditions) {
