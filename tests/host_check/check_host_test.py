@@ -8,6 +8,7 @@ headers, and its list kept equal to what quenby-host-interface generates.
 
 import importlib.util
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -24,9 +25,31 @@ check_host = importlib.util.module_from_spec(module_spec)
 module_spec.loader.exec_module(check_host)
 
 
+def compose(dump, into):
+    """A variant's dump is the default one with the variant's headers laid
+    over it and the headers its removed.txt names taken out."""
+    removed = set()
+    listed = os.path.join(HERE, dump, "removed.txt")
+    if os.path.exists(listed):
+        with open(listed) as f:
+            removed = {line.strip() for line in f if line.strip()}
+    for folder in ("default", dump):
+        for name in os.listdir(os.path.join(HERE, folder)):
+            if name.endswith(".h") and name not in removed:
+                shutil.copy(os.path.join(HERE, folder, name), os.path.join(into, name))
+
+
 def run(dump, *extra):
-    p = subprocess.run([sys.executable, SCRIPT, os.path.join(HERE, dump)] + list(extra),
-                       capture_output=True, text=True)
+    if not os.path.isdir(os.path.join(HERE, dump)):
+        return run_on(os.path.join(HERE, dump), *extra)
+    with tempfile.TemporaryDirectory() as d:
+        compose(dump, d)
+        return run_on(d, *extra)
+
+
+def run_on(folder, *extra):
+    p = subprocess.run([sys.executable, SCRIPT, folder] + list(extra), capture_output=True,
+                       text=True)
     return p.returncode, p.stdout.splitlines(), p.stderr
 
 
