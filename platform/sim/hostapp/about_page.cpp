@@ -90,7 +90,6 @@ Id openAbout(HostApp& app) {
   // The navigation controller owns it from here: leaving the page frees it.
   Id page = sim::autorelease(rt::send<Id>(cls, "new"));
   rt::send<void>(nav, "pushViewController:animated:", page, true);
-  sim::appear(page);
   return page;
 }
 

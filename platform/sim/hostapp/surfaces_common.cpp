@@ -111,7 +111,6 @@ void push(HostApp& app, const char* slot, const char* cls,
   if (setUp) setUp(screen);
   rt::Id nav = rt::send<rt::Id>(app.tabs(), "selectedViewController");
   rt::send<void>(nav, "pushViewController:animated:", screen, true);
-  sim::appear(screen);
   screenSlot(slot) = screen;
 }
 

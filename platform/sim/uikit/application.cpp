@@ -18,6 +18,7 @@ void registerControllers(Runtime& rtm);
 void registerInteraction(Runtime& rtm);
 void registerTables();
 void registerScreens();
+void registerTouches();
 
 namespace {
 
@@ -174,6 +175,7 @@ void registerUIKit(Runtime& rtm) {
   registerInteraction(rtm);
   registerTables();
   registerScreens();
+  registerTouches();
   ClassBuilder("UIApplication", "UIResponder")
       .classMethod("sharedApplication", sharedApplicationImp)
       .method("connectedScenes", connectedScenes)

@@ -106,10 +106,19 @@ Id visibleViewController(Id self, SEL) {
   if (Id p = c(self).presented) return p;
   return topViewController(self, nullptr);
 }
+// On screen, the pushed controller loads its view and appears as the one it
+// covers disappears, in UIKit's order.
 void pushViewController(Id self, SEL, Id vc, bool) {
   if (!vc) return;
+  Id covered = topViewController(self, nullptr);
   addChildViewController(self, nullptr, vc);
   c(self).viewControllers.push_back(vc);
+  if (!inWindowHierarchy(self)) return;
+  rt::send<Id>(vc, "view");
+  if (covered) rt::send<void>(covered, "viewWillDisappear:", true);
+  rt::send<void>(vc, "viewWillAppear:", true);
+  if (covered) rt::send<void>(covered, "viewDidDisappear:", true);
+  rt::send<void>(vc, "viewDidAppear:", true);
 }
 Id popViewController(Id self, SEL, bool) {
   auto& stack = c(self).viewControllers;
