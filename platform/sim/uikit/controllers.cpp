@@ -10,6 +10,7 @@
 #include "sim/class_builder.hpp"
 #include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
+#include "sim/uikit/interaction.hpp"
 #include "sim/uikit/uikit.hpp"
 
 namespace sim {
@@ -51,7 +52,7 @@ void removeFromParentViewController(Id self, SEL) {
   rt::detail::release(self);
 }
 // A controller owns its view, its navigation bar, its children and what it
-// presents.
+// presents; an alert its text fields.
 void controllerDealloc(Id self, SEL cmd) {
   ControllerState& s = c(self);
   std::vector<Id> children;
@@ -67,6 +68,8 @@ void controllerDealloc(Id self, SEL cmd) {
   }
   rt::detail::release(std::exchange(s.view, nullptr));
   rt::detail::release(std::exchange(s.navigationBar, nullptr));
+  if (s.alert)
+    for (Id field : std::exchange(s.alert->textFields, {})) rt::detail::release(field);
   superDealloc(self, cmd, "UIViewController");
 }
 Id parentViewController(Id self, SEL) { return c(self).parent; }

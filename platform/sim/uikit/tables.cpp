@@ -129,12 +129,15 @@ void tableDealloc(Id self, SEL cmd) {
   for (auto& [id, cells] : t.reusable)
     for (Id cell : cells) rt::detail::release(cell);
   t.reusable.clear();
+  rt::detail::release(std::exchange(t.headerView, nullptr));
   superDealloc(self, cmd, "UITableView");
 }
-// A cell owns the control it shows as its accessory.
+// A cell owns the control it shows as its accessory, and its image.
 void cellDealloc(Id self, SEL cmd) {
-  if (CellState* c = findExtra<CellState>(self))
+  if (CellState* c = findExtra<CellState>(self)) {
     rt::detail::release(std::exchange(c->spec.accessoryView, nullptr));
+    rt::detail::release(std::exchange(c->spec.image, nullptr));
+  }
   superDealloc(self, cmd, "UITableViewCell");
 }
 // The layout that follows a reload in the same turn asks for the rows at once.
@@ -240,12 +243,12 @@ rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id 
                  0.6 + 0.3 * double(hash / 35 % 3) / 2, 1};
   ui::Font initialFont{16, ui::Weight::Semibold};
   rt::CGSize size = ui::textSize(title.substr(0, first), initialFont);
-  c.spec.image = ui::renderImage({34, 34}, 0, true,
+  c.spec.image = rt::detail::retain(ui::renderImage({34, 34}, 0, true,
                                  {ui::FillRect{{{0, 0}, {34, 34}}, tint, 6},
                                   ui::DrawText{title.substr(0, first),
                                                {(34 - size.width) / 2, (34 - size.height) / 2},
                                                initialFont,
-                                               ui::kWhite}});
+                                               ui::kWhite}}));
   return cell;
 }
 
@@ -350,10 +353,12 @@ rt::Id dequeueCell(rt::Id table, const std::string& reuseIdentifier) {
 
 void configureCell(rt::Id cell, const CellSpec& spec) {
   sim::CellState& c = sim::extra<sim::CellState>(cell);
-  rt::Id old = c.spec.accessoryView;
+  rt::Id old = c.spec.accessoryView, oldImage = c.spec.image;
   c.spec = spec;
   rt::detail::retain(spec.accessoryView);
+  rt::detail::retain(spec.image);
   rt::detail::release(old);
+  rt::detail::release(oldImage);
   c.laidOut = true;
 }
 
@@ -433,7 +438,9 @@ rt::Id setStackedHeader(rt::Id table, double width, double margin,
     t.headerLines.push_back(l.text);
   }
   t.headerSize = {width, height};
-  t.headerView = header;
+  // The table owns its header view (tableHeaderView), and hands it out unowned.
+  rt::detail::release(std::exchange(t.headerView, header));
+  sim::autorelease(rt::detail::retain(header));
   rt::send<void>(header, "setFrame:", rt::CGRect{{0, 0}, t.headerSize});
   return header;
 }

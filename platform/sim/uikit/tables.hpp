@@ -135,5 +135,8 @@ void setPickerTime(rt::Id picker, long hour, long minute);
 // control's touch-up action follows unless that one cancels touches). False
 // when neither a recognizer nor a control acted.
 bool tapAt(rt::Id root, rt::CGPoint point);
+// A tap at `point` in the screen of `controller` (its view's coordinates): its
+// navigation bar, when it has one, lies over the view and takes the taps there.
+bool tapOnScreen(rt::Id controller, rt::CGPoint point);
 
 }  // namespace sim

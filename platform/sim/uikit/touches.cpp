@@ -6,10 +6,11 @@
 // a long press fails, the touch being too short. A control that was hit sends
 // its touch-up actions after that, unless the recognizer that recognized
 // cancels touches in its view. Since iOS 6 a control's own tap wins over a
-// tap recognizer on a view above it. Not modelled: the touch's phases over
-// time (a tap is one instant), recognizers' delegates and failure
-// requirements, and the window: a tap is given in one view tree, so a bar or
-// sheet drawn over it elsewhere does not take it.
+// tap recognizer on a view above it. A screen in a navigation controller lies
+// under its navigation bar, which takes the taps in its band. Not modelled:
+// the touch's phases over time (a tap is one instant), recognizers' delegates
+// and failure requirements, and the rest of the window (a tap given in one
+// view tree is not taken by a sheet or alert drawn over it).
 #include <utility>
 #include <vector>
 
@@ -96,6 +97,19 @@ bool tapAt(rt::Id root, rt::CGPoint point) {
     return true;
   }
   return winner != nullptr;
+}
+
+bool tapOnScreen(rt::Id controller, rt::CGPoint point) {
+  Id nav = rt::send<Id>(controller, "navigationController");
+  Id bar = nav ? rt::send<Id>(nav, "navigationBar") : nullptr;
+  if (bar) {
+    const ViewState& b = *viewState(bar);
+    rt::CGPoint in{point.x - b.frame.origin.x, point.y - b.frame.origin.y};
+    if (!b.hidden && in.x >= 0 && in.y >= 0 && in.x <= b.frame.size.width &&
+        in.y <= b.frame.size.height)
+      return tapAt(bar, in);
+  }
+  return tapAt(rt::send<Id>(controller, "view"), point);
 }
 
 }  // namespace sim
