@@ -143,7 +143,7 @@ rt::Id makeTimePicker(long hour, long minute, const std::string& locale) {
   p.hour = hour;
   p.minute = minute;
   p.locale = locale;
-  return picker;
+  return sim::autorelease(picker);  // the alert's view takes it
 }
 
 void pickerTime(rt::Id picker, long& hour, long& minute) {

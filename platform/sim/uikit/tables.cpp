@@ -376,7 +376,7 @@ bool switchIsOn(rt::Id sw) { return rt::send<bool>(sw, "isOn"); }
 rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler) {
   rt::Id config = sim::newObject("UISwipeActionsConfiguration");
   sim::extra<sim::SwipeState>(config) = sim::SwipeState{title, std::move(handler)};
-  return config;
+  return sim::autorelease(config);  // as UIKit's contextualActionWithStyle: hands it out
 }
 
 void reloadSection(rt::Id table, long section, RowAnimation) {
