@@ -38,3 +38,4 @@ press 取消
 wait 1
 expect screen about
 expect no-log " ex: "
+expect no-leaks

@@ -224,7 +224,8 @@ void registerTables() {
 
 rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented,
                     const std::string& person) {
-  Id cell = newObject("UITableViewCell");
+  // Handed to the table autoreleased, as a data source returns its cells.
+  Id cell = sim::autorelease(newObject("UITableViewCell"));
   CellState& c = extra<CellState>(cell);
   c.spec.style = detail.empty() ? ui::CellStyle::Default : ui::CellStyle::Subtitle;
   c.spec.title = title;
