@@ -9,7 +9,8 @@
 // count and are never freed, so a value kept as a raw pointer across a turn
 // goes on working here where a phone may crash; the host's surface screens
 // (search, Moments, forward) stay alive after they are popped, for the
-// simulator to read what they last showed.
+// simulator to read what they last showed; and the host's own list cells
+// are never freed.
 #pragma once
 
 #include <string>

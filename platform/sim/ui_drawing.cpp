@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "base/utf8.hpp"
+#include "rt/ownership.hpp"
 #include "sim/lifetimes.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "ui/drawing.hpp"
@@ -66,6 +67,10 @@ rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector
   }
   rt::Id image = sim::drawnImage(size, scale > 0 ? scale : 3.0, opaque, std::move(drawing));
   sim::imageState(image)->ops = ops;
+  // A phone copies the pixels; here the drawing is replayed from its sources,
+  // so the image keeps them (released with it).
+  for (const DrawOp& op : ops)
+    if (const DrawImage* d = std::get_if<DrawImage>(&op)) rt::detail::retain(d->image);
   return sim::autorelease(image);
 }
 

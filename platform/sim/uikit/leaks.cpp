@@ -27,6 +27,9 @@ std::vector<Id> ownedBy(Id obj) {
   if (auto* s = native<SetData>(obj)) append(s->items);
   if (auto* d = native<DictionaryData>(obj))
     for (auto [k, v] : d->entries) out.insert(out.end(), {k, v});
+  if (auto* image = native<ImageState>(obj))
+    for (const ui::DrawOp& op : image->ops)
+      if (const auto* d = std::get_if<ui::DrawImage>(&op)) out.push_back(d->image);
   if (rt::isKindOf(obj, "UIView")) {
     const ViewState& v = *viewState(obj);
     append(v.subviews);

@@ -224,8 +224,9 @@ void registerTables() {
 
 rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented,
                     const std::string& person) {
-  // Handed to the table autoreleased, as a data source returns its cells.
-  Id cell = sim::autorelease(newObject("UITableViewCell"));
+  // Kinder than UIKit: never released, as the host's list readers keep them
+  // (a data source hands its cells out autoreleased).
+  Id cell = newObject("UITableViewCell");
   CellState& c = extra<CellState>(cell);
   c.spec.style = detail.empty() ? ui::CellStyle::Default : ui::CellStyle::Subtitle;
   c.spec.title = title;
