@@ -1,5 +1,7 @@
 // The simulated Foundation classes: the C++ state behind each kind of value
-// object, and the registration of the classes with their selectors.
+// object, and the registration of the classes with their selectors. Kinder
+// than a phone: a value is never freed (no count is kept on it), so keeping
+// one as a raw pointer past its turn goes unnoticed here.
 #pragma once
 
 #include <string>

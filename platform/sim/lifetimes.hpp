@@ -3,6 +3,14 @@
 // turn drains, and the stop of the process when a message reaches a freed
 // object (the crash a phone would have). Counts live on the objects.
 // Threads: main thread only, as the system keeps its objects.
+//
+// Kinder than a phone, still: Foundation values (strings, numbers, arrays,
+// dictionaries, sets, dates, index paths) are made outside alloc, carry no
+// count and are never freed, so a value kept as a raw pointer across a turn
+// goes on working here where a phone may crash; the host's surface screens
+// (search, Moments, forward) stay alive after they are popped, for the
+// simulator to read what they last showed; and the host's own list cells
+// are never freed.
 #pragma once
 
 #include <string>

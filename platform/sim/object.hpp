@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "rt/types.hpp"
+#include "sim/alloc_sites.hpp"
 
 namespace rt {
 
@@ -59,6 +60,8 @@ struct Object {
   long retainCount = 1;
   bool deallocating = false;
   bool freed = false;
+  // Where alloc was sent from (objects made by alloc, new or class_createInstance).
+  sim::AllocSite madeAt{};
 };
 
 struct ClassData : Object {

@@ -34,6 +34,11 @@ class ObjectHeap {
   std::unordered_map<long, rt::Id>& smallIntegers() { return smallIntegers_; }
   std::map<std::pair<long, long>, rt::Id>& indexPaths() { return indexPaths_; }
   rt::Id& singleton(const std::string& name) { return singletons_[name]; }
+  std::vector<rt::Id> singletons() const {
+    std::vector<rt::Id> out;
+    for (const auto& [name, obj] : singletons_) out.push_back(obj);
+    return out;
+  }
 
  private:
   mutable std::mutex objectsMutex_;

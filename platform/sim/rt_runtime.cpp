@@ -150,6 +150,11 @@ bool addIvar(Class cls, std::string_view name, const char* types) {
   return sim::runtime().addIvar(cls, name, types ? types : "");
 }
 void registerClassPair(Class cls) { sim::runtime().registerClass(cls); }
-Id createInstance(Class cls) { return cls ? sim::runtime().allocate(cls) : nullptr; }
+Id createInstance(Class cls) {
+  if (!cls) return nullptr;
+  Id obj = sim::runtime().allocate(cls);
+  sim::captureAllocSite(obj->madeAt);
+  return obj;
+}
 
 }  // namespace rt

@@ -46,7 +46,9 @@ IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
   return m->imp;
 }
 
-void checkCall(IMP imp, SEL s, const std::string& sig) {
+void checkCall(IMP imp, Id self, SEL s, const std::string& sig) {
+  // The original reads its receiver as any method does: a freed one stops the process.
+  sim::touch(self, selName(s));
   sim::Runtime& rtm = sim::runtime();
   if (!imp) {
     rtm.recordViolation(std::string("call of a null IMP for ") + std::string(selName(s)));

@@ -97,6 +97,7 @@ class Runtime {
   // Per-process singletons of the simulated frameworks ([UIApplication
   // sharedApplication], …), by name.
   rt::Id& singleton(const std::string& name) { return heap_.singleton(name); }
+  std::vector<rt::Id> singletons() const { return heap_.singletons(); }
 
   // The Foundation classes, once registered.
   FoundationClasses foundation;

@@ -1,8 +1,12 @@
 // The drawing facade on the simulated device: images record what was drawn
 // into them, and text is measured with fixed advances so layouts are stable.
+// Images are handed out autoreleased, as UIKit's renderer and symbols are, and
+// drawing one that was freed stops the process.
 #include <cstdio>
 
 #include "base/utf8.hpp"
+#include "rt/ownership.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "ui/drawing.hpp"
 
@@ -57,10 +61,17 @@ rt::CGSize textSize(const std::string& text, const Font& font) {
 
 rt::Id renderImage(rt::CGSize size, double scale, bool opaque, const std::vector<DrawOp>& ops) {
   std::vector<std::string> drawing;
-  for (const DrawOp& op : ops) drawing.push_back(describe(op));
+  for (const DrawOp& op : ops) {
+    if (const DrawImage* d = std::get_if<DrawImage>(&op)) sim::touch(d->image, "drawInRect:");
+    drawing.push_back(describe(op));
+  }
   rt::Id image = sim::drawnImage(size, scale > 0 ? scale : 3.0, opaque, std::move(drawing));
   sim::imageState(image)->ops = ops;
-  return image;
+  // A phone copies the pixels; here the drawing is replayed from its sources,
+  // so the image keeps them (released with it).
+  for (const DrawOp& op : ops)
+    if (const DrawImage* d = std::get_if<DrawImage>(&op)) rt::detail::retain(d->image);
+  return sim::autorelease(image);
 }
 
 rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Color tint) {
@@ -72,7 +83,7 @@ rt::Id symbolImage(const std::string& name, double pointSize, Weight weight, Col
   rt::Id image = sim::drawnImage({pointSize + 2, pointSize}, 3.0, false, {"symbol " + name + buf});
   sim::imageState(image)->symbol = name;
   sim::imageState(image)->tint = tint;
-  return image;
+  return sim::autorelease(image);
 }
 
 rt::CGSize imageSize(rt::Id image) {

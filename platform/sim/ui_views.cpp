@@ -5,6 +5,7 @@
 
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/uikit/uikit.hpp"
 #include "sys/queue.hpp"
 #include "ui/views.hpp"
@@ -25,7 +26,7 @@ rt::Id makeLabel(const std::string& text, const LabelStyle& style) {
                 style.clipsToBounds ? " clipped" : "", style.numberOfLines);
   v.style = buf;
   v.look = style;
-  return label;
+  return sim::autorelease(label);  // as [UILabel new] handed back under ARC
 }
 
 void animate(double seconds, std::function<void()> changes, std::function<void()> completion) {

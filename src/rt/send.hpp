@@ -22,8 +22,9 @@ namespace detail {
 // and when the method's types differ from `sig`.
 IMP resolveSend(Id receiver, SEL sel, const std::string& sig);
 // Checks a call of a stored IMP against the types it was installed with.
-// Raises for a null imp and on a type mismatch.
-void checkCall(IMP imp, SEL sel, const std::string& sig);
+// Raises for a null imp and on a type mismatch; `self` is read as a message
+// would read it.
+void checkCall(IMP imp, Id self, SEL sel, const std::string& sig);
 
 template <typename R>
 R zero() {
@@ -56,7 +57,7 @@ R send(Class cls, std::string_view selector, A... args) {
 // first: a null imp raises here (on a phone it would crash).
 template <typename R = void, typename... A>
 R call(IMP imp, Id self, SEL cmd, A... args) {
-  detail::checkCall(imp, cmd, signature<R, A...>());
+  detail::checkCall(imp, self, cmd, signature<R, A...>());
   return reinterpret_cast<R (*)(Id, SEL, A...)>(imp)(self, cmd, args...);
 }
 

@@ -76,7 +76,7 @@ void QBAutoLock::flashToast(const std::string& message) {
   style.clipsToBounds = true;
   style.numberOfLines = 2;
   // Held until it has faded out: the window may let go of it first.
-  rt::Strong label = rt::Strong::adopt(ui::makeLabel(message, style));
+  rt::Strong label(ui::makeLabel(message, style));
   rt::CGRect bounds = rt::send<rt::CGRect>(window, "bounds");
   double width = std::min(bounds.size.width - 40, 280.0), height = 44;
   rt::CGPoint centre{rt::midX(bounds), bounds.size.height * 0.78};

@@ -21,6 +21,7 @@ struct LabelStyle {
   long numberOfLines = 1;
 };
 
+// Handed out autoreleased, as UIKit would: add it to a view or hold it in a Strong.
 rt::Id makeLabel(const std::string& text, const LabelStyle& style);
 // Runs `changes` animated over `seconds`, then `completion` (finished).
 void animate(double seconds, std::function<void()> changes, std::function<void()> completion);

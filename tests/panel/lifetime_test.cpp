@@ -7,6 +7,7 @@
 
 #include "panel/contact_pick_controller.hpp"
 #include "panel/panel_world.hpp"
+#include "rt/ownership.hpp"
 
 namespace {
 
@@ -65,6 +66,29 @@ TEST_F(PanelLifetime, TenVisitsLeaveNothingTheSystemMadeAlive) {
   EXPECT_EQ(systemCells(), 0);
   EXPECT_EQ(live("UISwitch"), 0);
   EXPECT_EQ(panel::QBContactPickController::keptStates(), 0u);
+  EXPECT_EQ(leaks(), std::vector<std::string>{});
+}
+
+// The check sees what the library made and nothing owns: a stray hold on the
+// panel's navigation controller keeps it, and its stack, alive past the sheet.
+TEST_F(PanelLifetime, AStrayHoldOnThePanelIsListedAsALeak) {
+  rt::Id p = openPanel();
+  ASSERT_EQ(rt::className(p), "QBPanelController");
+  rt::Id nav = rt::send<rt::Id>(p, "navigationController");
+  EXPECT_EQ(leaks(), std::vector<std::string>{}) << "presented, it is owned";
+  rt::detail::retain(nav);
+  process->runGuarded([&] { sim::pressLeftBarButton(p); });
+  wait(1);
+  std::vector<std::string> found = leaks();
+  ASSERT_FALSE(found.empty());
+  EXPECT_EQ(found.front().rfind("QBPanelController #", 0), 0u) << found.front();
+  bool navListed = false;
+  for (const std::string& line : found)
+    navListed |= line.rfind("UINavigationController #", 0) == 0 &&
+                 line.find("retain=1 made in panel::") != std::string::npos;
+  EXPECT_TRUE(navListed) << ::testing::PrintToString(found);
+  rt::detail::release(nav);
+  EXPECT_EQ(leaks(), std::vector<std::string>{});
 }
 
 }  // namespace

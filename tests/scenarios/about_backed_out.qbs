@@ -41,3 +41,4 @@ press 取消
 wait 1
 expect no-log " ex: "
 expect screen about
+expect no-leaks

@@ -123,6 +123,22 @@ TEST_F(Lifetimes, AFreedObjectCaughtByTheSenderStillStopsTheProcess) {
   endCrashed();
 }
 
+// A hook calling the host's stored original reaches the receiver as a send would.
+TEST_F(Lifetimes, AStoredOriginalCalledOnAFreedObjectStopsTheProcess) {
+  rt::Method m = rt::getInstanceMethod(rt::getClass("UIView"), rt::sel("tag"));
+  ASSERT_NE(m, nullptr);
+  rt::IMP original = rt::methodImplementation(m);
+  Id view = make("UIView");
+  process->runGuarded([&] {
+    EXPECT_EQ(rt::call<long>(original, view, rt::sel("tag")), 0);
+    rt::Strong::adopt(view).reset();
+    rt::call<long>(original, view, rt::sel("tag"));
+  });
+  ASSERT_TRUE(process->crashed());
+  EXPECT_EQ(process->crashReason(), "message sent to a freed object: -[UIView tag]");
+  endCrashed();
+}
+
 TEST_F(Lifetimes, TheKinderSwitchKeepsWhatNoOneOwns) {
   process->runtime().lifetimes().strict = false;
   Id view = make("UIView");

@@ -13,6 +13,7 @@
 #include "hostapp/host_app.hpp"
 #include "sim/device.hpp"
 #include "sim/process.hpp"
+#include "sim/uikit/leaks.hpp"
 #include "support/value_printer.hpp"
 
 namespace qbtest {
@@ -44,6 +45,8 @@ class HostWorld : public ::testing::Test {
         ADD_FAILURE() << "runtime violation: " << v;
     }
   }
+  // What the library made that is alive with no owner, as `show leaks` prints it.
+  std::vector<std::string> leaks() const { return sim::describeLeaks(); }
   std::vector<std::string> logLines() const {
     std::vector<std::string> out;
     for (const auto& l : device.log()) out.push_back(l.text);

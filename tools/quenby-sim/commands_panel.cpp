@@ -107,7 +107,7 @@ void addTap(CommandTable& t) {
                         "tap version: no version label yet (the About page builds its labels " +
                         std::to_string(int(hostapp::kAboutLabelsDelay * 1000)) +
                         " ms after it opens: wait first)"};
-                  s.process()->runGuarded([&] { sim::tapAt(view, centreIn(label, view)); });
+                  s.process()->runGuarded([&] { sim::tapOnScreen(page, centreIn(label, view)); });
                 } else if (where == "nav") {
                   double dx = c.words.size() == 3 ? pointArg(c, 2, usage) : 0;
                   rt::Id bar = rt::send<rt::Id>(rt::send<rt::Id>(page, "navigationController"),
@@ -120,7 +120,7 @@ void addTap(CommandTable& t) {
                 } else if (where == "page") {
                   double y = c.words.size() == 3 ? pointArg(c, 2, usage) : 100;
                   double x = sim::viewState(view)->frame.size.width / 2;
-                  s.process()->runGuarded([&] { sim::tapAt(view, {x, y}); });
+                  s.process()->runGuarded([&] { sim::tapOnScreen(page, {x, y}); });
                 } else {
                   throw ScriptError{"usage: " + usage};
                 }

@@ -5,6 +5,7 @@
 #include "rt/kvc.hpp"
 #include "rt/send.hpp"
 #include "sim/uikit/interaction.hpp"
+#include "sim/uikit/leaks.hpp"
 #include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
 
@@ -35,6 +36,21 @@ void showAlert(Session& s, rt::Id alert) {
 }  // namespace
 
 void addScreenCommands(CommandTable& t) {
+  t["show leaks"] = {"show leaks", [](Session& s, const Command& c) {
+                       requireWords(c, 2, 2, "show leaks");
+                       s.requireProcess("show leaks");
+                       std::vector<std::string> leaks = sim::describeLeaks();
+                       if (leaks.empty()) s.out() << "no leaks\n";
+                       for (const std::string& line : leaks) s.out() << line << "\n";
+                     }};
+  t["expect no-leaks"] = {"expect no-leaks", [](Session& s, const Command& c) {
+                            requireWords(c, 2, 2, "expect no-leaks");
+                            s.requireProcess("expect no-leaks");
+                            std::vector<std::string> leaks = sim::describeLeaks();
+                            if (!leaks.empty())
+                              throw ExpectFailure{std::to_string(leaks.size()) +
+                                                  " leaked, first " + leaks.front()};
+                          }};
   t["show screen"] = {"show screen", [](Session& s, const Command& c) {
                         requireWords(c, 2, 2, "show screen");
                         std::string name = topScreenName(s);

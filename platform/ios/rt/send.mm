@@ -38,7 +38,7 @@ IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
   return ios::handle(reinterpret_cast<::IMP>(objc_msgSend));
 }
 
-void checkCall(IMP imp, SEL s, const std::string&) {
+void checkCall(IMP imp, Id, SEL s, const std::string&) {
   // A stored IMP carries no types on iOS; the simulated runtime checks them.
   if (!imp) raiseInRuntime("call of a null IMP for " + std::string(selName(s)));
 }

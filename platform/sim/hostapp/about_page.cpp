@@ -48,7 +48,11 @@ void buildLabels(Id page) {
   Id view = rt::send<Id>(page, "view");
   Id header = box(box(view, {{0, 330}, {390, 160}}), {{0, 0}, {390, 160}});
   label(header, kHostDisplayName, {{0, 60}, {390, 30}});
-  label(header, std::string("Version ") + kHostVersion, {{0, 100}, {390, 20}}, kVersionTag);
+  std::string version = std::string("Version ") + kHostVersion;
+  if (HostApp::current().build.hasVariant("about-version-in-bar"))
+    label(view, version, {{0, 57}, {390, 24}}, kVersionTag);  // under the bar, which lies over it
+  else
+    label(header, version, {{0, 100}, {390, 20}}, kVersionTag);
   Id rows = box(view, {{0, 520}, {390, 100}});
   label(rows, "功能介绍", {{16, 0}, {358, 44}});
   label(rows, "隐私保护指引", {{16, 50}, {358, 44}});
@@ -91,7 +95,6 @@ Id openAbout(HostApp& app) {
   // The navigation controller owns it from here: leaving the page frees it.
   Id page = sim::autorelease(rt::send<Id>(cls, "new"));
   rt::send<void>(nav, "pushViewController:animated:", page, true);
-  sim::appear(page);
   return page;
 }
 

@@ -60,6 +60,8 @@ const std::set<std::string>& knownHostVariants() {
   //   paths are unsigned long long (Q) / unsigned int (I) (withHostInteger).
   // notify-args-changed: the message-arrival method's encoding takes an
   //   extra object argument, a signature no hook of the system fits.
+  // about-version-in-bar: the About page's version label lies in the band
+  //   its navigation bar covers.
   static const std::set<std::string> names = {"store-ignores-canshow",
                                               "list-through-logic",
                                               "session-key-first",
@@ -74,7 +76,8 @@ const std::set<std::string>& knownHostVariants() {
                                               "donate-by-name",
                                               "ints-unsigned",
                                               "ints-32",
-                                              "notify-args-changed"};
+                                              "notify-args-changed",
+                                              "about-version-in-bar"};
   return names;
 }
 

@@ -233,7 +233,6 @@ void HostApp::openChat(const std::string& username) {
   setIvar(chat, "m_nsUsrName", rt::str(username));
   model.noteRecentChat(username);
   rt::send<void>(nav, "pushViewController:animated:", chat, true);
-  sim::appear(chat);
 }
 
 void HostApp::popToRoot() {

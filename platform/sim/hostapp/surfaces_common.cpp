@@ -92,6 +92,8 @@ rt::Id& screenSlot(const char* name) {
   return sim::runtime().singleton(std::string("hostapp.screen.") + name);
 }
 
+// Kept alive in its slot after it is popped (kinder than the host, which frees
+// it): the simulator reads what the screen last showed.
 rt::Id newScreen(const char* cls) {
   rt::Class c = rt::getClass(cls);
   if (!c) c = rt::getClass("UIViewController");  // a build without the screen shows a blank one
@@ -111,7 +113,6 @@ void push(HostApp& app, const char* slot, const char* cls,
   if (setUp) setUp(screen);
   rt::Id nav = rt::send<rt::Id>(app.tabs(), "selectedViewController");
   rt::send<void>(nav, "pushViewController:animated:", screen, true);
-  sim::appear(screen);
   screenSlot(slot) = screen;
 }
 

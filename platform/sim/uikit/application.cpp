@@ -1,6 +1,8 @@
 // UIApplication and its one UIWindowScene, the state records behind UIKit
 // objects, images, and the helpers the simulated host builds screens with.
 #include <filesystem>
+#include <utility>
+#include <variant>
 
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
@@ -18,6 +20,7 @@ void registerControllers(Runtime& rtm);
 void registerInteraction(Runtime& rtm);
 void registerTables();
 void registerScreens();
+void registerTouches();
 
 namespace {
 
@@ -92,6 +95,16 @@ ImageState* imageState(Id image) {
   if (!native<ImageState>(image)) image->native = ImageState{};
   return native<ImageState>(image);
 }
+
+namespace {
+// A drawn image lets go of the images its drawing is replayed from.
+void imageDealloc(Id self, SEL cmd) {
+  if (ImageState* s = native<ImageState>(self))
+    for (const ui::DrawOp& op : std::exchange(s->ops, {}))
+      if (const ui::DrawImage* d = std::get_if<ui::DrawImage>(&op)) rt::detail::release(d->image);
+  superDealloc(self, cmd, "UIImage");
+}
+}  // namespace
 
 Id sharedApplication() {
   Id& slot = runtime().singleton("UIApplication");
@@ -174,6 +187,7 @@ void registerUIKit(Runtime& rtm) {
   registerInteraction(rtm);
   registerTables();
   registerScreens();
+  registerTouches();
   ClassBuilder("UIApplication", "UIResponder")
       .classMethod("sharedApplication", sharedApplicationImp)
       .method("connectedScenes", connectedScenes)
@@ -183,6 +197,7 @@ void registerUIKit(Runtime& rtm) {
   ClassBuilder("UIScene", "UIResponder").build();
   ClassBuilder("UIWindowScene", "UIScene").method("windows", sceneWindows).build();
   ClassBuilder("UIImage")
+      .method("dealloc", imageDealloc)
       .classMethod("systemImageNamed:", systemImageNamed)
       .classMethod("imageWithContentsOfFile:", imageWithContentsOfFile)
       .method("size", imageSize)

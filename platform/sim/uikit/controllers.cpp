@@ -10,6 +10,7 @@
 #include "sim/class_builder.hpp"
 #include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
+#include "sim/uikit/interaction.hpp"
 #include "sim/uikit/uikit.hpp"
 
 namespace sim {
@@ -51,7 +52,7 @@ void removeFromParentViewController(Id self, SEL) {
   rt::detail::release(self);
 }
 // A controller owns its view, its navigation bar, its children and what it
-// presents.
+// presents; an alert its text fields.
 void controllerDealloc(Id self, SEL cmd) {
   ControllerState& s = c(self);
   std::vector<Id> children;
@@ -67,6 +68,8 @@ void controllerDealloc(Id self, SEL cmd) {
   }
   rt::detail::release(std::exchange(s.view, nullptr));
   rt::detail::release(std::exchange(s.navigationBar, nullptr));
+  if (s.alert)
+    for (Id field : std::exchange(s.alert->textFields, {})) rt::detail::release(field);
   superDealloc(self, cmd, "UIViewController");
 }
 Id parentViewController(Id self, SEL) { return c(self).parent; }
@@ -106,10 +109,19 @@ Id visibleViewController(Id self, SEL) {
   if (Id p = c(self).presented) return p;
   return topViewController(self, nullptr);
 }
+// On screen, the pushed controller loads its view and appears as the one it
+// covers disappears, in UIKit's order.
 void pushViewController(Id self, SEL, Id vc, bool) {
   if (!vc) return;
+  Id covered = topViewController(self, nullptr);
   addChildViewController(self, nullptr, vc);
   c(self).viewControllers.push_back(vc);
+  if (!inWindowHierarchy(self)) return;
+  rt::send<Id>(vc, "view");
+  if (covered) rt::send<void>(covered, "viewWillDisappear:", true);
+  rt::send<void>(vc, "viewWillAppear:", true);
+  if (covered) rt::send<void>(covered, "viewDidDisappear:", true);
+  rt::send<void>(vc, "viewDidAppear:", true);
 }
 Id popViewController(Id self, SEL, bool) {
   auto& stack = c(self).viewControllers;

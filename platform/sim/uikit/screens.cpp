@@ -1,6 +1,5 @@
 // Page sheets, dismissal with completion, bar buttons, search controllers,
-// the time wheel of an alert, and tap recognizers with a location. A tap is
-// recognized by one recognizer only: the one nearest the touched view.
+// the time wheel of an alert, and tap recognizers with a location.
 #include <cmath>
 
 #include "rt/exception.hpp"
@@ -35,19 +34,6 @@ rt::CGPoint absoluteOrigin(Id view) {
     p.y += viewState(v)->frame.origin.y;
   }
   return p;
-}
-
-// The deepest visible view under `point` (in `view`'s coordinates) that takes touches.
-Id hitTest(Id view, rt::CGPoint point) {
-  ViewState& v = *viewState(view);
-  if (v.hidden || v.alpha < 0.01 || !v.userInteraction) return nullptr;
-  if (point.x < 0 || point.y < 0 || point.x > v.frame.size.width || point.y > v.frame.size.height)
-    return nullptr;
-  for (auto it = v.subviews.rbegin(); it != v.subviews.rend(); ++it) {
-    rt::CGRect f = viewState(*it)->frame;
-    if (Id hit = hitTest(*it, {point.x - f.origin.x, point.y - f.origin.y})) return hit;
-  }
-  return view;
 }
 
 Id presentedRoot(Id controller) {
@@ -95,24 +81,6 @@ bool typeSearch(rt::Id controller, const std::string& text) {
   search->text = text;
   if (auto update = search->update) update(text);
   return true;
-}
-
-bool tapAt(rt::Id root, rt::CGPoint point) {
-  Id hit = hitTest(root, point);
-  for (Id v = hit; v; v = viewState(v)->superview) {
-    for (Id g : viewState(v)->gestureRecognizers) {
-      if (!rt::isKindOf(g, "UITapGestureRecognizer")) continue;
-      TapState& t = extra<TapState>(g);
-      t.touched = root;
-      t.point = point;
-      GestureState& gs = *gestureState(g);
-      gs.state = 3;  // ended: a tap is recognized at once
-      if (auto action = gs.action) action(g);
-      gs.state = 0;
-      return true;
-    }
-  }
-  return false;
 }
 
 void registerScreens() {
@@ -175,7 +143,7 @@ rt::Id makeTimePicker(long hour, long minute, const std::string& locale) {
   p.hour = hour;
   p.minute = minute;
   p.locale = locale;
-  return picker;
+  return sim::autorelease(picker);  // the alert's view takes it
 }
 
 void pickerTime(rt::Id picker, long& hour, long& minute) {

@@ -129,12 +129,15 @@ void tableDealloc(Id self, SEL cmd) {
   for (auto& [id, cells] : t.reusable)
     for (Id cell : cells) rt::detail::release(cell);
   t.reusable.clear();
+  rt::detail::release(std::exchange(t.headerView, nullptr));
   superDealloc(self, cmd, "UITableView");
 }
-// A cell owns the control it shows as its accessory.
+// A cell owns the control it shows as its accessory, and its image.
 void cellDealloc(Id self, SEL cmd) {
-  if (CellState* c = findExtra<CellState>(self))
+  if (CellState* c = findExtra<CellState>(self)) {
     rt::detail::release(std::exchange(c->spec.accessoryView, nullptr));
+    rt::detail::release(std::exchange(c->spec.image, nullptr));
+  }
   superDealloc(self, cmd, "UITableViewCell");
 }
 // The layout that follows a reload in the same turn asks for the rows at once.
@@ -228,6 +231,8 @@ ui::Color avatarTint(const std::string& person) {
 
 rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id represented,
                     const std::string& person) {
+  // Kinder than UIKit: never released, as the host's list readers keep them
+  // (a data source hands its cells out autoreleased).
   Id cell = newObject("UITableViewCell");
   CellState& c = extra<CellState>(cell);
   c.spec.style = detail.empty() ? ui::CellStyle::Default : ui::CellStyle::Subtitle;
@@ -244,12 +249,12 @@ rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id 
   ui::Color tint = avatarTint(person.empty() ? title : person);
   ui::Font initialFont{16, ui::Weight::Semibold};
   rt::CGSize size = ui::textSize(title.substr(0, first), initialFont);
-  c.spec.image = ui::renderImage({34, 34}, 0, true,
+  c.spec.image = rt::detail::retain(ui::renderImage({34, 34}, 0, true,
                                  {ui::FillRect{{{0, 0}, {34, 34}}, tint, 6},
                                   ui::DrawText{title.substr(0, first),
                                                {(34 - size.width) / 2, (34 - size.height) / 2},
                                                initialFont,
-                                               ui::kWhite}});
+                                               ui::kWhite}}));
   return cell;
 }
 
@@ -354,10 +359,12 @@ rt::Id dequeueCell(rt::Id table, const std::string& reuseIdentifier) {
 
 void configureCell(rt::Id cell, const CellSpec& spec) {
   sim::CellState& c = sim::extra<sim::CellState>(cell);
-  rt::Id old = c.spec.accessoryView;
+  rt::Id old = c.spec.accessoryView, oldImage = c.spec.image;
   c.spec = spec;
   rt::detail::retain(spec.accessoryView);
+  rt::detail::retain(spec.image);
   rt::detail::release(old);
+  rt::detail::release(oldImage);
   c.laidOut = true;
 }
 
@@ -375,7 +382,7 @@ bool switchIsOn(rt::Id sw) { return rt::send<bool>(sw, "isOn"); }
 rt::Id destructiveSwipe(const std::string& title, SwipeHandler handler) {
   rt::Id config = sim::newObject("UISwipeActionsConfiguration");
   sim::extra<sim::SwipeState>(config) = sim::SwipeState{title, std::move(handler)};
-  return config;
+  return sim::autorelease(config);  // as UIKit's contextualActionWithStyle: hands it out
 }
 
 void reloadSection(rt::Id table, long section, RowAnimation) {
@@ -437,7 +444,9 @@ rt::Id setStackedHeader(rt::Id table, double width, double margin,
     t.headerLines.push_back(l.text);
   }
   t.headerSize = {width, height};
-  t.headerView = header;
+  // The table owns its header view (tableHeaderView), and hands it out unowned.
+  rt::detail::release(std::exchange(t.headerView, header));
+  sim::autorelease(rt::detail::retain(header));
   rt::send<void>(header, "setFrame:", rt::CGRect{{0, 0}, t.headerSize});
   return header;
 }

@@ -134,9 +134,13 @@ bool typeSearch(rt::Id controller, const std::string& text);
 // The time wheel of an alert, or nil.
 rt::Id alertTimePicker(rt::Id alert);
 void setPickerTime(rt::Id picker, long hour, long minute);
-// A tap at `point` in `root`'s coordinates: the deepest visible view that
-// takes touches there, then the first tap recognizer from it upwards, alone,
-// recognizes it. False when no recognizer did.
+// A tap at `point` in `root`'s coordinates, delivered as UIKit delivers it
+// (every recognizer from the hit view upwards gets it; one recognizes; a
+// control's touch-up action follows unless that one cancels touches). False
+// when neither a recognizer nor a control acted.
 bool tapAt(rt::Id root, rt::CGPoint point);
+// A tap at `point` in the screen of `controller` (its view's coordinates): its
+// navigation bar, when it has one, lies over the view and takes the taps there.
+bool tapOnScreen(rt::Id controller, rt::CGPoint point);
 
 }  // namespace sim
