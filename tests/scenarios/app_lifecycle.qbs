@@ -1,12 +1,23 @@
 # The app's life on a simulated device: a cold start, time passing, leaving and
 # returning to the foreground, and a second cold start on the same container.
+# The secret chat stays out of sight throughout.
+friend alice nick=Alice
+friend bob nick=Bob
+session bob
+session alice
+secret bob
 clock 07:59
 launch
+expect hidden
 wait 30
+expect hidden
 background
 wait 600
 foreground
+expect hidden
 quit
 wait 5
 launch
 expect no-log "FATAL"
+expect hidden
+expect main alice

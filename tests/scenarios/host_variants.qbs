@@ -4,6 +4,8 @@ me wxid_me
 friend alice nick=Alice remark=Ally
 friend bob nick=Bob
 room team@chatroom title=Team
+session alice
+session bob
 host lacks MMContext
 host lacks CContactMgr getSelfContact
 host raises CContactMgr getContactByName:
@@ -14,3 +16,4 @@ expect no-log "FATAL"
 background
 foreground
 expect hidden
+expect main bob

@@ -1,5 +1,5 @@
 // The secret list, settings and visibility: secret, unsecret, setting,
-// expect hidden / revealed, show config, show state.
+// show config, show state.
 #include <cstdlib>
 
 #include "base/format.hpp"
@@ -169,16 +169,6 @@ void addStateCommands(CommandTable& t) {
                     });
                     if (error) throw *error;
                   }};
-  t["expect hidden"] = {"expect hidden", [](Session& s, const Command& c) {
-                          requireWords(c, 2, 2, "expect hidden");
-                          s.requireProcess("expect hidden");
-                          if (QBConfig::shared().unlocked()) throw ExpectFailure{"revealed"};
-                        }};
-  t["expect revealed"] = {"expect revealed", [](Session& s, const Command& c) {
-                            requireWords(c, 2, 2, "expect revealed");
-                            s.requireProcess("expect revealed");
-                            if (!QBConfig::shared().unlocked()) throw ExpectFailure{"hidden"};
-                          }};
   t["show config"] = {"show config", [](Session& s, const Command& c) {
                         requireWords(c, 2, 2, "show config");
                         base::Value d;
