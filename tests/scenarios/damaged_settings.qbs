@@ -1,8 +1,12 @@
 # A settings file cut short in the middle of the secret list: the app starts
 # with every default, keeps the file aside under a dated name, and the first
-# change writes a new one beside it.
+# change writes a new one beside it. alice, whose name was in the lost part,
+# is an ordinary chat again.
+friend alice nick=Alice
+session alice
 launch
 expect hidden
+expect main alice
 expect log "[QB] config unreadable, kept aside as "
 expect log "/Documents/Quenby/config-2"
 expect no-log "alice"

@@ -1,8 +1,14 @@
 # A cold start with no settings file: nothing is written until the first
 # change, which writes every key with its default.
+friend alice nick=Alice
+friend bob nick=Bob
+session alice
+session bob
 launch
 expect hidden
+expect main bob alice
 secret alice
+expect hidden
 expect file secrets [alice]
 expect file password 7351
 expect file shakeToggle true

@@ -1,8 +1,15 @@
 # A settings file from an old version: one authMode, one shakeToggle, the old
 # show minute. It loads migrated, and is rewritten in the clean form only at the
 # next save.
+friend alice nick=Alice
+friend bob nick=Bob
+room team@chatroom title=Team
+session alice
+session team@chatroom
+session bob
 launch
 expect hidden
+expect main bob
 expect file authMode 1
 expect file shakeToggle false
 expect file dailyShowMinute 600
