@@ -50,6 +50,26 @@ TEST(VisibilityCommands, HiddenNamesEveryListThatShowsASecret) {
   EXPECT_EQ(r.out.find("alice "), std::string::npos) << "only secrets are named\n" << r.out;
 }
 
+TEST(VisibilityCommands, HiddenLooksAtTheStarredContactsToo) {
+  for (bool withoutLibrary : {true, false}) {
+    qbsim::SimOptions options;
+    options.withoutLibrary = withoutLibrary;
+    qbsim::Session session(options, std::cout);
+    std::string message;
+    for (const char* line : {"friend bob nick=Bob", "secret bob"})
+      ASSERT_EQ(qbsim::runCommandLine(session, line, message), 0) << message;
+    session.host().model.findFriend("bob")->favourite = true;
+    ASSERT_EQ(qbsim::runCommandLine(session, "launch", message), 0) << message;
+    int status = qbsim::runCommandLine(session, "expect hidden", message);
+    if (withoutLibrary) {
+      EXPECT_EQ(status, 1);
+      EXPECT_NE(message.find("bob among the starred contacts"), std::string::npos) << message;
+    } else {
+      EXPECT_EQ(status, 0) << message;
+    }
+  }
+}
+
 TEST(VisibilityCommands, HiddenHoldsWhenTheLibraryHidesAndLeavesTheScreenAlone) {
   // The search for bob's names runs beside the open search, not in its place.
   Result r = runLines(kWorld +

@@ -1,8 +1,8 @@
 #include "secrets_seen.hpp"
 
 #include <algorithm>
-#include <functional>
 #include <optional>
+#include <utility>
 
 #include "hostapp/surfaces.hpp"
 #include "rt/exception.hpp"
@@ -14,12 +14,17 @@ using Answer = std::optional<std::vector<std::string>>;
 
 // The host's own exception leaves that screen empty, as it would leave it on
 // a phone; anything else is a fault of ours and goes on up.
-Answer ask(const std::function<Answer()>& list) {
+template <typename List>
+auto ask(List list) -> decltype(list()) {
   try {
     return list();
   } catch (const rt::Exception&) {
-    return std::vector<std::string>{};
+    return decltype(list())(std::in_place);
   }
+}
+
+Answer rowsOf(const std::optional<hostapp::ContactsAnswer>& contacts) {
+  return contacts ? Answer(contacts->rows) : std::nullopt;
 }
 
 bool holds(const Answer& answer, const std::string& username) {
@@ -47,7 +52,9 @@ std::vector<std::string> secretsShown(hostapp::HostApp& host,
       if (holds(answer, s)) found.push_back(s + " " + where);
   };
   look(ask([&] { return host.mainListAnswer(); }), "on the main list");
-  look(ask(hostapp::contactsAnswer), "on the contacts list");
+  std::optional<hostapp::ContactsAnswer> contacts = ask(hostapp::contactsAnswer);
+  look(rowsOf(contacts), "on the contacts list");
+  look(contacts ? Answer(contacts->starred) : std::nullopt, "among the starred contacts");
   for (const std::string& s : secrets)
     for (const std::string& text : searchTexts(host.model, s))
       look(ask([&] { return hostapp::searchAnswer(text); }), "in a search for \"" + text + "\"");
@@ -61,7 +68,7 @@ std::vector<std::string> secretsMissing(hostapp::HostApp& host,
   std::vector<std::string> missing;
   const hostapp::HostModel& model = host.model;
   Answer main = ask([&] { return host.mainListAnswer(); });
-  Answer contacts = ask(hostapp::contactsAnswer);
+  Answer contacts = rowsOf(ask(hostapp::contactsAnswer));
   for (const std::string& s : secrets) {
     bool hasChat = std::find(model.sessions.begin(), model.sessions.end(), s) != model.sessions.end();
     if (main && hasChat && !holds(main, s)) missing.push_back(s + " not on the main list");

@@ -44,7 +44,10 @@ std::vector<std::string> forwardCandidatesShown();
 // What each screen's sources answer now, asked the way the screen asks them,
 // without building, reloading or showing any screen: what the screen would
 // show were it opened now, every row. None in a build without that screen.
-std::optional<std::vector<std::string>> contactsAnswer();  // the rows, then the starred
+struct ContactsAnswer {
+  std::vector<std::string> rows, starred;
+};
+std::optional<ContactsAnswer> contactsAnswer();
 std::optional<std::vector<std::string>> searchAnswer(const std::string& text);
 std::optional<std::vector<std::string>> momentsAnswer();
 std::optional<std::vector<std::string>> forwardRowAnswer();

@@ -217,9 +217,9 @@ long contactsFooterCount(HostApp& app) {
   return logic ? sections(logic).footerCount : -1;
 }
 
-std::optional<std::vector<std::string>> contactsAnswer() {
+std::optional<ContactsAnswer> contactsAnswer() {
   if (!rt::getClass("ContactsViewController")) return std::nullopt;
-  std::vector<std::string> out;
+  ContactsAnswer out;
   rt::Class cls = rt::getClass("ContactsDataLogic");
   if (!cls) return out;  // the screen has no logic: no rows
   // A logic of its own, as the screen builds one: the screen's keeps what it showed.
@@ -227,8 +227,9 @@ std::optional<std::vector<std::string>> contactsAnswer() {
   reloadContacts(logic, nullptr);
   ContactSections& d = sections(logic);
   for (Id key : rt::elements(d.keys))
-    for (Id c : rt::elements(rt::objectForKey(d.results, key))) out.push_back(contactUsername(c));
-  for (Id c : rt::elements(d.starred)) out.push_back(contactUsername(c));
+    for (Id c : rt::elements(rt::objectForKey(d.results, key)))
+      out.rows.push_back(contactUsername(c));
+  for (Id c : rt::elements(d.starred)) out.starred.push_back(contactUsername(c));
   return out;
 }
 
