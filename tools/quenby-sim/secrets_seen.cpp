@@ -70,7 +70,8 @@ std::vector<std::string> secretsMissing(hostapp::HostApp& host,
   Answer main = ask([&] { return host.mainListAnswer(); });
   Answer contacts = rowsOf(ask(hostapp::contactsAnswer));
   for (const std::string& s : secrets) {
-    bool hasChat = std::find(model.sessions.begin(), model.sessions.end(), s) != model.sessions.end();
+    bool hasChat =
+        std::find(model.sessions.begin(), model.sessions.end(), s) != model.sessions.end();
     if (main && hasChat && !holds(main, s)) missing.push_back(s + " not on the main list");
     bool isFriend = std::any_of(model.friends.begin(), model.friends.end(),
                                 [&](const hostapp::Friend& f) { return f.username == s; });
