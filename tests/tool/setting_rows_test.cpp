@@ -115,4 +115,16 @@ TEST(SettingRows, EachRowAndItsSettingLeaveTheSameFile) {
   EXPECT_GE(changed, steps.size() / 2);
 }
 
+// What the panel's mode rows and window editor do besides saving: the
+// schedule applies at once, not at its next tick.
+TEST(SettingRows, InARunningAppTheScheduleFollowsAtOnce) {
+  qbsim::Session s({}, std::cout);
+  for (const char* line :
+       {"clock 12:00", "friend bob nick=Bob", "session bob", "secret bob", "launch", "wait 2",
+        "expect hidden", "setting dailyWindows 11:00-13:00 show", "expect hidden",
+        "setting visibilityControl 1", "expect revealed", "setting dailyWindows 11:00-13:00 hide",
+        "expect hidden"})
+    run(s, line);
+}
+
 }  // namespace
