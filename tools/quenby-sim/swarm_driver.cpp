@@ -571,8 +571,10 @@ class Day {
     return detail;
   }
 
-  // What `setting KEY VALUE`, or the panel's row for KEY, saves.
-  void learn(Settings& next, const std::string& key, const std::string& value) {
+  // What `setting KEY VALUE`, or the panel's row for KEY, saves; false when
+  // it saves nothing (a short password is dropped, file untouched).
+  bool learn(Settings& next, const std::string& key, const std::string& value) {
+    if (key == "password" && value.size() < 4) return false;
     if (key == "visibilityControl")
       next.manual = value == "0";
     else if (key == "secretNotifyMode")
@@ -582,26 +584,29 @@ class Day {
     else if (key == "voipVideoNotify")
       next.video = value == "true";
     else if (key == "password")
-      next.password = value.size() >= 4 ? value : next.password;
+      next.password = value;
     else if (key == "dailyWindows")
       next.windows = pendingWindows_, next.windowsKnown = true;
     else if (key == "revealAuthMode" || key == "panelAuthMode")
       next.modes[key] = std::stol(value);
     else
       next.switches[key] = value == "true";
+    return true;
   }
 
   // A change of the secret list or a setting: on success the model learns it.
   void edit(const std::string& line) {
     Settings next = model_;
     std::vector<std::string> w = splitWords(line);
+    bool saves = true;
     if (w[0] == "secret")
       next.secrets.insert(w[1]);
     else if (w[0] == "unsecret")
       next.secrets.erase(w[1]);
     else
-      learn(next, w[1], w[2]);
+      saves = learn(next, w[1], w[2]);
     exec(line, [&] {
+      if (!saves) return;
       model_ = next;
       if (checker_) checker_->saved(model_, session_.device().elapsed());
     });
