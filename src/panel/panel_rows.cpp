@@ -1,7 +1,6 @@
 #include "panel/panel_rows.hpp"
 
 #include <algorithm>
-#include <iterator>
 
 #include "ui/colors.hpp"
 
@@ -79,8 +78,9 @@ const PanelRow* rowFor(std::string_view key, long value) {
 }
 
 const PanelRow* rowWithAction(std::string_view action) {
-  auto it = std::ranges::find_if(kRows, [&](const PanelRow& r) { return r.action == action; });
-  return it == std::end(kRows) || action.empty() ? nullptr : &*it;
+  for (const PanelRow& r : kRows)
+    if (!action.empty() && r.action == action) return &r;
+  return nullptr;
 }
 
 long maxChoice(std::string_view key) {

@@ -1,7 +1,5 @@
 #include "panel/panel_settings.hpp"
 
-#include <algorithm>
-
 #include "base/utf8.hpp"
 #include "core/config.hpp"
 #include "notify/notify_hooks.hpp"
@@ -40,8 +38,9 @@ constexpr SwitchKey kSwitchKeys[] = {
 };
 
 const SwitchKey* switchKey(std::string_view key) {
-  auto it = std::ranges::find(kSwitchKeys, key, &SwitchKey::key);
-  return it == std::end(kSwitchKeys) ? nullptr : &*it;
+  for (const SwitchKey& s : kSwitchKeys)
+    if (s.key == key) return &s;
+  return nullptr;
 }
 
 void applySchedule(Scope scope) {

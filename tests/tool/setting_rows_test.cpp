@@ -97,19 +97,19 @@ std::vector<std::string> filesAfter(const std::vector<Step>& steps, bool through
 TEST(SettingRows, EachRowAndItsSettingLeaveTheSameFile) {
   std::vector<Step> steps = stepsFromTable();
   ASSERT_GE(steps.size(), 20u);
-  std::vector<std::string> panel = filesAfter(
+  std::vector<std::string> throughPanel = filesAfter(
       steps, true,
       {"launch", "wait 2", "open about", "wait 1", "tap version", "tap version", "tap version",
        "tap version", "tap version", "type 7351", "press 确定", "wait 1", "expect screen panel"});
   std::vector<std::string> running = filesAfter(steps, false, {"launch", "wait 2"});
   std::vector<std::string> beforeLaunch = filesAfter(steps, false, {});
-  ASSERT_EQ(panel.size(), steps.size());
+  ASSERT_EQ(throughPanel.size(), steps.size());
   std::size_t changed = 0;
   for (std::size_t i = 0; i < steps.size(); ++i) {
     SCOPED_TRACE(steps[i].settingLine);
-    EXPECT_EQ(running[i], panel[i]);
-    EXPECT_EQ(beforeLaunch[i], panel[i]);
-    changed += i > 0 && panel[i] != panel[i - 1];
+    EXPECT_EQ(running[i], throughPanel[i]);
+    EXPECT_EQ(beforeLaunch[i], throughPanel[i]);
+    changed += i > 0 && throughPanel[i] != throughPanel[i - 1];
   }
   // Most steps change the file, or the comparison would prove little.
   EXPECT_GE(changed, steps.size() / 2);
