@@ -161,7 +161,7 @@ long rowsInSection(long section) {
   long n = 0;
   for (const PanelRow& r : panelRows()) {
     if (r.section != section || !isShown(r, schedule)) continue;
-    if (r.kind == RowKind::Window)
+    if (r.kind == RowKind::Window)  // the windows, then an add row while there is room
       n += windowCount() < kMaxWindows ? windowCount() + 1 : windowCount();
     else if (r.kind == RowKind::Secret)
       n += config().secretCount();
@@ -172,7 +172,8 @@ long rowsInSection(long section) {
 }
 
 double rowHeight(long section, long row) {
-  return section == kSecrets && row >= 1 ? kSecretRowHeight : kRowHeight;
+  const PanelRow* r = rowAt(section, row, scheduleMode());
+  return r && r->kind == RowKind::Secret ? kSecretRowHeight : kRowHeight;
 }
 
 std::string headerTitle(long section) {
