@@ -127,4 +127,14 @@ TEST(SettingRows, InARunningAppTheScheduleFollowsAtOnce) {
     run(s, line);
 }
 
+// The panel drops a short password without saving anything, so a file not
+// yet written stays unwritten.
+TEST(SettingRows, AShortPasswordWritesNoFile) {
+  qbsim::Session s({}, std::cout);
+  run(s, "setting password abc");
+  EXPECT_EQ(fileOf(s), "");
+  run(s, "setting password 2468");
+  EXPECT_NE(fileOf(s).find("<string>2468</string>"), std::string::npos);
+}
+
 }  // namespace
