@@ -10,6 +10,8 @@
 #include "notify/notify_hooks.hpp"
 #include "panel/contact_pick_controller.hpp"
 #include "panel/panel_flow.hpp"
+#include "panel/panel_rows.hpp"
+#include "panel/panel_settings.hpp"
 #include "panel/panel_table.hpp"
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
@@ -109,15 +111,12 @@ void commitEditing(Id self, SEL, Id, long style, Id ip) {
                 });
 }
 
-// The five switches: save at once; the call switches also re-sync the host's
-// call auto-ignore. The table is left as it is.
-template <void (QBConfig::*Set)(bool), bool Calls>
-void onSwitch(Id, SEL, Id sw) {
-  host::guarded("[QB] QBPanelController switch ex: %@", [sw] {
-    QBConfig& c = QBConfig::shared();
-    (c.*Set)(ui::switchIsOn(sw));
-    c.save();
-    if (Calls) notify::QBNotifyHooks::syncVoipAutoIgnore();
+// The switches save at once (the call switches also re-sync the host's call
+// auto-ignore); the table is left as it is.
+void onSwitch(Id, SEL cmd, Id sw) {
+  host::guarded("[QB] QBPanelController switch ex: %@", [cmd, sw] {
+    if (const PanelRow* row = rowWithAction(rt::selName(cmd)))
+      changeSetting(row->key, base::Value(ui::switchIsOn(sw)), Scope::App);
   });
 }
 
@@ -162,16 +161,8 @@ void QBPanelController::registerRuntimeClass() {
   rt::addMethod(cls, rt::sel("tableView:trailingSwipeActionsConfigurationForRowAtIndexPath:"),
                 trailingSwipe);
   rt::addMethod(cls, rt::sel("tableView:commitEditingStyle:forRowAtIndexPath:"), commitEditing);
-  rt::addMethod(cls, rt::sel("onShakeShowSwitch:"),
-                onSwitch<&QBConfig::setShakeShowEnabled, false>);
-  rt::addMethod(cls, rt::sel("onLongPressSwitch:"),
-                onSwitch<&QBConfig::setLongPressUnlockEnabled, false>);
-  rt::addMethod(cls, rt::sel("onShakeHideSwitch:"),
-                onSwitch<&QBConfig::setShakeHideEnabled, false>);
-  rt::addMethod(cls, rt::sel("onVoipVoiceSwitch:"),
-                onSwitch<&QBConfig::setVoipVoiceNotifyEnabled, true>);
-  rt::addMethod(cls, rt::sel("onVoipVideoSwitch:"),
-                onSwitch<&QBConfig::setVoipVideoNotifyEnabled, true>);
+  for (const PanelRow& row : panelRows())
+    if (row.kind == RowKind::Switch) rt::addMethod(cls, rt::sel(row.action), onSwitch);
   rt::addMethod(cls, rt::sel("closeAndLock"), closeAndLockImp);
   rt::addMethod(cls, rt::sel("reload"), reloadImp);
   rt::addMethod(cls, rt::sel("showTip:"), showTipImp);

@@ -2,12 +2,13 @@
 
 #include <vector>
 
-#include "base/utf8.hpp"
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
 #include "host/contact_info.hpp"
 #include "notify/notify_hooks.hpp"
 #include "panel/panel_controller.hpp"
+#include "panel/panel_rows.hpp"
+#include "panel/panel_settings.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
 #include "sys/process_state.hpp"
@@ -23,15 +24,10 @@ QBConfig& config() { return QBConfig::shared(); }
 bool scheduleMode() { return config().usesScheduleVisibility(); }
 long windowCount() { return long(config().normalizedDailyWindows().size()); }
 
-struct Row {
-  std::string title, detail, symbol;
-  ui::Color tint;
-};
-
-ui::CellSpec baseCell(const Row& r, ui::CellStyle style) {
+ui::CellSpec baseCell(const PanelRow& r, const std::string& title, ui::CellStyle style) {
   ui::CellSpec c;
   c.style = style;
-  c.title = r.title;
+  c.title = title;
   c.detail = r.detail;
   c.titleFont = {16, ui::Weight::Medium};
   c.detailFont = {12, ui::Weight::Regular};
@@ -40,48 +36,50 @@ ui::CellSpec baseCell(const Row& r, ui::CellStyle style) {
   return c;
 }
 
-rt::Id checkCell(const Row& r, bool checked) {
-  ui::CellSpec c = baseCell(r, ui::CellStyle::Subtitle);
-  c.accessory = checked ? ui::Accessory::Checkmark : ui::Accessory::None;
+rt::Id checkCell(const PanelRow& r) {
+  ui::CellSpec c = baseCell(r, r.title, ui::CellStyle::Subtitle);
+  c.accessory = currentChoice(r.key) == r.value ? ui::Accessory::Checkmark : ui::Accessory::None;
   c.hasTint = true;
   c.tint = ui::kSystemGreen;
   return ui::makeCell(c);
 }
 
-rt::Id switchCell(rt::Id panel, const Row& r, bool on, const char* action) {
-  ui::CellSpec c = baseCell(r, ui::CellStyle::Subtitle);
+rt::Id switchCell(rt::Id panel, const PanelRow& r) {
+  ui::CellSpec c = baseCell(r, r.title, ui::CellStyle::Subtitle);
   c.detailLines = 1;
   c.selectionHighlight = false;
-  rt::SEL sel = rt::sel(action);
-  c.accessoryView = ui::makeSwitch(on, ui::kSystemGreen,
+  rt::SEL sel = rt::sel(r.action);
+  c.accessoryView = ui::makeSwitch(switchIsOn(r.key), ui::kSystemGreen,
                                    [panel, sel](rt::Id sw) { rt::send<void>(panel, sel, sw); });
   return ui::makeCell(c);
 }
 
 // The green "add" rows: default style, semibold green title, a plus icon.
 rt::Id addCell(const char* title) {
-  ui::CellSpec c = baseCell(Row{title, "", "plus", ui::kSystemGreen}, ui::CellStyle::Default);
+  PanelRow plus{};
+  plus.detail = "";
+  plus.symbol = "plus";
+  plus.tint = ui::kSystemGreen;
+  ui::CellSpec c = baseCell(plus, title, ui::CellStyle::Default);
   c.titleFont = {16, ui::Weight::Semibold};
   c.titleColor = ui::kSystemGreen;
   c.accessory = ui::Accessory::DisclosureIndicator;
   return ui::makeCell(c);
 }
 
-rt::Id windowCell(long i) {
+rt::Id windowCell(const PanelRow& r, long i) {
   core::DailyWindows windows = config().normalizedDailyWindows();
-  std::string detail =
-      i < long(windows.size()) ? QBConfig::stringFromWindow(windows[std::size_t(i)].toValue()) : "";
   ui::CellSpec c =
-      baseCell(Row{"时段 " + std::to_string(i + 1), detail, "clock.fill", ui::kSystemOrange},
-               ui::CellStyle::Value1);
+      baseCell(r, std::string(r.title) + " " + std::to_string(i + 1), ui::CellStyle::Value1);
+  c.detail =
+      i < long(windows.size()) ? QBConfig::stringFromWindow(windows[std::size_t(i)].toValue()) : "";
   c.detailFont = {17, ui::Weight::Regular};
   c.accessory = ui::Accessory::DisclosureIndicator;
   return ui::makeCell(c);
 }
 
-rt::Id passwordCell() {
-  Row r{"修改口令", "••••", "key.fill", ui::kSystemIndigo};
-  ui::CellSpec c = baseCell(r, ui::CellStyle::Value1);
+rt::Id passwordCell(const PanelRow& r) {
+  ui::CellSpec c = baseCell(r, r.title, ui::CellStyle::Value1);
   c.image = QBPanelController::iconImage(r.symbol, r.tint, ui::withAlpha(r.tint, 0.12));
   c.detailFont = {17, ui::Weight::Regular};
   c.detailColor = ui::kTertiaryLabel;
@@ -118,61 +116,21 @@ rt::Id secretCell(long row) {
 }
 
 rt::Id cellIn(rt::Id panel, long section, long row) {
-  QBConfig& cfg = config();
-  switch (section) {
-    case kVisibility:
-      return row == 0
-                 ? checkCell(
-                       {"手动控制", "轻晃 / 长按 + 切后台隐藏", "hand.tap.fill", ui::kSystemBlue},
-                       cfg.visibilityControlMode() == 0)
-                 : checkCell({"定时控制", "到点自动显示或隐藏", "clock.fill", ui::kSystemOrange},
-                             cfg.visibilityControlMode() == 1);
-    case kWake:
-      return row == 0 ? switchCell(panel,
-                                   {"轻晃显示", "触发后需通过验证",
-                                    "iphone.radiowaves.left.and.right", ui::kSystemGreen},
-                                   cfg.shakeShowEnabled(), "onShakeShowSwitch:")
-                      : switchCell(panel,
-                                   {"长按顶栏", "会话 / 聊天页导航栏约 0.7 秒", "hand.tap.fill",
-                                    ui::kSystemBlue},
-                                   cfg.longPressUnlockEnabled(), "onLongPressSwitch:");
-    case kHide:
-      if (!scheduleMode())
-        return switchCell(panel,
-                          {"轻晃隐藏", "无需验证，立刻藏起", "iphone.radiowaves.left.and.right",
-                           ui::kSystemOrange},
-                          cfg.shakeHideEnabled(), "onShakeHideSwitch:");
-      return row < windowCount() ? windowCell(row) : addCell("添加时段");
-    case kNotify: {
-      static const Row rows[] = {
-          {"铃声", "隐藏时：微信内/桌面/锁屏都提醒", "bell.fill", ui::kSystemGreen},
-          {"震动", "隐藏时：三处提醒但只震动", "iphone.radiowaves.left.and.right",
-           ui::kSystemOrange},
-          {"不通知", "隐藏时：三处都不通知", "bell.slash.fill", ui::kSystemGray}};
-      return checkCell(rows[row], cfg.secretNotifyMode() == 2 - row);
-    }
-    case kCalls:
-      return row == 0
-                 ? switchCell(
-                       panel,
-                       {"微信电话", "语音来电振铃与接听界面", "phone.fill", ui::kSystemGreen},
-                       cfg.voipVoiceNotifyEnabled(), "onVoipVoiceSwitch:")
-                 : switchCell(panel,
-                              {"微信视频", "视频来电振铃与接听界面", "video.fill", ui::kSystemBlue},
-                              cfg.voipVideoNotifyEnabled(), "onVoipVideoSwitch:");
-    case kPanelAuth:
-      if (row == 2) return passwordCell();
-      return row == 0 ? checkCell({"口令", "进控制台输口令", "key.fill", ui::kSystemIndigo},
-                                  cfg.panelAuthMode() == 0)
-                      : checkCell({"面容 / 指纹", "进控制台验面容", "faceid", ui::kSystemTeal},
-                                  cfg.panelAuthMode() == 1);
-    case kRevealAuth:
-      return row == 0 ? checkCell({"口令", "显示密友时输口令", "key.fill", ui::kSystemIndigo},
-                                  cfg.revealAuthMode() == 0)
-                      : checkCell({"面容 / 指纹", "显示密友时验面容", "faceid", ui::kSystemTeal},
-                                  cfg.revealAuthMode() == 1);
-    case kSecrets:
-      return row == 0 ? addCell("添加密友") : secretCell(row);
+  const PanelRow* r = rowAt(section, row, scheduleMode());
+  if (!r) return ui::makeCell(ui::CellSpec{});
+  switch (r->kind) {
+    case RowKind::Choice:
+      return checkCell(*r);
+    case RowKind::Switch:
+      return switchCell(panel, *r);
+    case RowKind::Password:
+      return passwordCell(*r);
+    case RowKind::Window:
+      return row < windowCount() ? windowCell(*r, row) : addCell("添加时段");
+    case RowKind::AddSecret:
+      return addCell(r->title);
+    case RowKind::Secret:
+      return secretCell(row);
   }
   return ui::makeCell(ui::CellSpec{});
 }
@@ -200,32 +158,22 @@ void reloadSectionOf(rt::Id panel, long section, ui::RowAnimation animation) {
 
 long rowsInSection(long section) {
   bool schedule = scheduleMode();
-  switch (section) {
-    case kVisibility:
-      return 2;
-    case kWake:
-      return schedule ? 0 : 2;
-    case kHide: {
-      if (!schedule) return 1;
-      long n = windowCount();
-      return n < kMaxWindows ? n + 1 : n;
-    }
-    case kNotify:
-      return 3;
-    case kCalls:
-      return 2;
-    case kPanelAuth:
-      return 3;
-    case kRevealAuth:
-      return 2;
-    case kSecrets:
-      return config().secretCount() + 1;
+  long n = 0;
+  for (const PanelRow& r : panelRows()) {
+    if (r.section != section || !isShown(r, schedule)) continue;
+    if (r.kind == RowKind::Window)  // the windows, then an add row while there is room
+      n += windowCount() < kMaxWindows ? windowCount() + 1 : windowCount();
+    else if (r.kind == RowKind::Secret)
+      n += config().secretCount();
+    else
+      ++n;
   }
-  return 0;
+  return n;
 }
 
 double rowHeight(long section, long row) {
-  return section == kSecrets && row >= 1 ? kSecretRowHeight : kRowHeight;
+  const PanelRow* r = rowAt(section, row, scheduleMode());
+  return r && r->kind == RowKind::Secret ? kSecretRowHeight : kRowHeight;
 }
 
 std::string headerTitle(long section) {
@@ -292,17 +240,26 @@ std::string secretAtRow(long row) {
 }
 
 void didSelect(rt::Id panel, long section, long row) {
-  QBConfig& cfg = config();
-  switch (section) {
-    case kVisibility:
-      cfg.setVisibilityControlMode(row == 0 ? 0 : 1);
-      cfg.save();
-      QBPanelController::reload(panel);
-      if (cfg.usesScheduleVisibility()) triggers::QBSchedule::applyNow();
+  const PanelRow* r = rowAt(section, row, scheduleMode());
+  if (!r) return;
+  switch (r->kind) {
+    case RowKind::Choice:
+      changeSetting(r->key, base::Value(r->value), Scope::App);
+      // The visibility mode reshapes the wake and hide sections.
+      if (section == kVisibility)
+        QBPanelController::reload(panel);
+      else
+        reloadOnly(panel, section);
       return;
-    case kHide: {
-      if (!cfg.usesScheduleVisibility()) return;
-      core::DailyWindows windows = cfg.normalizedDailyWindows();
+    case RowKind::Password:
+      QBPanelController::askText(panel, "设置新口令", true, "至少 4 位",
+                                 [](const std::string& text) {
+                                   // A short entry is dropped without a word, on purpose.
+                                   changeSetting("password", base::Value(text), Scope::App);
+                                 });
+      return;
+    case RowKind::Window: {
+      core::DailyWindows windows = config().normalizedDailyWindows();
       if (row < long(windows.size())) {
         const core::DailyWindow& w = windows[std::size_t(row)];
         QBPanelController::editDailyWindowAtIndex(panel, row, w.start, w.end,
@@ -313,35 +270,11 @@ void didSelect(rt::Id panel, long section, long row) {
       }
       return;
     }
-    case kNotify:
-      cfg.setSecretNotifyMode(2 - row);
-      cfg.setBackgroundNotifyEnabled(row != 2);
-      cfg.save();
-      reloadOnly(panel, kNotify);
+    case RowKind::AddSecret:
+      QBPanelController::pickFromSessions(panel);
       return;
-    case kPanelAuth:
-      if (row == 2) {
-        QBPanelController::askText(panel, "设置新口令", true, "至少 4 位",
-                                   [](const std::string& text) {
-                                     // A short entry is dropped without a word, on purpose;
-                                     // its length is NSString's, in UTF-16 units.
-                                     if (base::utf16Length(text) < kMinPasswordLength) return;
-                                     config().setPassword(text);
-                                     config().save();
-                                   });
-        return;
-      }
-      cfg.setPanelAuthMode(row);
-      cfg.save();
-      reloadOnly(panel, kPanelAuth);
-      return;
-    case kRevealAuth:
-      cfg.setRevealAuthMode(row);
-      cfg.save();
-      reloadOnly(panel, kRevealAuth);
-      return;
-    case kSecrets:
-      if (row == 0) QBPanelController::pickFromSessions(panel);
+    case RowKind::Switch:  // the switch acts, not the row
+    case RowKind::Secret:
       return;
   }
 }

@@ -6,21 +6,11 @@
 #include <functional>
 #include <string>
 
+#include "panel/panel_rows.hpp"
 #include "rt/types.hpp"
 #include "ui/tables.hpp"
 
 namespace panel {
-
-enum Section : long {
-  kVisibility = 0,
-  kWake = 1,
-  kHide = 2,
-  kNotify = 3,
-  kCalls = 4,
-  kPanelAuth = 5,
-  kRevealAuth = 6,
-  kSecrets = 7
-};
 
 long rowsInSection(long section);
 // Reloads one section of the panel's table, or the whole table when another

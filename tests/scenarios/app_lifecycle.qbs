@@ -8,14 +8,18 @@ session alice
 secret bob
 clock 07:59
 launch
+expect hidden
 expect main alice
 wait 30
+expect hidden
 background
 wait 600
 foreground
+expect hidden
 quit
 wait 5
 launch
 expect no-log "FATAL"
 wait 2
+expect hidden
 expect main alice

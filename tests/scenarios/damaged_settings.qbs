@@ -5,6 +5,7 @@ friend alice nick=Alice
 session alice
 launch
 expect hidden
+expect main alice
 expect log "[QB] config unreadable, kept aside as "
 expect log "/Documents/Quenby/config-2"
 expect no-log "alice"

@@ -6,7 +6,9 @@ session alice
 session bob
 launch
 expect hidden
+expect main bob alice
 secret alice
+expect hidden
 expect file secrets [alice]
 expect file password 7351
 expect file shakeToggle true

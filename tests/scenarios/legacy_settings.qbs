@@ -2,11 +2,14 @@
 # show minute. It loads migrated, and is rewritten in the clean form only at the
 # next save.
 friend alice nick=Alice
-friend carol nick=Carol
+friend bob nick=Bob
+room team@chatroom title=Team
 session alice
-session carol
+session team@chatroom
+session bob
 launch
 expect hidden
+expect main bob
 expect file authMode 1
 expect file shakeToggle false
 expect file dailyShowMinute 600
@@ -23,4 +26,4 @@ expect file backgroundNotify false
 expect file dailyWindows [{start = 600; end = 1320; mode = 0}]
 expect file secrets [alice team@chatroom]
 wait 1
-expect main carol
+expect main bob

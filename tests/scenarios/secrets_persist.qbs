@@ -3,8 +3,10 @@
 friend alice nick=Alice
 friend bob nick=Bob
 friend carol nick=Carol
+room team@chatroom title=Team
 session alice
 session bob
+session team@chatroom
 session carol
 secret alice
 secret team@chatroom
@@ -15,6 +17,7 @@ unsecret team@chatroom
 quit
 launch
 expect hidden
+expect main carol team@chatroom
 expect file secrets [alice bob]
 setting secretNotifyMode 2
 expect file backgroundNotify true
@@ -25,5 +28,4 @@ expect file password 2468
 quit
 launch
 expect hidden
-wait 1
-expect main carol
+expect main carol team@chatroom

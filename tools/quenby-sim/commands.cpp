@@ -13,6 +13,7 @@ const CommandTable& commandTable() {
     addLogCommands(t);
     addFileCommands(t);
     addStateCommands(t);
+    addVisibilityCommands(t);
     addHostCommands(t);
     addMainListCommands(t);
     addTriggerCommands(t);

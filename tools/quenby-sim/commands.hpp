@@ -46,6 +46,7 @@ void addLifecycleCommands(CommandTable& table);
 void addLogCommands(CommandTable& table);
 void addFileCommands(CommandTable& table);
 void addStateCommands(CommandTable& table);
+void addVisibilityCommands(CommandTable& table);
 void addHostCommands(CommandTable& table);
 void addMainListCommands(CommandTable& table);
 void addTriggerCommands(CommandTable& table);

@@ -1,16 +1,16 @@
 // The secret list, settings and visibility: secret, unsecret, setting,
-// expect hidden / revealed, show config, show state.
+// show config, show state.
 #include <cstdlib>
 
 #include "base/format.hpp"
-#include "base/utf8.hpp"
 #include "base/value.hpp"
 #include "commands.hpp"
 #include "core/config.hpp"
 #include "core/daily_window.hpp"
 #include "hiding/session_hooks.hpp"
 #include "panel/panel_controller.hpp"
-#include "triggers/schedule.hpp"
+#include "panel/panel_rows.hpp"
+#include "panel/panel_settings.hpp"
 
 namespace qbsim {
 namespace {
@@ -68,68 +68,31 @@ std::string windowsError(const std::string& chinese) {
   return "the panel refuses: \"" + chinese + "\"";
 }
 
-// `running`: the app is up, so the panel's follow-up (applying the schedule) runs too.
-void applySetting(QBConfig& c, const Command& cmd, bool running) {
-  const std::string& key = cmd.words[1];
-  const std::string& value = cmd.words[2];
-  auto needBool = [&] {
-    bool b;
-    if (!boolWord(value, b))
-      throw ScriptError{"setting " + key + ": expected true or false, got '" + value + "'"};
-    return b;
-  };
-  auto needMode = [&](long max) {
-    long n;
-    if (!integerWord(value, n) || n < 0 || n > max)
-      throw ScriptError{"setting " + key + ": expected 0 to " + std::to_string(max) + ", got '" +
-                        value + "'"};
-    return n;
-  };
-  if (key == "password") {
-    // The panel keeps only passwords of at least 4 characters, silently.
-    if (base::utf16Length(value) >= 4) c.setPassword(value);
-  } else if (key == "shakeToggle") {
-    c.setShakeToggleEnabled(needBool());
-  } else if (key == "shakeHide") {
-    c.setShakeHideEnabled(needBool());
-  } else if (key == "shakeShow") {
-    c.setShakeShowEnabled(needBool());
-  } else if (key == "showNeedsAuth") {
-    c.setShowNeedsAuth(needBool());
-  } else if (key == "longPressUnlock") {
-    c.setLongPressUnlockEnabled(needBool());
-  } else if (key == "passwordFallback") {
-    c.setPasswordFallbackEnabled(needBool());
-  } else if (key == "voipVoiceNotify") {
-    c.setVoipVoiceNotifyEnabled(needBool());
-  } else if (key == "voipVideoNotify") {
-    c.setVoipVideoNotifyEnabled(needBool());
-  } else if (key == "backgroundNotify") {
-    c.setBackgroundNotifyEnabled(needBool());
-  } else if (key == "panelAuthMode" || key == "authMode") {
-    c.setPanelAuthMode(needMode(1));
-  } else if (key == "revealAuthMode") {
-    c.setRevealAuthMode(needMode(1));
-  } else if (key == "secretNotifyMode") {
-    long mode = needMode(2);
-    c.setSecretNotifyMode(mode);
-    c.setBackgroundNotifyEnabled(mode != 0);  // the panel's notify rows set both
-  } else if (key == "visibilityControl") {
-    c.setVisibilityControlMode(needMode(1));
-    c.save();
-    // The panel applies the schedule on the change (and again when it closes).
-    if (running && c.usesScheduleVisibility()) triggers::QBSchedule::applyNow();
-    return;
-  } else if (key == "dailyWindows") {
-    std::string message;
-    if (!c.setDailyWindows(windowsWords(cmd.words, 2), &message))
-      throw ScriptError{"setting dailyWindows: " + windowsError(message)};
-    if (running) triggers::QBSchedule::applyNow();
-    return;
-  } else {
-    throw ScriptError{"setting: unknown key '" + key + "'"};
+// The words after `setting KEY` as the value the panel's row would give.
+base::Value settingValue(const Command& cmd, const std::string& key) {
+  const std::string& word = cmd.words[2];
+  switch (panel::settingKind(key)) {
+    case panel::SettingKind::Switch: {
+      bool b;
+      if (!boolWord(word, b))
+        throw ScriptError{"setting " + key + ": expected true or false, got '" + word + "'"};
+      return base::Value(b);
+    }
+    case panel::SettingKind::Choice: {
+      long n, max = panel::maxChoice(key);
+      if (!integerWord(word, n) || n < 0 || n > max)
+        throw ScriptError{"setting " + key + ": expected 0 to " + std::to_string(max) + ", got '" +
+                          word + "'"};
+      return base::Value(n);
+    }
+    case panel::SettingKind::Text:
+      return base::Value(word);
+    case panel::SettingKind::Windows:
+      return windowsWords(cmd.words, 2);
+    case panel::SettingKind::Unknown:
+      break;
   }
-  c.save();
+  throw ScriptError{"setting: unknown key '" + key + "'"};
 }
 
 std::string yesNo(bool b) { return b ? "YES" : "NO"; }
@@ -153,32 +116,22 @@ void addStateCommands(CommandTable& t) {
                        hiding::QBSessionHooks::softReloadMainFrame();
                      });
                    }};
-  t["setting"] = {"setting KEY VALUE", [](Session& s, const Command& c) {
-                    if (c.words.size() < 3 || (c.words.size() > 3 && c.words[1] != "dailyWindows"))
-                      throw ScriptError{"usage: setting KEY VALUE"};
-                    // Parse before touching anything, so a bad value changes nothing.
-                    if (c.words[1] == "dailyWindows") windowsWords(c.words, 2);
-                    std::optional<ScriptError> error;
-                    bool running = s.process() != nullptr;
-                    s.withLibrary([&] {
-                      try {
-                        applySetting(QBConfig::shared(), c, running);
-                      } catch (const ScriptError& e) {
-                        error = e;
-                      }
-                    });
-                    if (error) throw *error;
-                  }};
-  t["expect hidden"] = {"expect hidden", [](Session& s, const Command& c) {
-                          requireWords(c, 2, 2, "expect hidden");
-                          s.requireProcess("expect hidden");
-                          if (QBConfig::shared().unlocked()) throw ExpectFailure{"revealed"};
-                        }};
-  t["expect revealed"] = {"expect revealed", [](Session& s, const Command& c) {
-                            requireWords(c, 2, 2, "expect revealed");
-                            s.requireProcess("expect revealed");
-                            if (!QBConfig::shared().unlocked()) throw ExpectFailure{"hidden"};
-                          }};
+  t["setting"] = {
+      "setting KEY VALUE", [](Session& s, const Command& c) {
+        if (c.words.size() < 3 || (c.words.size() > 3 && c.words[1] != "dailyWindows"))
+          throw ScriptError{"usage: setting KEY VALUE"};
+        // The file's older name for the panel's authentication mode.
+        std::string key = c.words[1] == "authMode" ? "panelAuthMode" : c.words[1];
+        // Parse before touching anything, so a bad value changes nothing.
+        base::Value value = settingValue(c, key);
+        panel::Scope scope = s.process() ? panel::Scope::App : panel::Scope::FileOnly;
+        std::string message;
+        bool refused = false;
+        s.withLibrary([&] { refused = !panel::changeSetting(key, value, scope, &message); });
+        // A short password is dropped without a word, as the panel drops it.
+        if (refused && key == "dailyWindows")
+          throw ScriptError{"setting dailyWindows: " + windowsError(message)};
+      }};
   t["show config"] = {"show config", [](Session& s, const Command& c) {
                         requireWords(c, 2, 2, "show config");
                         base::Value d;

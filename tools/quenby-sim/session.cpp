@@ -41,7 +41,9 @@ void Session::launch() {
   if (process_) throw ScriptError{"launch: the app is already running"};
   process_ = std::make_unique<sim::Process>(*device_);
   violationsSeen_ = 0;
-  process_->launch(launchHooks(*this));
+  sim::LaunchHooks hooks = launchHooks(*this);
+  if (options_.withoutLibrary) hooks.libraryEntry = nullptr;
+  process_->launch(hooks);
   settle();
 }
 

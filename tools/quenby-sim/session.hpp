@@ -22,6 +22,9 @@ struct SimOptions {
   // Shared by every session of a run, so the files of `run A B` number on.
   std::shared_ptr<int> picturesTaken = std::make_shared<int>(0);
   std::uint64_t seed = 1;
+  // For tests: `launch` starts the host alone, with nothing hooked, so a test
+  // can show that a scenario notices when nothing hides.
+  bool withoutLibrary = false;
 };
 
 // A command that cannot be run as written: exit status 2.

@@ -18,6 +18,7 @@
 #include "core/gate_file.hpp"
 #include "hiding/outside_hooks.hpp"
 #include "hostapp/surfaces.hpp"
+#include "panel/panel_rows.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "sim/plist_codec.hpp"
@@ -34,6 +35,8 @@ const char* const kUsers[] = {"alice", "bob", "carol", "dave", "erin", "team@cha
 const char* const kSecretCandidates[] = {"bob", "carol", "dave", "team@chatroom"};
 // Every threshold of the system a wait straddles.
 const double kThresholds[] = {0.45, 0.7, 0.75, 0.8, 1.0, 1.3, 2.0, 30.0};
+// The panel's section of daily windows, in schedule mode.
+const long kWindows = panel::rowFor("dailyWindows")->section;
 const char* const kSwitchKeys[] = {"shakeHide", "shakeShow", "longPressUnlock", "passwordFallback"};
 
 std::string fmt(double d) {
@@ -422,11 +425,6 @@ class Day {
   // A row of the control panel (skipped unless it is on screen): the model
   // learns what the row saves, as it does for `setting`.
   void panelRow() {
-    Settings next = model_;
-    std::string line;
-    long row = long(pick(2));
-    bool on = chance(50);
-    std::string onOff = on ? " on" : " off";
     int kind = int(pick(11));
     // The rarer rows are worth the way in when the panel is not open.
     if (kind >= 8 && !panelOnTop() && chance(50)) openPanel();
@@ -437,42 +435,35 @@ class Day {
         return windowEditor();
       case 10:
         return swipeDelete();
-      case 0:
-        line = "panel tap 0 " + std::to_string(row), next.manual = row == 0;
-        break;
-      case 1:
-        row = long(pick(3)), line = "panel tap 3 " + std::to_string(row), next.notifyMode = 2 - row;
-        break;
-      case 2:
-        line = "panel switch 4 0" + onOff, next.voice = on;
-        break;
-      case 3:
-        line = "panel switch 4 1" + onOff, next.video = on;
-        break;
-      case 4:
-        line = "panel tap 5 " + std::to_string(row), next.modes["panelAuthMode"] = row;
-        break;
-      case 5:
-        line = "panel tap 6 " + std::to_string(row), next.modes["revealAuthMode"] = row;
-        break;
-      case 6:
-        line = "panel switch 1 " + std::to_string(row) + onOff,
-        next.switches[row ? "longPressUnlock" : "shakeShow"] = on;
-        break;
-      default: {
+      case 7: {
         std::string who = oneOf(kSecretCandidates);
-        exec("panel tap 7 0");
+        exec("panel tap " + std::to_string(panel::kSecrets) + " 0");
+        Settings next = model_;
         next.secrets.insert(who);
-        line = "picker pick " + who;
+        exec("picker pick " + who, [&] { savedNow(next); });
+        return;
       }
+      default:
+        return settingRow();
     }
+  }
+
+  // A check or a switch row of the panel's table, and the value the table says it saves.
+  void settingRow() {
+    std::vector<const panel::PanelRow*> rows;
+    for (const panel::PanelRow& r : panel::panelRows())
+      if (r.kind == panel::RowKind::Choice || r.kind == panel::RowKind::Switch) rows.push_back(&r);
+    const panel::PanelRow& r = *rows[pick(rows.size())];
+    std::string at = std::to_string(r.section) + " " + std::to_string(r.row);
+    bool on = chance(50);
+    bool isSwitch = r.kind == panel::RowKind::Switch;
+    Settings next = model_;
+    learn(next, r.key, isSwitch ? (on ? "true" : "false") : std::to_string(r.value));
     // A switch moved to where it already is sends nothing, so nothing is saved.
-    bool switchUnmoved = line.starts_with("panel switch") && next.voice == model_.voice &&
-                         next.video == model_.video && next.switches == model_.switches;
-    exec(line, [&] {
-      if (switchUnmoved) return;
-      model_ = next;
-      checker_->saved(model_, session_.device().elapsed());
+    bool switchUnmoved = isSwitch && next.voice == model_.voice && next.video == model_.video &&
+                         next.switches == model_.switches;
+    exec(isSwitch ? "panel switch " + at + (on ? " on" : " off") : "panel tap " + at, [&] {
+      if (!switchUnmoved) savedNow(next);
     });
   }
 
@@ -491,7 +482,10 @@ class Day {
   // The panel's password row: a dialog for the new one; a short one is dropped.
   void passwordRow() {
     std::string pw = oneOf({"7351", "2468", "abc", "98765", "1357"});
-    if (!sequence({"panel tap 5 2", "wait 0.5", "type " + pw})) return;
+    const panel::PanelRow* row = panel::rowFor("password");
+    if (!sequence({"panel tap " + std::to_string(row->section) + " " + std::to_string(row->row),
+                   "wait 0.5", "type " + pw}))
+      return;
     bool confirm = chance(85);
     exec(confirm ? "press 确定" : "press 取消", [&] {
       if (!confirm || pw.size() < 4) return;
@@ -511,8 +505,9 @@ class Day {
     long start = long(pick(24 * 60));
     long end = chance(10) ? start : (start + 1 + long(pick(240))) % 1440;
     bool hide = chance(40);
-    if (!sequence({"panel tap 2 " + std::to_string(row), "wait 0.5", "time " + clock(start),
-                   "press 确定", "wait 0.5", "time " + clock(end), "press 确定", "wait 0.5"}))
+    if (!sequence({"panel tap " + std::to_string(kWindows) + " " + std::to_string(row), "wait 0.5",
+                   "time " + clock(start), "press 确定", "wait 0.5", "time " + clock(end),
+                   "press 确定", "wait 0.5"}))
       return;
     std::vector<Window> after = rows;
     if (row < n)
@@ -539,7 +534,7 @@ class Day {
     if (chance(50) && !model_.manual && model_.windowsKnown) {
       std::vector<Window> rows = byStart(model_.windows);
       long row = long(pick(rows.size() + 1));
-      exec("panel delete 2 " + std::to_string(row), [&] {
+      exec("panel delete " + std::to_string(kWindows) + " " + std::to_string(row), [&] {
         Settings next = model_;
         rows.erase(rows.begin() + row);
         next.windows = rows;
@@ -548,8 +543,8 @@ class Day {
       return;
     }
     long row = 1 + long(pick(model_.secrets.size() + 1));
-    std::string who = panelRowDetail(7, row);
-    exec("panel delete 7 " + std::to_string(row), [&] {
+    std::string who = panelRowDetail(panel::kSecrets, row);
+    exec("panel delete " + std::to_string(panel::kSecrets) + " " + std::to_string(row), [&] {
       Settings next = model_;
       next.secrets.erase(who);
       savedNow(next);
@@ -576,31 +571,42 @@ class Day {
     return detail;
   }
 
+  // What `setting KEY VALUE`, or the panel's row for KEY, saves; false when
+  // it saves nothing (a short password is dropped, file untouched).
+  bool learn(Settings& next, const std::string& key, const std::string& value) {
+    if (key == "password" && value.size() < 4) return false;
+    if (key == "visibilityControl")
+      next.manual = value == "0";
+    else if (key == "secretNotifyMode")
+      next.notifyMode = std::stol(value);
+    else if (key == "voipVoiceNotify")
+      next.voice = value == "true";
+    else if (key == "voipVideoNotify")
+      next.video = value == "true";
+    else if (key == "password")
+      next.password = value;
+    else if (key == "dailyWindows")
+      next.windows = pendingWindows_, next.windowsKnown = true;
+    else if (key == "revealAuthMode" || key == "panelAuthMode")
+      next.modes[key] = std::stol(value);
+    else
+      next.switches[key] = value == "true";
+    return true;
+  }
+
   // A change of the secret list or a setting: on success the model learns it.
   void edit(const std::string& line) {
     Settings next = model_;
     std::vector<std::string> w = splitWords(line);
+    bool saves = true;
     if (w[0] == "secret")
       next.secrets.insert(w[1]);
     else if (w[0] == "unsecret")
       next.secrets.erase(w[1]);
-    else if (w[1] == "visibilityControl")
-      next.manual = w[2] == "0";
-    else if (w[1] == "secretNotifyMode")
-      next.notifyMode = std::stol(w[2]);
-    else if (w[1] == "voipVoiceNotify")
-      next.voice = w[2] == "true";
-    else if (w[1] == "voipVideoNotify")
-      next.video = w[2] == "true";
-    else if (w[1] == "password")
-      next.password = w[2].size() >= 4 ? w[2] : next.password;
-    else if (w[1] == "dailyWindows")
-      next.windows = pendingWindows_, next.windowsKnown = true;
-    else if (w[1] == "revealAuthMode" || w[1] == "panelAuthMode")
-      next.modes[w[1]] = std::stol(w[2]);
     else
-      next.switches[w[1]] = w[2] == "true";
+      saves = learn(next, w[1], w[2]);
     exec(line, [&] {
+      if (!saves) return;
       model_ = next;
       if (checker_) checker_->saved(model_, session_.device().elapsed());
     });

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -139,6 +140,10 @@ class HostApp {
   // What the main list's screen shows, top to bottom: the chats its table got
   // at its last reload.
   std::vector<std::string> mainListShown() const;
+  // What the main list's data source answers now for every row, asked as
+  // UIKit asks it, without reloading the table; none in a build without the
+  // main list's controller.
+  std::optional<std::vector<std::string>> mainListAnswer() const;
   // The app switcher's picture taken when the app last entered the
   // background: the screen on top and the rows of its list.
   struct Snapshot {

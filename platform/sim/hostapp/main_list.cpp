@@ -247,6 +247,15 @@ void HostApp::popToRoot() {
   }
 }
 
+namespace {
+std::string rowUsername(Id cell) {
+  Id data = sim::representedBy(cell);
+  Id name = data ? rt::ivarObject(data, rt::getInstanceVariable(rt::classOf(data), "m_nsUsrName"))
+                 : nullptr;
+  return rt::asString(name).value_or("(empty row)");
+}
+}  // namespace
+
 std::vector<std::string> HostApp::mainListShown() const {
   std::vector<std::string> out;
   if (!mainFrame_) return out;
@@ -254,13 +263,22 @@ std::vector<std::string> HostApp::mainListShown() const {
   const sim::ViewState* v = table ? sim::viewState(table) : nullptr;
   if (!v) return out;
   for (const auto& section : v->shownRows)
-    for (Id cell : section) {
-      Id data = sim::representedBy(cell);
-      Id name =
-          data ? rt::ivarObject(data, rt::getInstanceVariable(rt::classOf(data), "m_nsUsrName"))
-               : nullptr;
-      out.push_back(rt::asString(name).value_or("(empty row)"));
-    }
+    for (Id cell : section) out.push_back(rowUsername(cell));
+  return out;
+}
+
+std::optional<std::vector<std::string>> HostApp::mainListAnswer() const {
+  if (!mainFrame_ || !rt::isKindOf(mainFrame_, "NewMainFrameViewController")) return std::nullopt;
+  // The controller is its table's data source; asking it leaves the table as it is.
+  Id table = ivar(mainFrame_, "m_tableView");
+  std::vector<std::string> out;
+  long sections = rt::send<long>(mainFrame_, "numberOfSectionsInTableView:", table);
+  for (long s = 0; s < sections; ++s) {
+    long rows = rt::send<long>(mainFrame_, "tableView:numberOfRowsInSection:", table, s);
+    for (long r = 0; r < rows; ++r)
+      out.push_back(rowUsername(rt::send<Id>(mainFrame_, "tableView:cellForRowAtIndexPath:", table,
+                                             rt::indexPath(r, s))));
+  }
   return out;
 }
 

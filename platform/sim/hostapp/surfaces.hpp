@@ -4,6 +4,7 @@
 // these readers return is what a user would see there.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,16 @@ std::vector<std::string> searchShown();
 std::vector<std::string> momentsShown();
 std::vector<std::string> forwardRowShown();
 std::vector<std::string> forwardCandidatesShown();
+// What each screen's sources answer now, asked the way the screen asks them,
+// without building, reloading or showing any screen: what the screen would
+// show were it opened now, every row. None in a build without that screen.
+struct ContactsAnswer {
+  std::vector<std::string> rows, starred;
+};
+std::optional<ContactsAnswer> contactsAnswer();
+std::optional<std::vector<std::string>> searchAnswer(const std::string& text);
+std::optional<std::vector<std::string>> momentsAnswer();
+std::optional<std::vector<std::string>> forwardRowAnswer();
 // Whether the screen was opened in this process.
 bool searchOpened();
 bool momentsOpened();

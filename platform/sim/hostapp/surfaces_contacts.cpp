@@ -12,6 +12,7 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
 #include "sim/uikit/tables.hpp"
 #include "sim/uikit/uikit.hpp"
@@ -214,6 +215,22 @@ std::vector<std::string> contactsStarred(HostApp& app) {
 long contactsFooterCount(HostApp& app) {
   Id logic = loadedLogic(app);
   return logic ? sections(logic).footerCount : -1;
+}
+
+std::optional<ContactsAnswer> contactsAnswer() {
+  if (!rt::getClass("ContactsViewController")) return std::nullopt;
+  ContactsAnswer out;
+  rt::Class cls = rt::getClass("ContactsDataLogic");
+  if (!cls) return out;  // the screen has no logic: no rows
+  // A logic of its own, as the screen builds one: the screen's keeps what it showed.
+  Id logic = sim::autorelease(rt::send<Id>(cls, "new"));
+  reloadContacts(logic, nullptr);
+  ContactSections& d = sections(logic);
+  for (Id key : rt::elements(d.keys))
+    for (Id c : rt::elements(rt::objectForKey(d.results, key)))
+      out.rows.push_back(contactUsername(c));
+  for (Id c : rt::elements(d.starred)) out.starred.push_back(contactUsername(c));
+  return out;
 }
 
 }  // namespace hostapp

@@ -10,6 +10,7 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sim/lifetimes.hpp"
 #include "sim/runtime.hpp"
 
 namespace hostapp {
@@ -68,15 +69,20 @@ Id newInstance(const char* cls) {
   return c ? rt::send<Id>(c, "new") : nullptr;
 }
 
+// The row asks through the select view it is wired to.
+Id askRecentRow(Id row, Id selectView) {
+  if (row) setIvar(row, "m_selectView", selectView);
+  return responds(row, "contactsForRecentForwardMenu")
+             ? rt::send<Id>(row, "contactsForRecentForwardMenu")
+             : nullptr;
+}
+
 void selectViewDidLoad(Id self, SEL) {
   Id selectView = newInstance("SessionSelectView");
   Id row = newInstance("RecentForwardScrollView");
-  if (row) setIvar(row, "m_selectView", selectView);
   setIvar(self, "m_selectView", selectView);
   setIvar(self, "m_recentView", row);
-  Id recent = responds(row, "contactsForRecentForwardMenu")
-                  ? rt::send<Id>(row, "contactsForRecentForwardMenu")
-                  : nullptr;
+  Id recent = askRecentRow(row, selectView);
   setIvar(self, "m_recentContacts", rt::array(rt::elements(recent)));
   std::vector<Id> offered;
   for (Id c : candidatePool()) {
@@ -108,6 +114,18 @@ void defineForwardClasses(HostApp& app) {
       .method("onShouldFilterContact:", onShouldFilterContact)
       .method("viewDidLoad", selectViewDidLoad)
       .build();
+}
+
+std::optional<std::vector<std::string>> forwardRowAnswer() {
+  if (!rt::getClass(kForwardScreenClass)) return std::nullopt;
+  // Views of its own, as the picker builds them, so no picker on screen changes.
+  Id selectView = newInstance("SessionSelectView");
+  Id row = newInstance("RecentForwardScrollView");
+  if (selectView) sim::autorelease(selectView);
+  if (row) sim::autorelease(row);
+  std::vector<std::string> out;
+  for (Id c : rt::elements(askRecentRow(row, selectView))) out.push_back(contactUsername(c));
+  return out;
 }
 
 }  // namespace hostapp

@@ -48,7 +48,7 @@ Id getTimelineDataItemOfIndex(Id self, SEL, long index) {
   return item;
 }
 
-void timelineViewDidLoad(Id self, SEL) {
+std::vector<Id> timelineItems() {
   std::vector<Id> shown;
   Id facade = hostService("WCFacade");
   if (facade && rt::respondsTo(facade, rt::sel("countOfTimelineDataItem"))) {
@@ -59,8 +59,10 @@ void timelineViewDidLoad(Id self, SEL) {
       shown.push_back(item ? item : rt::null());
     }
   }
-  setIvar(self, "m_items", rt::array(shown));
+  return shown;
 }
+
+void timelineViewDidLoad(Id self, SEL) { setIvar(self, "m_items", rt::array(timelineItems())); }
 
 }  // namespace
 
@@ -78,6 +80,13 @@ void defineMomentsClasses(HostApp& app) {
       .ivar("m_items", "@")
       .method("viewDidLoad", timelineViewDidLoad)
       .build();
+}
+
+std::optional<std::vector<std::string>> momentsAnswer() {
+  if (!rt::getClass(kMomentsScreenClass)) return std::nullopt;
+  std::vector<std::string> out;
+  for (Id item : timelineItems()) out.push_back(contactUsername(item));
+  return out;
 }
 
 }  // namespace hostapp

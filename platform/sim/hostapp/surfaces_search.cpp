@@ -106,13 +106,17 @@ std::vector<Id> fromDataProvider(const std::string& text, const std::set<std::st
   return found;
 }
 
-void searchViewDidLoad(Id self, SEL) {
-  std::string text = rt::asString(ivar(self, "m_searchText")).value_or("");
+std::vector<Id> searchResults(const std::string& text) {
   std::vector<Id> rows = fromContactLogic(text);
   std::set<std::string> listed;
   for (Id c : rows) listed.insert(contactUsername(c));
   for (Id c : fromDataProvider(text, listed)) rows.push_back(c);
-  setIvar(self, "m_results", rt::array(rows));
+  return rows;
+}
+
+void searchViewDidLoad(Id self, SEL) {
+  std::string text = rt::asString(ivar(self, "m_searchText")).value_or("");
+  setIvar(self, "m_results", rt::array(searchResults(text)));
 }
 
 }  // namespace
@@ -129,6 +133,13 @@ void defineSearchClasses(HostApp& app) {
       .ivar("m_results", "@")
       .method("viewDidLoad", searchViewDidLoad)
       .build();
+}
+
+std::optional<std::vector<std::string>> searchAnswer(const std::string& text) {
+  if (!rt::getClass(kSearchScreenClass)) return std::nullopt;
+  std::vector<std::string> out;
+  for (Id c : searchResults(text)) out.push_back(contactUsername(c));
+  return out;
 }
 
 }  // namespace hostapp
