@@ -59,7 +59,24 @@ def unusable_container_is_one_line_before_anything_runs():
               f"a missing container is made: {r.returncode} {r.stdout!r}")
 
 
-def read_until(fd, text, seconds=20):
+def exit_code(pid, seconds=30):
+    """The REPL's exit status; a REPL still running after `seconds` is killed
+    and counted as a failure rather than left to hang the test."""
+    deadline = time.time() + seconds
+    while time.time() < deadline:
+        done, status = os.waitpid(pid, os.WNOHANG)
+        if done:
+            return os.waitstatus_to_exitcode(status)
+        time.sleep(0.1)
+    os.kill(pid, signal.SIGKILL)
+    os.waitpid(pid, 0)
+    check(False, f"the REPL did not end within {seconds} s of its end of input")
+    return None
+
+
+# A loaded machine can take seconds to answer a line: wait for each prompt
+# generously, since a line typed before it would land in the wrong place.
+def read_until(fd, text, seconds=60):
     seen = b""
     deadline = time.time() + seconds
     while text.encode() not in seen and time.time() < deadline:
@@ -94,8 +111,7 @@ def repl_on_a_terminal():
     transcript += read_until(fd, "qb> ")
     os.write(fd, b"\x04")
     transcript += read_until(fd, "\n", 5)
-    _, status = os.waitpid(pid, 0)
-    code = os.waitstatus_to_exitcode(status)
+    code = exit_code(pid)
     check("unknown command 'lanch' (did you mean 'launch'?)" in transcript,
           "the typo's line: " + transcript)
     check("expect main [USER...]" in transcript, "help expect main: " + transcript)
@@ -113,8 +129,7 @@ def repl_on_a_terminal():
         transcript += read_until(fd, "qb> ")
     os.write(fd, b"\x04")
     transcript += read_until(fd, "\n", 5)
-    _, status = os.waitpid(pid, 0)
-    code = os.waitstatus_to_exitcode(status)
+    code = exit_code(pid)
     # "expect main ali" alone would fail: exit 0 means Tab completed it. The
     # whole line appears only where Up redrew it.
     check(code == 0, f"typo, help, Up, passing expect: exit {code}\n{transcript}")
