@@ -111,10 +111,10 @@ const std::vector<Chapter>& demoChapters() {
              "expect row 0 0 \"手动控制\" checked"},
             ""},
            {"完成 closes it and hides the secrets; leaving the app with it open closes it too, "
-            "before the app switcher's picture.",
+            "before the app switcher's picture. Nothing the library made outlives it.",
             {"panel done", "wait 3", "expect hidden", "tap version", "tap version", "tap version",
              "tap version", "tap version", "type 7351", "press 确定", "wait 1", "background",
-             "expect hidden", "foreground", "wait 1", "expect screen about"},
+             "expect hidden", "foreground", "wait 1", "expect screen about", "show leaks"},
             ""},
        }},
       {"Outside the app",
