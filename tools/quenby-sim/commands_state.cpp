@@ -105,7 +105,7 @@ void addStateCommands(CommandTable& t) {
                    s.withLibrary([&] {
                      QBConfig::shared().addSecretUser(c.words[1]);
                      panel::QBPanelController::secretListChanged();
-                     hiding::QBSessionHooks::softReloadMainFrame();
+                     hiding::QBSessionHooks::softReloadMainFrameForce(true);
                    });
                  }};
   t["unsecret"] = {"unsecret USER", [](Session& s, const Command& c) {
@@ -113,7 +113,7 @@ void addStateCommands(CommandTable& t) {
                      s.withLibrary([&] {
                        QBConfig::shared().removeSecretUser(c.words[1]);
                        panel::QBPanelController::secretListChanged();
-                       hiding::QBSessionHooks::softReloadMainFrame();
+                       hiding::QBSessionHooks::softReloadMainFrameForce(true);
                      });
                    }};
   t["setting"] = {
