@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "sim/picture/canvas.hpp"
+#include "sim/picture/palette.hpp"
 #include "sim/picture/png_text.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
@@ -25,13 +26,10 @@ namespace {
 using rt::Id;
 
 constexpr ui::Color kBarBackground{249 / 255.0, 249 / 255.0, 249 / 255.0, 0.94};
-constexpr ui::Color kSeparator{60 / 255.0, 60 / 255.0, 67 / 255.0, 0.29};
 constexpr ui::Color kFill{118 / 255.0, 118 / 255.0, 128 / 255.0, 0.12};
 constexpr ui::Color kSystemRed{1, 59 / 255.0, 48 / 255.0, 1};
 constexpr ui::Color kAlertBackground{242 / 255.0, 242 / 255.0, 242 / 255.0, 1};
-constexpr ui::Color kDim{0, 0, 0, 0.2};
 
-rt::CGRect rect(double x, double y, double w, double h) { return {{x, y}, {w, h}}; }
 rt::CGRect offset(rt::CGRect r, double dx, double dy) {
   return {{r.origin.x + dx, r.origin.y + dy}, r.size};
 }
@@ -300,8 +298,7 @@ struct Painter {
     cv.restore();
     ScreenState* s = findExtra<ScreenState>(nav);
     if (s && s->grabberVisible)
-      cv.fill(rect(kScreenWidth / 2 - 18, area.origin.y + 5, 36, 5),
-              withAlpha(ui::kSystemGray, 0.6), 2.5);
+      cv.fill(rect(kScreenWidth / 2 - 18, area.origin.y + 5, 36, 5), kGrabber, 2.5);
   }
 
   void alert(Id a) {

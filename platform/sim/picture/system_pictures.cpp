@@ -8,6 +8,7 @@
 
 #include "base/utf8.hpp"
 #include "sim/picture/canvas.hpp"
+#include "sim/picture/palette.hpp"
 #include "sim/uikit/layout.hpp"
 #include "sim/uikit/tables.hpp"
 #include "ui/colors.hpp"
@@ -19,11 +20,7 @@ constexpr ui::Color kWallpaper{0.15, 0.19, 0.32, 1};
 constexpr ui::Color kWallpaperLow{0.27, 0.22, 0.38, 1};
 constexpr ui::Color kOnWallpaper{1, 1, 1, 1};
 constexpr ui::Color kPlatter{1, 1, 1, 0.78};
-constexpr ui::Color kSheetBackground{242 / 255.0, 242 / 255.0, 247 / 255.0, 1};
-constexpr ui::Color kDim{0, 0, 0, 0.2};
 constexpr ui::Color kAppGreen{7 / 255.0, 193 / 255.0, 96 / 255.0, 1};
-
-rt::CGRect rect(double x, double y, double w, double h) { return {{x, y}, {w, h}}; }
 
 std::string firstCharacter(const std::string& s) {
   std::size_t end = 0;
@@ -106,27 +103,26 @@ Picture drawShareSheet(const std::vector<SharePerson>& people, const std::string
   cv.fill(rect(0, 0, kScreenWidth, kScreenHeight), ui::kWhite);
   cv.fill(rect(0, 0, kScreenWidth, kScreenHeight), kDim);
   double top = 330;
-  cv.fill(rect(0, top, kScreenWidth, kScreenHeight - top + 12), kSheetBackground, 12);
-  cv.fill(rect(kScreenWidth / 2 - 18, top + 5, 36, 5), ui::withAlpha(ui::kSystemGray, 0.6), 2.5);
+  cv.fill(rect(0, top, kScreenWidth, kScreenHeight - top + 12), ui::kGroupedBackground, 12);
+  cv.fill(rect(kScreenWidth / 2 - 18, top + 5, 36, 5), kGrabber, 2.5);
 
   appIcon(cv, appName, rect(16, top + 20, 48, 48));
-  cv.text(appName, rect(76, top + 24, 200, 22), {17, ui::Weight::Semibold}, ui::kLabel,
-          Align::Left, true, true);
+  cv.text(appName, rect(76, top + 24, 200, 22), {17, ui::Weight::Semibold}, ui::kLabel, Align::Left,
+          true, true);
   cv.text("分享", rect(76, top + 46, 200, 18), {13, ui::Weight::Regular}, ui::kSecondaryLabel,
           Align::Left, true, true);
   cv.circle({kScreenWidth - 32, top + 36}, 15, {0.46, 0.46, 0.5, 0.12});
   cv.text("×", rect(kScreenWidth - 47, top + 21, 30, 30), {17, ui::Weight::Semibold},
           ui::kSystemGray, Align::Center, true, true);
-  cv.line({0, top + 84}, {kScreenWidth, top + 84}, {60 / 255.0, 60 / 255.0, 67 / 255.0, 0.29},
-          0.33);
+  cv.line({0, top + 84}, {kScreenWidth, top + 84}, kSeparator, 0.33);
 
   // The suggestions row scrolls sideways: those past the edge are not drawn.
   double x = 12, rowTop = top + 100;
   for (const SharePerson& p : people) {
     if (x + 60 > kScreenWidth) break;
     cv.circle({x + 30, rowTop + 30}, 30, sim::avatarTint(p.person));
-    cv.text(firstCharacter(p.name), rect(x, rowTop, 60, 60), {24, ui::Weight::Semibold},
-            ui::kWhite, Align::Center, true, true);
+    cv.text(firstCharacter(p.name), rect(x, rowTop, 60, 60), {24, ui::Weight::Semibold}, ui::kWhite,
+            Align::Center, true, true);
     cv.text(p.name, rect(x - 6, rowTop + 66, 72, 30), {11, ui::Weight::Regular}, ui::kLabel,
             Align::Center, true, true);
     x += 76;
@@ -147,8 +143,8 @@ Picture drawShareSheet(const std::vector<SharePerson>& people, const std::string
   cv.fill(actions, ui::kWhite, 10);
   cv.text("拷贝", rect(32, actions.origin.y, 200, 44), {17, ui::Weight::Regular}, ui::kLabel,
           Align::Left, true, true);
-  cv.line({32, actions.origin.y + 44}, {actions.origin.x + actions.size.width, actions.origin.y + 44},
-          {60 / 255.0, 60 / 255.0, 67 / 255.0, 0.29}, 0.33);
+  cv.line({32, actions.origin.y + 44},
+          {actions.origin.x + actions.size.width, actions.origin.y + 44}, kSeparator, 0.33);
   cv.text("存储到“文件”", rect(32, actions.origin.y + 44, 240, 44), {17, ui::Weight::Regular},
           ui::kLabel, Align::Left, true, true);
   cv.fill(rect(kScreenWidth / 2 - 67, kScreenHeight - 13, 134, 5), ui::kLabel, 2.5);
