@@ -8,8 +8,8 @@
 #include "core/config.hpp"
 #include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
-#include "hostapp/host_app.hpp"
-#include "sim/device.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace {

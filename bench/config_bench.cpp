@@ -2,7 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include "core/config.hpp"
-#include "sim/device.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 #include "sys/files.hpp"
 

@@ -2,8 +2,8 @@
 #include <benchmark/benchmark.h>
 
 #include "host/contact_info.hpp"
-#include "hostapp/host_app.hpp"
-#include "sim/device.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace {

@@ -9,12 +9,12 @@
 
 #include "core/config.hpp"
 #include "startup/startup.hpp"
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
-#include "sim/device.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
-#include "sim/user_notifications.hpp"
+#include "sim/frameworks/user_notifications.hpp"
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include "core/config.hpp"
 #include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/device.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace {
@@ -80,8 +80,8 @@ Id items(bool withSecret) {
   std::vector<Id> list;
   for (int k = 0; k < 10; ++k) {
     std::string chat = withSecret && k == 3 ? "bob" : "friend_" + std::to_string(k);
-    Id a = rt::send<Id>(alloc("CSSearchableItemAttributeSet"), "initWithItemContentType:",
-                        rt::str("public.message"));
+    Id a = rt::send<Id>(alloc("CSSearchableItemAttributeSet"),
+                        "initWithItemContentType:", rt::str("public.message"));
     rt::send<void>(a, "setTitle:", rt::str(chat));
     rt::send<void>(a, "setKeywords:", rt::array({rt::str(chat)}));
     list.push_back(rt::send<Id>(alloc("CSSearchableItem"),

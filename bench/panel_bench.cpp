@@ -6,11 +6,11 @@
 #include "panel/contact_pick_controller.hpp"
 #include "panel/panel_controller.hpp"
 #include "startup/startup.hpp"
-#include "hostapp/host_app.hpp"
-#include "sim/device.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/device.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace {

@@ -11,11 +11,11 @@
 
 #include "core/config.hpp"
 #include "startup/startup.hpp"
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/send.hpp"
-#include "sim/device.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace {

@@ -7,6 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 scripts/check_layers.sh
+scripts/check_sim_layers.sh
 preset=default
 if [ "${CI:-}" = "true" ]; then preset=ci; fi
 cmake --preset "$preset" >/dev/null

@@ -5,10 +5,7 @@
 #include <cstdlib>
 
 #include "rt/exception.hpp"
-#include "sim/foundation.hpp"
-#include "sim/outside_frameworks.hpp"
-#include "sim/uikit/uikit.hpp"
-#include "sim/user_notifications.hpp"
+#include "rt/runtime.hpp"
 #include "sys/notifications.hpp"
 
 namespace sim {
@@ -54,11 +51,7 @@ Process::Process(Device& device)
       runtime_(std::make_unique<Runtime>()),
       mainThread_(std::this_thread::get_id()) {
   gCurrent = this;
-  registerFoundation(*runtime_);
-  registerUIKit(*runtime_);
-  registerUserNotifications(*runtime_);
-  registerIntents(*runtime_);
-  registerSpotlight(*runtime_);
+  registerFrameworks(*runtime_);
 }
 
 Process::~Process() {
@@ -176,6 +169,24 @@ void* Process::stateSlot(std::shared_ptr<void> (*make)()) {
   std::lock_guard lock(stateMutex_);
   if (!state_ptr_) state_ptr_ = make();
   return state_ptr_.get();
+}
+
+// The runtime's lifetimes reach the process here: an autoreleased object
+// waits for the current process's pool (none while it tears down), and a
+// message to a freed object stops the process as the phone's crash would.
+rt::Id autorelease(rt::Id obj) {
+  if (!obj || !hasCurrentProcess() || !currentProcess().hasRuntime()) return obj;
+  Lifetimes& l = runtime().lifetimes();
+  if (!l.tearingDown) l.autorelease(obj);
+  return obj;
+}
+
+void messagedFreedObject(rt::Id obj, std::string_view selector) {
+  bool isClass = obj->isa && obj->isa->meta;
+  std::string line = std::string("message sent to a freed object: ") + (isClass ? "+[" : "-[") +
+                     std::string(rt::className(obj->isa)) + " " + std::string(selector) + "]";
+  currentProcess().crash(line);
+  rt::raise("QBSimFreedObject", line);
 }
 
 }  // namespace sim

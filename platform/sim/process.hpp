@@ -14,10 +14,10 @@
 #include <thread>
 #include <vector>
 
-#include "sim/device.hpp"
-#include "sim/main_queue.hpp"
-#include "sim/notification_center.hpp"
-#include "sim/runtime.hpp"
+#include "sim/device/device.hpp"
+#include "sim/events/main_queue.hpp"
+#include "sim/events/notification_center.hpp"
+#include "sim/runtime/runtime.hpp"
 
 namespace sim {
 
@@ -132,6 +132,12 @@ class Process {
   PlatformState platform_;
   std::function<void()> snapshot_;
 };
+
+// Defines the simulated system frameworks' classes in a fresh runtime. Declared
+// here, below the frameworks, and defined by them (frameworks/frameworks.cpp),
+// as the facades are defined by a backend: the process starts them without
+// knowing them.
+void registerFrameworks(Runtime& rtm);
 
 // The current process; aborts when there is none.
 Process& currentProcess();

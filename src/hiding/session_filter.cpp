@@ -290,8 +290,7 @@ std::vector<std::string> QBSessionHooks::listSessionUsernames() {
       setLastListPath("mgr-nil");
       return out;
     }
-    collect(rt::ivarObject(mgr, rt::getInstanceVariable(rt::classOf(mgr), "m_arrSessionInfo")),
-            out);
+    collect(rt::ivarNamed(mgr, "m_arrSessionInfo"), out);
     setLastListPath(out.empty() ? "empty" : "m_arrSessionInfo");
   } catch (...) {
     host::logCaught("[QB] MainSessionMgr session listing ex: %@");

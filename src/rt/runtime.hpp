@@ -87,6 +87,12 @@ const char* ivarTypeEncoding(Ivar ivar);
 // Nil for a nil object, a null ivar, or an ivar of another type.
 Id ivarObject(Id obj, Ivar ivar);
 void setIvarObject(Id obj, Ivar ivar, Id value);
+// class_getInstanceVariable on the object's class, then object_getIvar /
+// object_setIvar: the object-typed instance variable `name`, the class's own
+// or a superclass's. Reads nil, and writes nothing, for a nil object, a
+// variable the class lacks, or one of another type.
+Id ivarNamed(Id obj, std::string_view name);
+void setIvarNamed(Id obj, std::string_view name, Id value);
 
 // objc_allocateClassPair / class_addIvar / objc_registerClassPair. A new class
 // is found by name only once registered; allocating a name that is taken gives

@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "core/config.hpp"
-#include "sim/plist_codec.hpp"
+#include "sim/codec/plist_codec.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
 

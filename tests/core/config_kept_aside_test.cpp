@@ -14,8 +14,8 @@
 
 #include "core/config.hpp"
 #include "core/kept_aside.hpp"
-#include "sim/atomic_file.hpp"
-#include "sim/plist_codec.hpp"
+#include "sim/codec/atomic_file.hpp"
+#include "sim/codec/plist_codec.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
 

@@ -8,7 +8,7 @@
 
 #include "core/config.hpp"
 #include "core/gate_file.hpp"
-#include "sim/atomic_file.hpp"
+#include "sim/codec/atomic_file.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
 #include "sys/notifications.hpp"

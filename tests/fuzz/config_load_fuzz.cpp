@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "core/config.hpp"
-#include "sim/plist_codec.hpp"
+#include "sim/codec/plist_codec.hpp"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
+#include "sim/runtime/class_builder.hpp"
 #include "support/host_world.hpp"
 
 namespace {
@@ -251,7 +251,7 @@ TEST_F(ExtraHooks, SearchLogicDictionariesUnderEveryKeyAreFilteredAndARaisingKey
   std::vector<Id> dicts;
   for (const char* ivar : {"m_dicSearchResult", "_dicSearchResult", "m_dicSection"}) {
     Id d = rt::mutableDictionary({{s("contact"), rt::array({s("S"), s("a")})}});
-    rt::setIvarObject(logic, rt::getInstanceVariable(rt::classOf(logic), ivar), d);
+    rt::setIvarNamed(logic, ivar, d);
     dicts.push_back(d);
   }
   rt::send<void>(logic, "fillSectionResultForDicSearchResult");

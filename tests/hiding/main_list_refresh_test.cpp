@@ -8,7 +8,7 @@
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "hiding/session_hooks.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
-#include "sim/user_notifications.hpp"
+#include "sim/frameworks/user_notifications.hpp"
 #include "support/host_world.hpp"
 #include "sys/files.hpp"
 
@@ -28,11 +28,12 @@ TEST(OutsideMatch, AnIdentifierNamesAUsernameOnlyBetweenNonUsernameCharacters) {
     const char* username;
     bool names;
   };
-  for (Case c : {Case{"bob", "bob", true}, Case{"msg.session.bob", "bob", true},
-                 Case{"wx:bob/1", "bob", true}, Case{"bobby", "bob", false},
-                 Case{"x_bob", "bob", false}, Case{"bob-2", "bob", false},
-                 Case{"team@chatroom", "team", false}, Case{"s.team@chatroom", "team@chatroom", true},
-                 Case{"bobby.bob", "bob", true}, Case{"", "bob", false}, Case{"bob", "", false}})
+  for (Case c :
+       {Case{"bob", "bob", true}, Case{"msg.session.bob", "bob", true},
+        Case{"wx:bob/1", "bob", true}, Case{"bobby", "bob", false}, Case{"x_bob", "bob", false},
+        Case{"bob-2", "bob", false}, Case{"team@chatroom", "team", false},
+        Case{"s.team@chatroom", "team@chatroom", true}, Case{"bobby.bob", "bob", true},
+        Case{"", "bob", false}, Case{"bob", "", false}})
     EXPECT_EQ(namesUsername(c.identifier, c.username), c.names)
         << c.identifier << " / " << c.username;
 }
@@ -61,8 +62,9 @@ TEST(OutsideMatch, ThePreparedSetAnswersAsEverySecretAskedInTurn) {
   std::vector<hiding::SecretName> secrets{
       {"bob", "Bob"}, {"team@chatroom", "Team"}, {"wxid_7", ""}, {"a.b", "A B"}, {"x y", "XY"}};
   hiding::SecretMatcher matcher(secrets);
-  const char* pieces[] = {"bob", "bobby", "team", "@chatroom", "wxid_7", "a.b", "a", "b",
-                          "x y", "x", "y", ".", "/", ":", "-", "_", "Bob", "Team", "A B", " "};
+  const char* pieces[] = {"bob", "bobby", "team", "@chatroom", "wxid_7", "a.b", "a",
+                          "b",   "x y",   "x",    "y",         ".",      "/",   ":",
+                          "-",   "_",     "Bob",  "Team",      "A B",    " "};
   std::mt19937 rng(7);
   for (int round = 0; round < 20000; ++round) {
     std::string text;
@@ -123,12 +125,12 @@ TEST_F(Outside, ASecretsDonationIsDroppedAndItsCompletionSucceedsLater) {
   Id error = rt::str("not called");
   run([&] { host.donateMessage("alice", "hi", true); });
   run([&] {
-    host.donateMessage("bob", "hi", true);  // bob as a recipient's custom identifier
+    host.donateMessage("bob", "hi", true);   // bob as a recipient's custom identifier
     host.donateMessage("bob", "hi", false);  // bob as the sender's handle
-    Id interaction = rt::send<Id>(rt::send<Id>(rt::getClass("INInteraction"), "alloc"),
-                                  "initWithIntent:response:",
-                                  rt::send<Id>(rt::getClass("INSendMessageIntent"), "new"),
-                                  Id{nullptr});
+    Id interaction = rt::send<Id>(
+        rt::send<Id>(rt::getClass("INInteraction"), "alloc"),
+        "initWithIntent:response:", rt::send<Id>(rt::getClass("INSendMessageIntent"), "new"),
+        Id{nullptr});
     EXPECT_FALSE(hiding::QBOutsideHooks::donationNamesSecret(interaction));
   });
   EXPECT_EQ(groups(), std::vector<std::string>{"alice"});
@@ -142,7 +144,8 @@ TEST_F(Outside, ASecretsDonationIsDroppedAndItsCompletionSucceedsLater) {
   Id interaction = rt::send<Id>(rt::send<Id>(rt::getClass("INInteraction"), "alloc"),
                                 "initWithIntent:response:", intent, Id{nullptr});
   process->runGuarded([&] {
-    rt::send<void>(interaction, "donateInteractionWithCompletion:", sim::makeCompletionBlock([&](Id e) {
+    rt::send<void>(interaction,
+                   "donateInteractionWithCompletion:", sim::makeCompletionBlock([&](Id e) {
                      ++calls;
                      error = e;
                      onMain = sys::isMainThread();
@@ -177,10 +180,10 @@ TEST_F(Outside, UnknownDonationsAreDeletedAllAtOnce) {
   run([&] {
     host.donateMessage("alice", "a", true);
     host.donateMessage("carol", "c", true);
-    Id interaction = rt::send<Id>(rt::send<Id>(rt::getClass("INInteraction"), "alloc"),
-                                  "initWithIntent:response:",
-                                  rt::send<Id>(rt::getClass("INSendMessageIntent"), "new"),
-                                  Id{nullptr});
+    Id interaction = rt::send<Id>(
+        rt::send<Id>(rt::getClass("INInteraction"), "alloc"),
+        "initWithIntent:response:", rt::send<Id>(rt::getClass("INSendMessageIntent"), "new"),
+        Id{nullptr});
     rt::send<void>(interaction, "donateInteractionWithCompletion:", Id{nullptr});
   });
   makeSecret("carol");
@@ -189,8 +192,8 @@ TEST_F(Outside, UnknownDonationsAreDeletedAllAtOnce) {
 
 TEST_F(Outside, SearchItemsByIdentifierThenDomainThenEverything) {
   launchWithLibrary();
-  EXPECT_EQ(itemIds(),
-            (std::vector<std::string>{"msg.session.alice", "msg.session.bob", "msg.session.carol"}));
+  EXPECT_EQ(itemIds(), (std::vector<std::string>{"msg.session.alice", "msg.session.bob",
+                                                 "msg.session.carol"}));
   makeSecret("bob");  // seen at launch: by identifier
   EXPECT_EQ(itemIds(), (std::vector<std::string>{"msg.session.alice", "msg.session.carol"}));
   makeSecret("dave");  // never seen: the host's domain goes
@@ -212,8 +215,8 @@ TEST_F(Outside, IndexedItemsThatNameASecretNeverReachTheIndex) {
   host.model.friends.push_back({"carol2", "Carol", "", ""});  // another contact of the same name
   host.model.sessions.push_back("dave");
   run([&] { host.sessionsChanged(); });
-  EXPECT_EQ(itemIds(), (std::vector<std::string>{"msg.session.alice", "msg.session.bob",
-                                                 "msg.session.dave"}));
+  EXPECT_EQ(itemIds(),
+            (std::vector<std::string>{"msg.session.alice", "msg.session.bob", "msg.session.dave"}));
 }
 
 // A contact made secret while the library was not running is cleaned at the

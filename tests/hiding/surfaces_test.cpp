@@ -2,7 +2,7 @@
 // search, Moments and the forward picker leave a hidden secret out and show
 // it again once revealed; a host build without any one hooked method still
 // draws every screen; failing host pieces show the secret instead of breaking.
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/surfaces.hpp"
 
 #include <gtest/gtest.h>
 

@@ -13,8 +13,8 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/runtime/runtime.hpp"
 #include "support/sim_world.hpp"
 
 namespace {

@@ -16,8 +16,8 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/runtime/runtime.hpp"
 #include "support/host_world.hpp"
 
 namespace {

@@ -6,8 +6,8 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 
 namespace {

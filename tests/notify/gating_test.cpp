@@ -2,12 +2,12 @@
 // local-notification chain in the background, by notify mode and state.
 #include <gtest/gtest.h>
 
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "notify/notify_hooks.hpp"
 #include "notify_world.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
-#include "sim/user_notifications.hpp"
+#include "sim/frameworks/user_notifications.hpp"
 
 namespace {
 

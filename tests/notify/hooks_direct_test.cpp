@@ -3,7 +3,7 @@
 // behind the qb_ name), and gates that the upstream hooks normally pre-empt.
 #include <gtest/gtest.h>
 
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "notify/predicates.hpp"
 #include "notify_world.hpp"
 #include "rt/foundation.hpp"

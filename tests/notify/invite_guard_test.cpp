@@ -7,8 +7,8 @@
 #include "notify_world.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "sys/clock.hpp"
 
 namespace {

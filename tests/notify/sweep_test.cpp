@@ -11,7 +11,7 @@
 #include "notify_world.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
-#include "sim/user_notifications.hpp"
+#include "sim/frameworks/user_notifications.hpp"
 
 namespace {
 
@@ -132,11 +132,11 @@ TEST_F(Sweep, SimulatedFetchAnswersLaterOffTheMainThread) {
   launch();
   std::atomic<bool> called{false}, onMain{true};
   Id center = rt::send<Id>(rt::getClass("UNUserNotificationCenter"), "currentNotificationCenter");
-  rt::send<void>(center, "getDeliveredNotificationsWithCompletionHandler:",
-                 sim::makeCompletionBlock([&](Id) {
-                   called = true;
-                   onMain = sys::isMainThread();
-                 }));
+  rt::send<void>(
+      center, "getDeliveredNotificationsWithCompletionHandler:", sim::makeCompletionBlock([&](Id) {
+        called = true;
+        onMain = sys::isMainThread();
+      }));
   EXPECT_FALSE(called);
   process->runDue();
   EXPECT_TRUE(called);

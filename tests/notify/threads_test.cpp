@@ -6,11 +6,11 @@
 #include <thread>
 #include <vector>
 
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "notify_world.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
-#include "sim/user_notifications.hpp"
+#include "sim/frameworks/user_notifications.hpp"
 
 namespace {
 

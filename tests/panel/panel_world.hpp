@@ -9,9 +9,9 @@
 #include "panel/panel_controller.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 
 namespace qbtest {

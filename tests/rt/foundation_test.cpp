@@ -8,8 +8,8 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/icu_text.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/frameworks/foundation/icu_text.hpp"
 #include "support/sim_world.hpp"
 
 namespace {

@@ -8,7 +8,7 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
+#include "sim/runtime/class_builder.hpp"
 #include "support/sim_world.hpp"
 
 namespace {

@@ -8,7 +8,7 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
+#include "sim/runtime/class_builder.hpp"
 #include "support/sim_world.hpp"
 
 namespace {
@@ -174,6 +174,35 @@ TEST_F(RuntimeContract, DefinedClassesInstanceVariablesAndRegistration) {
   EXPECT_EQ(rt::getInstanceVariable(cls, "missing"), nullptr);
   EXPECT_EQ(rt::ivarObject(nullptr, iv), nullptr);
   EXPECT_EQ(rt::send<long>(obj, "one"), 1) << "inherits Base's methods";
+}
+
+// The look-up by name the host's screens and the system's filters use: the
+// class's own variables and its superclasses', nil where there is nothing to
+// read, and no write where there is nothing to write.
+TEST_F(RuntimeContract, InstanceVariablesByName) {
+  rt::Class parent = sim::ClassBuilder("Holder").ivar("m_owned", "@").ivar("m_count", "q").build();
+  rt::Class child = sim::ClassBuilder("SubHolder", "Holder").ivar("m_own", "@").build();
+  Id obj = rt::send<Id>(child, "new");
+  Id value = rt::str("kept");
+  rt::setIvarNamed(obj, "m_owned", value);
+  rt::setIvarNamed(obj, "m_own", rt::str("mine"));
+  EXPECT_EQ(rt::ivarNamed(obj, "m_owned"), value) << "inherited from the superclass";
+  EXPECT_EQ(rt::ivarObject(obj, rt::getInstanceVariable(parent, "m_owned")), value)
+      << "the same slot the superclass's variable names";
+  EXPECT_EQ(rt::asString(rt::ivarNamed(obj, "m_own")), "mine");
+
+  EXPECT_EQ(rt::ivarNamed(obj, "m_missing"), nullptr);
+  rt::setIvarNamed(obj, "m_missing", value);  // nothing to write: no crash, no effect
+  EXPECT_EQ(rt::ivarNamed(obj, "m_owned"), value);
+  rt::setIvarNamed(obj, "m_count", value);  // not object-typed: left alone
+  EXPECT_EQ(rt::ivarNamed(obj, "m_count"), nullptr);
+
+  EXPECT_EQ(rt::ivarNamed(nullptr, "m_owned"), nullptr);
+  rt::setIvarNamed(nullptr, "m_owned", value);
+
+  Id other = rt::send<Id>(parent, "new");
+  EXPECT_EQ(rt::ivarNamed(other, "m_owned"), nullptr) << "each instance has its own slots";
+  EXPECT_EQ(rt::ivarNamed(other, "m_own"), nullptr) << "a subclass's variable is not the parent's";
 }
 
 TEST_F(RuntimeContract, AssociatedObjectsReplaceAndRemove) {

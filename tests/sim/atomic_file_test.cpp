@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "sim/atomic_file.hpp"
+#include "sim/codec/atomic_file.hpp"
 
 namespace {
 

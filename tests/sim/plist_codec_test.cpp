@@ -11,7 +11,7 @@
 
 #include <plist/plist.h>
 
-#include "sim/plist_codec.hpp"
+#include "sim/codec/plist_codec.hpp"
 #include "support/value_printer.hpp"
 
 namespace {

@@ -10,11 +10,11 @@
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/class_builder.hpp"
-#include "sim/lifetimes.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/class_builder.hpp"
+#include "sim/runtime/lifetimes.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 #include "ui/gestures.hpp"
 
@@ -47,12 +47,14 @@ class Touches : public qbtest::HostWorld {
   }
   Id tap(Id view, bool cancels, const std::string& name) {
     Id g = nullptr;
-    process->runGuarded([&] { g = ui::addTap(view, cancels, [name](Id) { events.push_back(name); }); });
+    process->runGuarded(
+        [&] { g = ui::addTap(view, cancels, [name](Id) { events.push_back(name); }); });
     return g;
   }
   Id button(Id parent) {
     Id b = add("UIControl", parent, {{10, 10}, {50, 50}});
-    rt::Class target = sim::ClassBuilder("TouchTarget", "NSObject").method("hit:", buttonAction).build();
+    rt::Class target =
+        sim::ClassBuilder("TouchTarget", "NSObject").method("hit:", buttonAction).build();
     // A control does not retain its target: this one lives to the end of the process.
     Id t = rt::send<Id>(target, "new");
     rt::send<void>(b, "addTarget:action:forControlEvents:", t, rt::sel("hit:"), 1ul << 6);
@@ -91,9 +93,7 @@ TEST_F(Touches, OneTapRecognizerAlongTheChainRecognizesTheDeepestFirst) {
 TEST_F(Touches, ALongPressDoesNotTakeATapFromTheViewAbove) {
   Id child = add("UIView", root, {{0, 0}, {100, 100}});
   bool pressed = false;
-  process->runGuarded([&] {
-    ui::addLongPress(child, 0.5, true, [&](Id) { pressed = true; });
-  });
+  process->runGuarded([&] { ui::addLongPress(child, 0.5, true, [&](Id) { pressed = true; }); });
   tap(root, false, "root");
   EXPECT_TRUE(tapAt(50, 50));
   EXPECT_FALSE(pressed);
@@ -134,20 +134,23 @@ TEST_F(Touches, APushedScreenLoadsAndAppearsAsTheCoveredOneDisappears) {
                          .build();
   Id nav = rt::send<Id>(host.tabs(), "selectedViewController");
   process->runGuarded([&] {
-    rt::send<void>(nav, "pushViewController:animated:", sim::autorelease(rt::send<Id>(screen, "new")), true);
+    rt::send<void>(
+        nav, "pushViewController:animated:", sim::autorelease(rt::send<Id>(screen, "new")), true);
     events.clear();
-    rt::send<void>(nav, "pushViewController:animated:", sim::autorelease(rt::send<Id>(screen, "new")), true);
+    rt::send<void>(
+        nav, "pushViewController:animated:", sim::autorelease(rt::send<Id>(screen, "new")), true);
   });
   EXPECT_EQ(events, (std::vector<std::string>{
-                        "PushedScreen viewDidLoad", "PushedScreen viewWillDisappear:",
-                        "PushedScreen viewWillAppear:", "PushedScreen viewDidDisappear:",
-                        "PushedScreen viewDidAppear:"}));
+                        "PushedScreen viewDidLoad",
+                        "PushedScreen viewWillDisappear:", "PushedScreen viewWillAppear:",
+                        "PushedScreen viewDidDisappear:", "PushedScreen viewDidAppear:"}));
   // A stack not yet on screen loads nothing.
   events.clear();
   process->runGuarded([&] {
     Id offscreen = sim::autorelease(rt::send<Id>(rt::getClass("UINavigationController"), "new"));
-    rt::send<void>(offscreen, "pushViewController:animated:",
-                   sim::autorelease(rt::send<Id>(screen, "new")), true);
+    rt::send<void>(offscreen,
+                   "pushViewController:animated:", sim::autorelease(rt::send<Id>(screen, "new")),
+                   true);
   });
   EXPECT_TRUE(events.empty());
 }

@@ -5,9 +5,9 @@
 
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 #include "ui/alerts.hpp"
 #include "ui/navigation.hpp"

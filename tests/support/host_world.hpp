@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "startup/startup.hpp"
-#include "hostapp/host_app.hpp"
-#include "sim/device.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
-#include "sim/uikit/leaks.hpp"
+#include "sim/frameworks/uikit/leaks.hpp"
 #include "support/value_printer.hpp"
 
 namespace qbtest {

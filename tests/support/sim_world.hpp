@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sim/device.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 #include "support/value_printer.hpp"
 

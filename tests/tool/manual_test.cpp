@@ -10,7 +10,7 @@
 
 #include "commands.hpp"
 #include "help.hpp"
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "runner.hpp"
 
 namespace {

@@ -21,9 +21,9 @@
 #include "sim/picture/png_text.hpp"
 #include "sim/picture/screen_picture.hpp"
 #include "sim/picture/shrink.hpp"
-#include "sim/uikit/layout.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/layout.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "ui/colors.hpp"
 
 namespace {
@@ -315,10 +315,9 @@ TEST_F(Pictures, TheLockScreenDrawsWhatNotificationCenterHoldsAndNoHiddenSecret)
 }
 
 TEST_F(Pictures, TheShareSheetSuggestsInOrderInTheListsAvatarColours) {
-  run({"friend alice nick=Alice", "friend bob nick=Bob", "friend carol nick=Carol",
-       "session carol", "session alice", "secret bob", "launch", "wait 1",
-       "send carol \"a\"", "send bob \"b\"", "send alice \"c\"", "wait 1",
-       "expect suggestions alice carol"});
+  run({"friend alice nick=Alice", "friend bob nick=Bob", "friend carol nick=Carol", "session carol",
+       "session alice", "secret bob", "launch", "wait 1", "send carol \"a\"", "send bob \"b\"",
+       "send alice \"c\"", "wait 1", "expect suggestions alice carol"});
   Picture main = draw();
   Picture sheet = qbsim::drawSystemSurface(session, "sharesheet");
   EXPECT_FALSE(drew(sheet, "Bob"));

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "base/value.hpp"
-#include "sim/plist_codec.hpp"
+#include "sim/codec/plist_codec.hpp"
 #include "swarm_checker.hpp"
 #include "swarm_faults.hpp"
 

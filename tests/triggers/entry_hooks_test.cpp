@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "core/config.hpp"
-#include "hostapp/about_page.hpp"
+#include "sim/hostapp/about_page.hpp"
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 #include "triggers/entry_hooks.hpp"
 

@@ -8,7 +8,7 @@
 #include "triggers/auto_lock.hpp"
 #include "triggers/schedule.hpp"
 #include "host/runtime_toolkit.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "sys/notifications.hpp"
 
 namespace {

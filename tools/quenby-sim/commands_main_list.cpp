@@ -1,7 +1,7 @@
 // The main chat list: session, message, open main, show main, expect main, and the
 // app switcher's picture of it (show snapshot, expect snapshot).
 #include "commands.hpp"
-#include "hostapp/about_page.hpp"
+#include "sim/hostapp/about_page.hpp"
 
 namespace qbsim {
 namespace {

@@ -4,14 +4,14 @@
 #include <cstdlib>
 
 #include "commands.hpp"
-#include "hostapp/about_page.hpp"
+#include "sim/hostapp/about_page.hpp"
 #include "panel/contact_pick_controller.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace qbsim {
 namespace {
@@ -153,9 +153,8 @@ void addPanel(CommandTable& t) {
             act(s, "panel done: the panel has no done button",
                 [&] { return sim::pressLeftBarButton(panel); });
           else
-            act(s, "panel dismiss: the panel's sheet cannot be dragged", [&] {
-              return sim::dragAway(rt::send<rt::Id>(panel, "navigationController"));
-            });
+            act(s, "panel dismiss: the panel's sheet cannot be dragged",
+                [&] { return sim::dragAway(rt::send<rt::Id>(panel, "navigationController")); });
           return;
         }
         std::size_t words = what == "switch" ? 5 : 4;

@@ -6,7 +6,7 @@
 
 #include "commands.hpp"
 #include "pictures.hpp"
-#include "hostapp/about_page.hpp"
+#include "sim/hostapp/about_page.hpp"
 #include "sim/picture/screen_picture.hpp"
 #include "sim/picture/system_pictures.hpp"
 

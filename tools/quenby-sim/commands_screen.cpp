@@ -4,10 +4,10 @@
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/leaks.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/leaks.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace qbsim {
 namespace {
@@ -43,14 +43,14 @@ void addScreenCommands(CommandTable& t) {
                        if (leaks.empty()) s.out() << "no leaks\n";
                        for (const std::string& line : leaks) s.out() << line << "\n";
                      }};
-  t["expect no-leaks"] = {"expect no-leaks", [](Session& s, const Command& c) {
-                            requireWords(c, 2, 2, "expect no-leaks");
-                            s.requireProcess("expect no-leaks");
-                            std::vector<std::string> leaks = sim::describeLeaks();
-                            if (!leaks.empty())
-                              throw ExpectFailure{std::to_string(leaks.size()) +
-                                                  " leaked, first " + leaks.front()};
-                          }};
+  t["expect no-leaks"] = {
+      "expect no-leaks", [](Session& s, const Command& c) {
+        requireWords(c, 2, 2, "expect no-leaks");
+        s.requireProcess("expect no-leaks");
+        std::vector<std::string> leaks = sim::describeLeaks();
+        if (!leaks.empty())
+          throw ExpectFailure{std::to_string(leaks.size()) + " leaked, first " + leaks.front()};
+      }};
   t["show screen"] = {"show screen", [](Session& s, const Command& c) {
                         requireWords(c, 2, 2, "show screen");
                         std::string name = topScreenName(s);

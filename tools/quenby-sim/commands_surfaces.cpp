@@ -2,9 +2,9 @@
 // expect for contacts, search, moments and forward. `open` keeps its other
 // forms: the earlier handler answers everything not named here.
 #include "commands.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/runtime.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace qbsim {
 namespace {

@@ -3,13 +3,13 @@
 #include <cmath>
 
 #include "commands.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "sys/files.hpp"
 
 namespace qbsim {

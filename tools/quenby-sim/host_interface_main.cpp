@@ -18,10 +18,10 @@
 
 #include "startup/startup.hpp"
 #include "host/hook_tally.hpp"
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/encoding.hpp"
 #include "rt/runtime.hpp"
-#include "sim/device.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace {
@@ -48,7 +48,7 @@ void collect(const std::string& variant, Table& hooks, Table& sends) {
     bool classMethod = !key.empty() && key[0] == '+';
     std::string sel = classMethod ? key.substr(1) : key;
     rt::Class c = rt::getClass(cls);
-    rt::Method m = !c              ? nullptr
+    rt::Method m = !c            ? nullptr
                    : classMethod ? rt::getClassMethod(c, rt::sel(sel))
                                  : rt::getInstanceMethod(c, rt::sel(sel));
     const char* types = m ? rt::typeEncoding(m) : nullptr;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/exception.hpp"
 
 namespace qbsim {

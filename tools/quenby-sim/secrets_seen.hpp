@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 
 namespace qbsim {
 

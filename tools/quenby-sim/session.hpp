@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "hostapp/host_app.hpp"
-#include "sim/device.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/device/device.hpp"
 #include "sim/process.hpp"
 
 namespace qbsim {

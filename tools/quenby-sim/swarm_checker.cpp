@@ -4,7 +4,7 @@
 #include <cctype>
 #include <tuple>
 
-#include "sim/plist_codec.hpp"
+#include "sim/codec/plist_codec.hpp"
 #include "swarm_faults.hpp"
 
 namespace qbsim::swarm {
@@ -214,7 +214,9 @@ std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) 
 // 8. The system log, as a phone keeps it, never names a secret: a username
 // in a line is a private argument, redacted there.
 std::optional<Breach> Checker::judgeKeptLog(const Observation& o) const {
-  auto wordChar = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '@'; };
+  auto wordChar = [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '@';
+  };
   for (const std::string& line : o.keptLog)
     for (const std::string& s : settings_.secrets)
       for (std::size_t at = line.find(s); at != std::string::npos; at = line.find(s, at + 1)) {
@@ -232,8 +234,8 @@ std::optional<Breach> Checker::judgeSnapshot(const Observation& o) {
   if (exempt_ & fed) return std::nullopt;
   for (const auto& r : o.snapshot->rows)
     if (settings_.secrets.count(r))
-      return Breach{3, "the app switcher's picture of the " + o.snapshot->screen +
-                           " list shows secret " + r};
+      return Breach{
+          3, "the app switcher's picture of the " + o.snapshot->screen + " list shows secret " + r};
   return std::nullopt;
 }
 

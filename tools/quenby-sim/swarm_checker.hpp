@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/notices.hpp"
+#include "sim/device/notices.hpp"
 
 namespace qbsim::swarm {
 

@@ -99,6 +99,14 @@ void setIvarObject(Id obj, Ivar v, Id value) {
   object_setIvar(ios::object(obj), ios::ivar(v), ios::object(value));
 }
 
+Id ivarNamed(Id obj, std::string_view name) {
+  return obj ? ivarObject(obj, getInstanceVariable(classOf(obj), name)) : nullptr;
+}
+
+void setIvarNamed(Id obj, std::string_view name, Id value) {
+  if (obj) setIvarObject(obj, getInstanceVariable(classOf(obj), name), value);
+}
+
 Class allocateClassPair(Class super, std::string_view name) {
   return ios::handle(objc_allocateClassPair(ios::cls(super), std::string(name).c_str(), 0));
 }

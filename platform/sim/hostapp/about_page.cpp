@@ -1,12 +1,12 @@
-#include "hostapp/about_page.hpp"
+#include "sim/hostapp/about_page.hpp"
 
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/lifetimes.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/lifetimes.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "sys/queue.hpp"
 #include "ui/colors.hpp"
 

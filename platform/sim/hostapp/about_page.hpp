@@ -3,7 +3,7 @@
 // the app's version in the main bundle.
 #pragma once
 
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/types.hpp"
 
 namespace hostapp {

@@ -1,11 +1,11 @@
 // The in-app banner's card: a rounded light-grey label holding two labels, added
 // to the key window over every screen and removed when its time is up.
-#include "hostapp/banner_view.hpp"
+#include "sim/hostapp/banner_view.hpp"
 
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "sys/queue.hpp"
 #include "ui/colors.hpp"
 

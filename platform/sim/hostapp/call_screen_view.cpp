@@ -1,13 +1,13 @@
 // Built of labels, as the banner is: a dark page, the caller's name and the
 // kind of call at the top, the red and green round buttons at the bottom.
-#include "hostapp/call_screen_view.hpp"
+#include "sim/hostapp/call_screen_view.hpp"
 
-#include "hostapp/banner_view.hpp"
+#include "sim/hostapp/banner_view.hpp"
 
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "ui/colors.hpp"
 
 namespace hostapp {

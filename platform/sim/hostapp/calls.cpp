@@ -5,14 +5,14 @@
 // directly. An unanswered call rings for 30 s, then ends and leaves a
 // missed-call message that takes the message paths. VoipCXMgr's end
 // selectors differ between builds.
-#include "hostapp/call_screen_view.hpp"
-#include "hostapp/host_app.hpp"
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/call_screen_view.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/process.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/runtime.hpp"
 #include "sys/queue.hpp"
 
 namespace hostapp {

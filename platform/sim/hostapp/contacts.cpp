@@ -6,14 +6,14 @@
 #include <fstream>
 #include <map>
 
-#include "hostapp/host_app.hpp"
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/process.hpp"
-#include "sim/runtime.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/runtime.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace hostapp {
 namespace {
@@ -66,8 +66,7 @@ Id cached(Id mgr, const std::string& username) {
 }
 
 std::string ivarText(Id c, const char* name) {
-  return rt::asString(rt::ivarObject(c, rt::getInstanceVariable(rt::classOf(c), name)))
-      .value_or("");
+  return rt::asString(rt::ivarNamed(c, name)).value_or("");
 }
 
 // The property's accessor, as the host's contact class declares it.

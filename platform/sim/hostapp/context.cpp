@@ -2,12 +2,12 @@
 // and MMServiceCenter. Services are made on first request, one per class.
 #include <map>
 
-#include "hostapp/host_app.hpp"
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/runtime.hpp"
 
 namespace hostapp {
 namespace {

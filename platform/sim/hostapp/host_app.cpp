@@ -1,15 +1,15 @@
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/runtime.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/runtime.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace hostapp {
 

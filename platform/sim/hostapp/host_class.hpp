@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "hostapp/host_app.hpp"
-#include "sim/class_builder.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/runtime/class_builder.hpp"
 
 namespace hostapp {
 

@@ -2,17 +2,17 @@
 // (MainSessionMgr, MMNewSessionMgr), the list's logic controller and its view
 // controller. The list screen shows what its table
 // view got from its data source at the last reload, as on a phone.
-#include "hostapp/host_app.hpp"
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/foundation.hpp"
-#include "sim/runtime.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/lifetimes.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/foundation/foundation.hpp"
+#include "sim/runtime/runtime.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/runtime/lifetimes.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace hostapp {
 namespace {
@@ -21,13 +21,6 @@ using rt::Id;
 using rt::SEL;
 
 HostModel& model() { return HostApp::current().model; }
-
-Id ivar(Id obj, const char* name) {
-  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
-}
-void setIvar(Id obj, const char* name, Id value) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
-}
 
 Id service(const char* cls) { return hostService(cls); }
 
@@ -39,7 +32,7 @@ const char* sessionNameKey() {
 
 Id makeSession(const std::string& username) {
   Id s = rt::send<Id>(rt::getClass("MMSessionInfo"), "new");
-  setIvar(s, sessionNameKey(), rt::str(username));
+  rt::setIvarNamed(s, sessionNameKey(), rt::str(username));
   return s;
 }
 
@@ -54,7 +47,7 @@ void rebuildSessions(Id mgr) {
                    rt::send<bool>(cls, "canShowInMainFrame:", rt::str(u));
     if (canShow) shown.push_back(makeSession(u));
   }
-  setIvar(mgr, "m_arrNormalSessions", rt::array(shown));
+  rt::setIvarNamed(mgr, "m_arrNormalSessions", rt::array(shown));
 }
 
 // The host's own read of its list, straight from the manager's storage (a
@@ -68,8 +61,8 @@ const std::vector<Id>& mainSessionList() {
     list = rt::array(all);
     return sim::native<sim::ArrayData>(list)->items;
   }
-  if (!ivar(mgr, "m_arrNormalSessions")) rebuildSessions(mgr);
-  return sim::native<sim::ArrayData>(ivar(mgr, "m_arrNormalSessions"))->items;
+  if (!rt::ivarNamed(mgr, "m_arrNormalSessions")) rebuildSessions(mgr);
+  return sim::native<sim::ArrayData>(rt::ivarNamed(mgr, "m_arrNormalSessions"))->items;
 }
 
 void rebuildMainSessions(Id self, SEL) { rebuildSessions(self); }
@@ -87,7 +80,7 @@ bool canShowInMainFrame(Id, SEL, Id) { return true; }
 Id newSessionMgrInit(Id self, SEL) {
   std::vector<Id> all;
   for (const std::string& u : model().sessions) all.push_back(makeSession(u));
-  setIvar(self, "m_arrSessionInfo", rt::mutableArray(all));
+  rt::setIvarNamed(self, "m_arrSessionInfo", rt::mutableArray(all));
   return self;
 }
 
@@ -104,8 +97,8 @@ Id cellDataAt(Id indexPath) {
   Id session = sessionAt(indexPath);
   if (!session) return nullptr;
   Id cell = rt::send<Id>(rt::getClass("MMMainSessionCellData"), "new");
-  setIvar(cell, "m_sessionInfo", session);
-  setIvar(cell, "m_nsUsrName", ivar(session, sessionNameKey()));
+  rt::setIvarNamed(cell, "m_sessionInfo", session);
+  rt::setIvarNamed(cell, "m_nsUsrName", rt::ivarNamed(session, sessionNameKey()));
   return cell;
 }
 
@@ -150,14 +143,14 @@ std::string chatTitle(const std::string& username) {
 // message under it, and the person's avatar.
 Id cellForRow(Id self, SEL, Id, Id ip) {
   Id data = rt::send<Id>(self, "logicGetCellDataAtIndexPath:", ip);
-  std::string name = data ? rt::asString(ivar(data, "m_nsUsrName")).value_or("") : "";
+  std::string name = data ? rt::asString(rt::ivarNamed(data, "m_nsUsrName")).value_or("") : "";
   auto last = model().lastMessages.find(name);
   return sim::makeListCell(name.empty() ? "" : chatTitle(name),
                            last == model().lastMessages.end() ? "" : last->second, data, name);
 }
 void mainViewDidLoad(Id self, SEL) {
   Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
-  setIvar(self, "m_tableView", table);
+  rt::setIvarNamed(self, "m_tableView", table);
   rt::send<void>(table, "setDataSource:", self);
   rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
   rt::send<void>(table, "reloadData");
@@ -165,7 +158,9 @@ void mainViewDidLoad(Id self, SEL) {
 // The host's own appearance methods (they call up to UIKit's).
 void mainViewWillAppear(Id, SEL, bool) {}
 void mainViewDidAppear(Id, SEL, bool) {}
-void reloadSessions(Id self, SEL) { rt::send<void>(ivar(self, "m_tableView"), "reloadData"); }
+void reloadSessions(Id self, SEL) {
+  rt::send<void>(rt::ivarNamed(self, "m_tableView"), "reloadData");
+}
 
 // --- BaseMsgContentViewController: a chat.
 void chatViewDidAppear(Id, SEL, bool) {}
@@ -230,7 +225,7 @@ void HostApp::openChat(const std::string& username) {
   Id nav = rt::send<Id>(tabs_, "selectedViewController");
   popToRoot();
   Id chat = sim::autorelease(rt::send<Id>(cls, "new"));  // owned by the stack it goes on
-  setIvar(chat, "m_nsUsrName", rt::str(username));
+  rt::setIvarNamed(chat, "m_nsUsrName", rt::str(username));
   model.noteRecentChat(username);
   rt::send<void>(nav, "pushViewController:animated:", chat, true);
 }
@@ -250,8 +245,7 @@ void HostApp::popToRoot() {
 namespace {
 std::string rowUsername(Id cell) {
   Id data = sim::representedBy(cell);
-  Id name = data ? rt::ivarObject(data, rt::getInstanceVariable(rt::classOf(data), "m_nsUsrName"))
-                 : nullptr;
+  Id name = rt::ivarNamed(data, "m_nsUsrName");
   return rt::asString(name).value_or("(empty row)");
 }
 }  // namespace
@@ -259,7 +253,7 @@ std::string rowUsername(Id cell) {
 std::vector<std::string> HostApp::mainListShown() const {
   std::vector<std::string> out;
   if (!mainFrame_) return out;
-  Id table = ivar(mainFrame_, "m_tableView");
+  Id table = rt::ivarNamed(mainFrame_, "m_tableView");
   const sim::ViewState* v = table ? sim::viewState(table) : nullptr;
   if (!v) return out;
   for (const auto& section : v->shownRows)
@@ -270,7 +264,7 @@ std::vector<std::string> HostApp::mainListShown() const {
 std::optional<std::vector<std::string>> HostApp::mainListAnswer() const {
   if (!mainFrame_ || !rt::isKindOf(mainFrame_, "NewMainFrameViewController")) return std::nullopt;
   // The controller is its table's data source; asking it leaves the table as it is.
-  Id table = ivar(mainFrame_, "m_tableView");
+  Id table = rt::ivarNamed(mainFrame_, "m_tableView");
   std::vector<std::string> out;
   long sections = rt::send<long>(mainFrame_, "numberOfSectionsInTableView:", table);
   for (long s = 0; s < sections; ++s) {

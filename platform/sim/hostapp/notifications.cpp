@@ -5,16 +5,16 @@
 // local-notification manager's push chain down to a system notification
 // request. A nil or NO answer on the way stops that path, as in the host;
 // a method this build lacks is not called.
-#include "hostapp/banner_view.hpp"
-#include "hostapp/host_app.hpp"
-#include "hostapp/host_class.hpp"
+#include "sim/hostapp/banner_view.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/hostapp/host_class.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/process.hpp"
-#include "sim/runtime.hpp"
-#include "sim/uikit/uikit.hpp"
-#include "sim/user_notifications.hpp"
+#include "sim/runtime/runtime.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
+#include "sim/frameworks/user_notifications.hpp"
 
 namespace hostapp {
 namespace {
@@ -42,17 +42,12 @@ bool responds(Id obj, const char* selector) {
   return obj && rt::respondsTo(obj, rt::sel(selector));
 }
 
-void setIvar(Id obj, const char* name, Id value) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
-}
-
 // --- QuickReplyMsgMgr: the in-app banner.
 bool canShowPushForContact(Id, SEL, Id, Id) { return true; }
 // Not over the chat the message belongs to.
 bool canShowPushAtViewController(Id, SEL, Id controller, Id session) {
   if (!rt::isKindOf(controller, "BaseMsgContentViewController")) return true;
-  Id shown =
-      rt::ivarObject(controller, rt::getInstanceVariable(rt::classOf(controller), "m_nsUsrName"));
+  Id shown = rt::ivarNamed(controller, "m_nsUsrName");
   return !rt::isEqual(shown, session);
 }
 template <typename Int>
@@ -77,7 +72,7 @@ void onNewMsgArriving(Id self, SEL, Id m, Int) {
     return;
   // The banner shows an item that wraps the message.
   Id item = rt::send<Id>(rt::getClass("QuickReplyItem"), "new");
-  rt::setIvarObject(item, rt::getInstanceVariable(rt::classOf(item), "msgWrap"), m);
+  rt::setIvarNamed(item, "msgWrap", m);
   Id banner = hostService("QuickReplyMsgViewController");
   if (responds(banner, "showQuickReplyItem:dismissTimeout:"))
     rt::send<void>(banner, "showQuickReplyItem:dismissTimeout:", item, kQuickReplyTimeout_s);
@@ -91,7 +86,7 @@ bool shouldShowQuickReplyPush(Id, SEL, Id) { return true; }
 void showQuickReplyItem(Id, SEL, Id item, double timeout) {
   if (!item) return;
   notices().banner("in-app");
-  Id m = rt::ivarObject(item, rt::getInstanceVariable(rt::classOf(item), "msgWrap"));
+  Id m = rt::ivarNamed(item, "msgWrap");
   if (const HostMessage* msg = message(m))
     showBannerView(HostApp::current().displayName(msg->from), msg->text, timeout);
 }
@@ -189,13 +184,13 @@ Id makeHostMessage(const std::string& from, const std::string& text, bool call, 
   if (!m) return nullptr;  // a build without the class announces nothing
   HostMessage msg{from, a.model.me, text, call ? kVoipType : kTextType, video};
   bool alt = a.build.hasVariant("message-keys-alt");
-  setIvar(m, alt ? "fromUserName" : "m_nsFromUsr", rt::str(from));
-  setIvar(m, alt ? "toUserName" : "m_nsToUsr", rt::str(a.model.me));
-  setIvar(m, alt ? "content" : "m_nsContent", rt::str(text));
-  setIvar(m, alt ? "msgType" : "m_uiMessageType", rt::number(msg.type));
+  rt::setIvarNamed(m, alt ? "fromUserName" : "m_nsFromUsr", rt::str(from));
+  rt::setIvarNamed(m, alt ? "toUserName" : "m_nsToUsr", rt::str(a.model.me));
+  rt::setIvarNamed(m, alt ? "content" : "m_nsContent", rt::str(text));
+  rt::setIvarNamed(m, alt ? "msgType" : "m_uiMessageType", rt::number(msg.type));
   // The alternative build also names the receiving account, which a probe
   // that skipped the sender keys would take for the sender.
-  if (alt) setIvar(m, "userName", rt::str(a.model.me));
+  if (alt) rt::setIvarNamed(m, "userName", rt::str(a.model.me));
   m->native = msg;
   return m;
 }
@@ -267,7 +262,7 @@ void defineNotificationClasses(HostApp& app) {
 std::string HostApp::openChatUsername() const {
   Id top = sim::topController();
   if (!rt::isKindOf(top, "BaseMsgContentViewController")) return "";
-  Id name = rt::ivarObject(top, rt::getInstanceVariable(rt::classOf(top), "m_nsUsrName"));
+  Id name = rt::ivarNamed(top, "m_nsUsrName");
   return rt::asString(name).value_or("");
 }
 

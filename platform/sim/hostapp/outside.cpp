@@ -5,7 +5,7 @@
 // removes a delivered notification by itself. Variants: `no-donations` leaves
 // nothing with the system; `donate-by-name` names chats by display name where
 // the default build uses the username.
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/foundation.hpp"
 #include "rt/send.hpp"
 #include "sim/process.hpp"
@@ -30,8 +30,8 @@ Id alloc(const char* cls) {
 // A person as the host describes one: by handle when it is the sender, by its
 // own custom identifier when it is a recipient.
 Id person(const std::string& name, const std::string& display, bool asSender) {
-  Id handle = asSender ? rt::send<Id>(alloc("INPersonHandle"), "initWithValue:type:",
-                                      rt::str(name), kHandleUnknown)
+  Id handle = asSender ? rt::send<Id>(alloc("INPersonHandle"), "initWithValue:type:", rt::str(name),
+                                      kHandleUnknown)
                        : nullptr;
   return rt::send<Id>(alloc("INPerson"),
                       "initWithPersonHandle:nameComponents:displayName:image:contactIdentifier:"
@@ -59,11 +59,11 @@ void HostApp::donateMessage(const std::string& chat, const std::string& text, bo
       alloc("INSendMessageIntent"),
       "initWithRecipients:outgoingMessageType:content:speakableGroupName:conversationIdentifier:"
       "serviceName:sender:attachments:",
-      rt::array({person(outgoing ? name : model.me, display, false)}), kOutgoingText,
-      rt::str(text), Id{nullptr}, rt::str(name), Id{nullptr},
-      outgoing ? Id{nullptr} : person(name, display, true), Id{nullptr});
-  Id interaction = rt::send<Id>(alloc("INInteraction"), "initWithIntent:response:", intent,
-                                Id{nullptr});
+      rt::array({person(outgoing ? name : model.me, display, false)}), kOutgoingText, rt::str(text),
+      Id{nullptr}, rt::str(name), Id{nullptr}, outgoing ? Id{nullptr} : person(name, display, true),
+      Id{nullptr});
+  Id interaction =
+      rt::send<Id>(alloc("INInteraction"), "initWithIntent:response:", intent, Id{nullptr});
   rt::send<void>(interaction, "setGroupIdentifier:", rt::str(name));
   rt::send<void>(interaction, "donateInteractionWithCompletion:", Id{nullptr});
 }

@@ -1,10 +1,10 @@
 // The app switcher's picture: what the screen on top showed at the instant the
 // app entered the background, as the system records it for the switcher.
-#include "hostapp/host_app.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/host_app.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/runtime.hpp"
 #include "sim/process.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace hostapp {
 namespace {

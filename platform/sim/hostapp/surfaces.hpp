@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "hostapp/host_app.hpp"
+#include "sim/hostapp/host_app.hpp"
 #include "rt/types.hpp"
 
 namespace hostapp {

@@ -5,14 +5,14 @@
 #include <functional>
 #include <map>
 
-#include "hostapp/host_class.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/host_class.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/runtime.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/runtime.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "ui/colors.hpp"
 
 namespace hostapp {
@@ -116,10 +116,6 @@ void push(HostApp& app, const char* slot, const char* cls,
   screenSlot(slot) = screen;
 }
 
-rt::Id ivarOf(rt::Id obj, const char* name) {
-  return obj ? rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)) : nullptr;
-}
-
 std::vector<std::string> usernames(rt::Id list) {
   std::vector<std::string> out;
   for (rt::Id e : rt::elements(list)) {
@@ -133,8 +129,7 @@ std::vector<std::string> usernames(rt::Id list) {
 
 void openSearch(HostApp& app, const std::string& text) {
   push(app, "search", kSearchScreenClass, [&](rt::Id screen) {
-    rt::Ivar iv = rt::getInstanceVariable(rt::classOf(screen), "m_searchText");
-    rt::setIvarObject(screen, iv, rt::str(text));
+    rt::setIvarNamed(screen, "m_searchText", rt::str(text));
     // Its search bar, in the navigation bar, holding what was typed.
     rt::Id search = rt::send<rt::Id>(rt::getClass("UISearchController"), "new");
     sim::SearchState& field = sim::extra<sim::SearchState>(search);
@@ -153,16 +148,16 @@ bool momentsOpened() { return screenSlot("moments") != nullptr; }
 bool forwardOpened() { return screenSlot("forward") != nullptr; }
 
 std::vector<std::string> searchShown() {
-  return usernames(ivarOf(screenSlot("search"), "m_results"));
+  return usernames(rt::ivarNamed(screenSlot("search"), "m_results"));
 }
 std::vector<std::string> momentsShown() {
-  return usernames(ivarOf(screenSlot("moments"), "m_items"));
+  return usernames(rt::ivarNamed(screenSlot("moments"), "m_items"));
 }
 std::vector<std::string> forwardRowShown() {
-  return usernames(ivarOf(screenSlot("forward"), "m_recentContacts"));
+  return usernames(rt::ivarNamed(screenSlot("forward"), "m_recentContacts"));
 }
 std::vector<std::string> forwardCandidatesShown() {
-  return usernames(ivarOf(screenSlot("forward"), "m_candidates"));
+  return usernames(rt::ivarNamed(screenSlot("forward"), "m_candidates"));
 }
 
 }  // namespace hostapp

@@ -7,15 +7,15 @@
 // at the same time.
 #include <map>
 
-#include "hostapp/host_class.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/host_class.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/lifetimes.hpp"
-#include "sim/runtime.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/runtime/lifetimes.hpp"
+#include "sim/runtime/runtime.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 
 namespace hostapp {
 namespace {
@@ -110,14 +110,7 @@ Id getContactsArrayWith(Id, SEL, unsigned type) {
 
 // --- ContactsViewController
 
-Id ivar(Id obj, const char* name) {
-  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
-}
-void setIvar(Id obj, const char* name, Id value) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
-}
-
-Id logicOf(Id screen) { return ivar(screen, "m_contactsDataLogic"); }
+Id logicOf(Id screen) { return rt::ivarNamed(screen, "m_contactsDataLogic"); }
 
 Id sectionRows(Id screen, long section) {
   Id logic = logicOf(screen);
@@ -154,9 +147,9 @@ Id titleForFooter(Id self, SEL, Id, long section) {
 
 void viewDidLoad(Id self, SEL) {
   if (rt::Class cls = rt::getClass("ContactsDataLogic"))
-    setIvar(self, "m_contactsDataLogic", rt::send<Id>(cls, "new"));
+    rt::setIvarNamed(self, "m_contactsDataLogic", rt::send<Id>(cls, "new"));
   Id table = rt::send<Id>(rt::getClass("UITableView"), "new");
-  setIvar(self, "m_tableView", table);
+  rt::setIvarNamed(self, "m_tableView", table);
   rt::send<void>(table, "setDataSource:", self);
   rt::send<void>(rt::send<Id>(self, "view"), "addSubview:", table);
   rt::send<void>(table, "reloadData");
@@ -184,9 +177,7 @@ void defineContactsScreen(HostApp& app) {
 std::vector<std::string> contactsShown(HostApp& app) {
   std::vector<std::string> out;
   Id screen = app.contactsScreen();
-  Id table =
-      screen ? rt::ivarObject(screen, rt::getInstanceVariable(rt::classOf(screen), "m_tableView"))
-             : nullptr;
+  Id table = rt::ivarNamed(screen, "m_tableView");
   const sim::ViewState* v = table ? sim::viewState(table) : nullptr;
   if (!v) return out;
   for (const auto& section : v->shownRows)

@@ -5,13 +5,13 @@
 // chat when the controller does not filter it and the view accepts it.
 #include <set>
 
-#include "hostapp/host_class.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/host_class.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/lifetimes.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/lifetimes.hpp"
+#include "sim/runtime/runtime.hpp"
 
 namespace hostapp {
 namespace {
@@ -21,12 +21,6 @@ using rt::SEL;
 
 HostModel& model() { return HostApp::current().model; }
 
-Id ivar(Id obj, const char* name) {
-  return obj ? rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name)) : nullptr;
-}
-void setIvar(Id obj, const char* name, Id value) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
-}
 bool responds(Id obj, const char* sel) { return obj && rt::respondsTo(obj, rt::sel(sel)); }
 
 Id recentChatContacts() {
@@ -41,7 +35,7 @@ bool onFilterContactCandidate(Id, SEL, Id contact) { return contact != nullptr; 
 
 // --- RecentForwardScrollView: through its select view when it can.
 Id contactsForRecentForwardMenu(Id self, SEL) {
-  Id selectView = ivar(self, "m_selectView");
+  Id selectView = rt::ivarNamed(self, "m_selectView");
   if (responds(selectView, "recentForwardContacts"))
     return rt::send<Id>(selectView, "recentForwardContacts");
   return recentChatContacts();
@@ -71,7 +65,7 @@ Id newInstance(const char* cls) {
 
 // The row asks through the select view it is wired to.
 Id askRecentRow(Id row, Id selectView) {
-  if (row) setIvar(row, "m_selectView", selectView);
+  if (row) rt::setIvarNamed(row, "m_selectView", selectView);
   return responds(row, "contactsForRecentForwardMenu")
              ? rt::send<Id>(row, "contactsForRecentForwardMenu")
              : nullptr;
@@ -80,10 +74,10 @@ Id askRecentRow(Id row, Id selectView) {
 void selectViewDidLoad(Id self, SEL) {
   Id selectView = newInstance("SessionSelectView");
   Id row = newInstance("RecentForwardScrollView");
-  setIvar(self, "m_selectView", selectView);
-  setIvar(self, "m_recentView", row);
+  rt::setIvarNamed(self, "m_selectView", selectView);
+  rt::setIvarNamed(self, "m_recentView", row);
   Id recent = askRecentRow(row, selectView);
-  setIvar(self, "m_recentContacts", rt::array(rt::elements(recent)));
+  rt::setIvarNamed(self, "m_recentContacts", rt::array(rt::elements(recent)));
   std::vector<Id> offered;
   for (Id c : candidatePool()) {
     bool filtered = responds(self, "onShouldFilterContact:") &&
@@ -92,7 +86,7 @@ void selectViewDidLoad(Id self, SEL) {
                      rt::send<bool>(selectView, "onFilterContactCandidate:", c);
     if (!filtered && candidate) offered.push_back(c);
   }
-  setIvar(self, "m_candidates", rt::array(offered));
+  rt::setIvarNamed(self, "m_candidates", rt::array(offered));
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 // asks for the count and then for each item, top to bottom.
 #include <map>
 
-#include "hostapp/host_class.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/host_class.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/runtime.hpp"
 
 namespace hostapp {
 namespace {
@@ -18,13 +18,7 @@ using rt::SEL;
 
 HostModel& model() { return HostApp::current().model; }
 
-void setIvar(Id obj, const char* name, Id value) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
-}
-
-Id itemUsername(Id self, SEL) {
-  return rt::ivarObject(self, rt::getInstanceVariable(rt::classOf(self), "username"));
-}
+Id itemUsername(Id self, SEL) { return rt::ivarNamed(self, "username"); }
 
 // One item object per timeline entry for the life of the process.
 struct TimelineCache {
@@ -42,8 +36,8 @@ Id getTimelineDataItemOfIndex(Id self, SEL, long index) {
   Id& item = sim::native<TimelineCache>(self)->items[m.serial];
   if (!item) {
     item = rt::send<Id>(cls, "new");
-    setIvar(item, "username", rt::str(m.username));
-    setIvar(item, "contentDesc", rt::str(m.text));
+    rt::setIvarNamed(item, "username", rt::str(m.username));
+    rt::setIvarNamed(item, "contentDesc", rt::str(m.text));
   }
   return item;
 }
@@ -62,7 +56,9 @@ std::vector<Id> timelineItems() {
   return shown;
 }
 
-void timelineViewDidLoad(Id self, SEL) { setIvar(self, "m_items", rt::array(timelineItems())); }
+void timelineViewDidLoad(Id self, SEL) {
+  rt::setIvarNamed(self, "m_items", rt::array(timelineItems()));
+}
 
 }  // namespace
 

@@ -7,25 +7,18 @@
 #include <map>
 #include <set>
 
-#include "hostapp/host_class.hpp"
-#include "hostapp/surfaces.hpp"
+#include "sim/hostapp/host_class.hpp"
+#include "sim/hostapp/surfaces.hpp"
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
-#include "sim/runtime.hpp"
+#include "sim/runtime/runtime.hpp"
 
 namespace hostapp {
 namespace {
 
 using rt::Id;
 using rt::SEL;
-
-Id ivar(Id obj, const char* name) {
-  return rt::ivarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name));
-}
-void setIvar(Id obj, const char* name, Id value) {
-  rt::setIvarObject(obj, rt::getInstanceVariable(rt::classOf(obj), name), value);
-}
 
 HostModel& model() { return HostApp::current().model; }
 
@@ -37,15 +30,15 @@ bool matches(Id contact, const std::string& text) {
 // --- ContactTagSearchFromContactLogic: the "contact" section of its
 // m_dicSearchResult holds the matching friends.
 void fillSectionResultForDicSearchResult(Id self, SEL) {
-  std::string text = rt::asString(ivar(self, "m_searchText")).value_or("");
+  std::string text = rt::asString(rt::ivarNamed(self, "m_searchText")).value_or("");
   std::vector<Id> found;
   for (const Friend& f : model().friends) {
     Id c = hostContact(f.username);
     if (matchesSearch(f, c, text)) found.push_back(c);
   }
   sortInContactsOrder(found);
-  setIvar(self, "m_dicSearchResult",
-          rt::mutableDictionary({{rt::str("contact"), rt::mutableArray(found)}}));
+  rt::setIvarNamed(self, "m_dicSearchResult",
+                   rt::mutableDictionary({{rt::str("contact"), rt::mutableArray(found)}}));
 }
 
 // --- FTSContactDataProvider: every friend, by section key. A mutable
@@ -67,10 +60,10 @@ std::vector<Id> fromContactLogic(const std::string& text) {
   rt::Class cls = rt::getClass("ContactTagSearchFromContactLogic");
   if (!cls) return {};
   Id logic = rt::send<Id>(cls, "new");
-  setIvar(logic, "m_searchText", rt::str(text));
+  rt::setIvarNamed(logic, "m_searchText", rt::str(text));
   if (rt::respondsTo(logic, rt::sel("fillSectionResultForDicSearchResult")))
     rt::send<void>(logic, "fillSectionResultForDicSearchResult");
-  Id dict = ivar(logic, "m_dicSearchResult");
+  Id dict = rt::ivarNamed(logic, "m_dicSearchResult");
   if (!rt::isDictionary(dict)) return {};
   // The screen orders the logic's own mutable list in place: handed back
   // immutable, it raises, as it would on a phone.
@@ -115,8 +108,8 @@ std::vector<Id> searchResults(const std::string& text) {
 }
 
 void searchViewDidLoad(Id self, SEL) {
-  std::string text = rt::asString(ivar(self, "m_searchText")).value_or("");
-  setIvar(self, "m_results", rt::array(searchResults(text)));
+  std::string text = rt::asString(rt::ivarNamed(self, "m_searchText")).value_or("");
+  rt::setIvarNamed(self, "m_results", rt::array(searchResults(text)));
 }
 
 }  // namespace

@@ -14,10 +14,10 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/process.hpp"
-#include "sim/uikit/interaction.hpp"
-#include "sim/uikit/layout.hpp"
-#include "sim/uikit/tables.hpp"
-#include "sim/uikit/uikit.hpp"
+#include "sim/frameworks/uikit/interaction.hpp"
+#include "sim/frameworks/uikit/layout.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
+#include "sim/frameworks/uikit/uikit.hpp"
 #include "ui/colors.hpp"
 
 namespace sim::picture {

@@ -9,8 +9,8 @@
 #include "base/utf8.hpp"
 #include "sim/picture/canvas.hpp"
 #include "sim/picture/palette.hpp"
-#include "sim/uikit/layout.hpp"
-#include "sim/uikit/tables.hpp"
+#include "sim/frameworks/uikit/layout.hpp"
+#include "sim/frameworks/uikit/tables.hpp"
 #include "ui/colors.hpp"
 
 namespace sim::picture {

@@ -1,0 +1,147 @@
+// A simulated device: what outlives one run of the app. Its virtual clock,
+// the app container on disk, the log, the locale, the seeded random source,
+// the named fault options, and what the system keeps about the app outside
+// it. Processes come and go on it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <map>
+#include <optional>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "sim/device/notices.hpp"
+#include "sim/device/system_records.hpp"
+#include "sys/files.hpp"
+
+namespace sim {
+
+struct LogLine {
+  double elapsed = 0;   // device seconds when it was written
+  int secondOfDay = 0;  // local wall-clock time then
+  double fraction = 0;  // sub-second part, for printing
+  std::string text;
+  // The line as a phone's persistent log keeps it: private arguments (the
+  // usernames) redacted as "<private>".
+  std::string kept;
+};
+
+enum class Biometrics { FaceID, TouchID, None };
+enum class MotionSensors { Full, Accelerometer, None };
+
+struct DeviceOptions {
+  // The app container; empty makes a fresh temporary one, removed with the device.
+  std::string container;
+  std::uint64_t seed = 1;
+  std::string locale = "zh_CN";
+};
+
+// Fault options. Each is named, off by default, and switched on per test.
+struct Faults {
+  // The next settings-style atomic write "crashes" after writing its temporary
+  // file and before the rename.
+  bool crashBeforeRename = false;
+  // The app container can be read but not changed: creating, writing and
+  // moving fail with EROFS, as on a read-only volume.
+  bool readOnlyContainer = false;
+};
+
+class Device {
+ public:
+  explicit Device(DeviceOptions options = {});
+  ~Device();
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  // --- Virtual time. Nothing sleeps: time moves only when told to.
+  double elapsed() const { return elapsed_; }
+  void setElapsed(double t) { elapsed_ = t; }
+  // Monotonic, since boot (the device booted a while before the app starts,
+  // as a phone has).
+  double mediaTime() const { return kBootUptime + elapsed_; }
+  // Seconds since 2001-01-01 00:00 UTC; local time is UTC on this device.
+  double absoluteTime() const;
+  // Local seconds since midnight.
+  double localSecondOfDay() const;
+  // Sets the wall clock to HH:MM:00 today; the monotonic clock is untouched.
+  void setLocalTime(int hour, int minute);
+
+  // --- The container.
+  const std::string& containerPath() const { return container_; }
+  std::string documentsPath() const { return container_ + "/Documents"; }
+
+  // --- The log every NSLog line reaches.
+  // A line whose parts are public and private in turn (the first public).
+  void writeLog(const std::vector<std::string>& segments);
+  void writeLog(std::string line) { writeLog(std::vector<std::string>{std::move(line)}); }
+  const std::vector<LogLine>& log() const { return log_; }
+  void setLogListener(std::function<void(const LogLine&)> listener) {
+    logListener_ = std::move(listener);
+  }
+
+  const std::string& locale() const { return options_.locale; }
+  std::mt19937_64& random() { return random_; }
+  std::uint64_t seed() const { return options_.seed; }
+  Faults& faults() { return faults_; }
+  // The items marked to stay out of the phone's backups (the resource value
+  // lives with the item on a phone; here, by path).
+  void excludeFromBackup(const std::string& path) {
+    std::lock_guard lock(logMutex_);
+    backupExcluded_.insert(path);
+  }
+  bool excludedFromBackup(const std::string& path) const {
+    std::lock_guard lock(logMutex_);
+    return backupExcluded_.count(path) != 0;
+  }
+
+  // --- What the user saw, heard and felt of each message and call.
+  Notices& notices() { return notices_; }
+  // --- What the system keeps about the app outside it (lock screen,
+  // suggestions, search).
+  SystemRecords& records() { return records_; }
+
+  // --- Data protection. Locked since a restart (`device locked`), no file of
+  // the container can be read or written with a protection class, whatever
+  // the class; only what was written without protection can be read, until
+  // the first unlock. Files from before this device object (a container on
+  // disk) count as protected, as the host's own files are.
+  bool lockedSinceRestart() const;
+  void setLockedSinceRestart(bool locked);
+  // Records the class the file at `path` was last written with.
+  void noteProtection(const std::string& path, sys::FileProtection protection);
+  void noteMoved(const std::string& from, const std::string& to);
+  // The class the file at `path` was last written with on this device.
+  std::optional<sys::FileProtection> protectionOf(const std::string& path) const;
+  // Whether the file at `path` may be read now.
+  bool mayRead(const std::string& path) const;
+
+  // --- Hardware.
+  Biometrics biometrics = Biometrics::FaceID;
+  MotionSensors motion = MotionSensors::Full;
+
+  static constexpr double kBootUptime = 86400.0 * 3 + 1234.5;
+
+ private:
+  DeviceOptions options_;
+  std::string container_;
+  bool ownsContainer_ = false;
+  double elapsed_ = 0;
+  double wallOffset_;            // absolute time at elapsed 0
+  mutable std::mutex logMutex_;  // lines may come from any thread
+  std::vector<LogLine> log_;
+  std::function<void(const LogLine&)> logListener_;
+  std::mt19937_64 random_;
+  Faults faults_;
+  std::set<std::string> backupExcluded_;
+  mutable std::mutex protectionMutex_;  // files may be read from any thread
+  bool lockedSinceRestart_ = false;
+  std::map<std::string, sys::FileProtection> protection_;
+  Notices notices_;
+  SystemRecords records_;
+};
+
+}  // namespace sim

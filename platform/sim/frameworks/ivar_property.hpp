@@ -1,0 +1,19 @@
+// A framework class's property kept in an instance variable of the same name
+// with a leading underscore (`_title` behind `title` and `setTitle:`), the
+// way the simulated system frameworks declare their value classes.
+#pragma once
+
+#include "rt/runtime.hpp"
+
+namespace sim {
+
+template <const char* Name>
+rt::Id ivarProperty(rt::Id self, rt::SEL) {
+  return rt::ivarNamed(self, Name);
+}
+template <const char* Name>
+void setIvarProperty(rt::Id self, rt::SEL, rt::Id v) {
+  rt::setIvarNamed(self, Name, v);
+}
+
+}  // namespace sim
