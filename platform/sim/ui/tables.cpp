@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "rt/exception.hpp"
+#include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
 #include "rt/send.hpp"
 #include "sim/frameworks/uikit/tables.hpp"
