@@ -14,7 +14,7 @@ set(QUENBY_ARM64_LIBC_INCLUDE /usr/aarch64-linux-gnu/include CACHE PATH "glibc a
 # The Apple target predefines the nullability keywords that glibc uses as
 # attribute macros; they are taken back for the check.
 set(quenby_flags
-  "-nostdinc++ -nostdinc -isystem ${QUENBY_LIBCXX_INCLUDE} -isystem ${quenby_resource_dir}/include"
+  "${QUENBY_TARGET_FLAGS} -nostdinc++ -nostdinc -isystem ${QUENBY_LIBCXX_INCLUDE} -isystem ${quenby_resource_dir}/include"
   "-isystem ${QUENBY_ARM64_LIBC_INCLUDE} -U__nonnull -U__nullable -U__null_unspecified -D_GNU_SOURCE")
 string(JOIN " " quenby_flags ${quenby_flags})
 set(CMAKE_CXX_FLAGS_INIT "${quenby_flags}")

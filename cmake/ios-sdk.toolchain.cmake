@@ -17,10 +17,11 @@ if(QUENBY_IOS_SDK AND EXISTS "${quenby_sdk_settings}" AND EXISTS "${QUENBY_IOS_S
   string(JSON quenby_sdk_name ERROR_VARIABLE quenby_json_error GET "${quenby_sdk_json}" CanonicalName)
   string(JSON QUENBY_IOS_SDK_VERSION ERROR_VARIABLE quenby_json_error GET "${quenby_sdk_json}" Version)
 endif()
+# The leading space keeps CMake from wrapping the line.
 if(NOT quenby_sdk_name MATCHES "^iphoneos[0-9]")
-  message(FATAL_ERROR "QUENBY_IOS_SDK='${QUENBY_IOS_SDK}': expected an iPhoneOS SDK folder (iPhoneOS<version>.sdk, holding SDKSettings.json and usr/lib/libSystem.tbd)")
+  message(FATAL_ERROR " QUENBY_IOS_SDK='${QUENBY_IOS_SDK}' is not an iPhoneOS SDK: expected a folder iPhoneOS<version>.sdk holding SDKSettings.json (CanonicalName iphoneos...) and usr/lib/libSystem.tbd")
 endif()
 
-set(quenby_flags "-isysroot \"${QUENBY_IOS_SDK}\" -nostdinc++ -isystem \"${QUENBY_IOS_SDK}/usr/include/c++/v1\"")
+set(quenby_flags "${QUENBY_TARGET_FLAGS} -isysroot \"${QUENBY_IOS_SDK}\" -nostdinc++ -isystem \"${QUENBY_IOS_SDK}/usr/include/c++/v1\"")
 set(CMAKE_CXX_FLAGS_INIT "${quenby_flags}")
 set(CMAKE_OBJCXX_FLAGS_INIT "${quenby_flags}")

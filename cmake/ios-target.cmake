@@ -10,3 +10,6 @@ set(CMAKE_CXX_COMPILER ${QUENBY_CLANGXX})
 set(CMAKE_OBJCXX_COMPILER ${QUENBY_CLANGXX})
 set(CMAKE_CXX_COMPILER_TARGET arm64-apple-ios14.0)
 set(CMAKE_OBJCXX_COMPILER_TARGET arm64-apple-ios14.0)
+# libc++, as on Apple's platforms: Debian's clang otherwise sets Objective-C++
+# ARC up for libstdc++.
+set(QUENBY_TARGET_FLAGS "-stdlib=libc++")
