@@ -5,11 +5,15 @@
 # install name, the linker's signature kept, iOS 14 as its minimum, and the
 # libraries it loads: the product's frameworks and the system's libraries,
 # nothing else). No package without an identifier, none for one that is not.
-# Usage: package_test.sh SOURCE_ROOT DYLIB FRAMEWORK...
+# Side-loading into an unpacked app whose executable is EXECUTABLE: the
+# executable loads the dylib from the app's Frameworks folder, where it is;
+# an app whose executable is not Mach-O is refused and left as it was.
+# Usage: package_test.sh SOURCE_ROOT DYLIB EXECUTABLE FRAMEWORK...
 set -uo pipefail
 root=$1
 dylib=$2
-shift 2
+executable=$3
+shift 3
 frameworks=("$@")
 script="$root/scripts/package-ios.sh"
 objdump=${QB_OBJDUMP:-llvm-objdump-14}
@@ -72,6 +76,19 @@ PY
 
 check_package rootful "" iphoneos-arm
 check_package rootless "var/jb/" iphoneos-arm64
+
+app="$work/Host.app"
+mkdir -p "$app"
+cp "$executable" "$app/Host"
+python3 -c 'import plistlib, sys; plistlib.dump({"CFBundleExecutable": "Host"}, open(sys.argv[1], "wb"))' "$app/Info.plist"
+"$script" sideload --app "$app" --dylib "$dylib" >"$work/sideload.log" 2>&1 || { cat "$work/sideload.log"; fail "side-loading failed"; }
+"$objdump" --macho --dylibs-used "$app/Host" | grep -qF "@executable_path/Frameworks/libquenby.dylib" ||
+  fail "the side-loaded executable does not load the dylib"
+cmp -s "$dylib" "$app/Frameworks/libquenby.dylib" || fail "the dylib is not in the app's Frameworks folder"
+echo "not an executable" >"$app/Host"
+rm -r "$app/Frameworks"
+if "$script" sideload --app "$app" --dylib "$dylib" >/dev/null 2>&1; then fail "side-loaded into a non-Mach-O executable"; fi
+[ ! -e "$app/Frameworks" ] && [ "$(cat "$app/Host")" = "not an executable" ] || fail "a refused side-load changed the app"
 
 if "$script" deb --dylib "$dylib" --out "$work/c" >/dev/null 2>&1; then fail "packaged without a bundle id"; fi
 if "$script" deb --bundle-id 'a</string><string>b' --dylib "$dylib" --out "$work/d" >/dev/null 2>&1; then
