@@ -30,11 +30,6 @@ LIBRARIES = {
 }
 # Header folders that are not frameworks; the rest are, by their name.
 FOLDER_LIBRARY = {"objc": "libobjc", "dispatch": "libSystem", "os": "libSystem"}
-# Re-exported as Apple's stubs have it: Foundation brings CoreFoundation and
-# the runtime.
-REEXPORTS = {"Foundation": ["CoreFoundation", "libobjc"]}
-# Declared in Foundation's header, exported by the runtime.
-CLASS_LIBRARY = {"NSObject": "libobjc"}
 # Defined by the linker in every image, exported by no library.
 LINKER_DEFINED = {"___dso_handle"}
 OBJC_CLASS = "_OBJC_CLASS_$_"
@@ -66,8 +61,6 @@ def collect(declarations):
     def add(library, name, where):
         if name in LINKER_DEFINED:
             return
-        if name.startswith(("_OBJC_CLASS_$_", "_OBJC_METACLASS_$_")):
-            library = CLASS_LIBRARY.get(name.split("$_", 1)[1], library)
         if owner.get(name, library) != library:
             fail(f"{name} ({where}) is already exported by {owner[name]}")
         owner[name] = library
@@ -105,15 +98,11 @@ def quoted(names):
     return ", ".join("'" + n + "'" for n in sorted(names))
 
 
-def stub_text(install_name, names, reexports):
+def stub_text(install_name, names):
     classes = {n[len(OBJC_CLASS):] for n in names if n.startswith(OBJC_CLASS)}
     plain = {n for n in names if not n.startswith(("_OBJC_CLASS_$_", "_OBJC_METACLASS_$_"))}
     lines = ["--- !tapi-tbd", "tbd-version:     4", "targets:         [ arm64-ios ]",
-             f"install-name:    '{install_name}'"]
-    if reexports:
-        lines += ["reexported-libraries:", "  - targets:         [ arm64-ios ]",
-                  f"    libraries:       [ {quoted(reexports)} ]"]
-    lines += ["exports:", "  - targets:         [ arm64-ios ]"]
+             f"install-name:    '{install_name}'", "exports:", "  - targets:         [ arm64-ios ]"]
     if plain:
         lines.append(f"    symbols:         [ {quoted(plain)} ]")
     if classes:
@@ -140,8 +129,7 @@ def main():
         stub, aliases, install_name = stub_place(library)
         path = args.out / stub
         path.parent.mkdir(parents=True, exist_ok=True)
-        reexports = [stub_place(r)[2] for r in REEXPORTS.get(library, [])]
-        path.write_text(stub_text(install_name, names, reexports))
+        path.write_text(stub_text(install_name, names))
         for alias in aliases:
             (args.out / alias).symlink_to(path.name)
     (args.out / "SDKSettings.json").write_text(json.dumps(
