@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Set-up, build, and the whole test suite: unit tests, scenario scripts and a
 # bounded fuzz run; then the concurrency tests again under ThreadSanitizer;
-# then the iOS backend's check build and its dylib test.
+# then the iOS backend's check build and its tests (dylib, link, packages, load-command tool).
 # With CI=true warnings are errors.
 set -euo pipefail
 cd "$(dirname "$0")/.."
