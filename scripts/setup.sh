@@ -12,8 +12,12 @@ packages=(
   libcairo2-dev libpango1.0-dev fonts-noto-cjk
   # The simulator's REPL: line editing, history and completion.
   libedit-dev
-  # The iOS check build: ld64.lld, libc++'s headers, glibc's arm64 headers.
-  lld-14 libc++-14-dev libc++abi-14-dev libc6-dev-arm64-cross file
+  # The iOS check build: ld64.lld, libc++'s headers, glibc's arm64 headers,
+  # llvm-nm/-objdump/-lipo to read the Mach-O files.
+  lld-14 llvm-14 libc++-14-dev libc++abi-14-dev libc6-dev-arm64-cross file
+  # The iOS package and side-loading tests: dpkg-deb, and the load-command
+  # tool's Mach-O library.
+  dpkg python3-macholib
 )
 
 missing=()

@@ -124,6 +124,17 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 - (id)objectForInfoDictionaryKey:(NSString *)key;
 @end
 
+typedef struct {
+  NSInteger majorVersion;
+  NSInteger minorVersion;
+  NSInteger patchVersion;
+} NSOperatingSystemVersion;
+
+@interface NSProcessInfo : NSObject
+@property (class, readonly, strong) NSProcessInfo *processInfo;
+- (BOOL)isOperatingSystemAtLeastVersion:(NSOperatingSystemVersion)version;
+@end
+
 @interface NSDate : NSObject <NSCopying>
 + (instancetype)date;
 + (instancetype)dateWithTimeIntervalSinceReferenceDate:(NSTimeInterval)ti;
