@@ -86,14 +86,16 @@ void Device::takeBackup() {
       continue;
     }
     BackupItem item{relative};
-    if (it->is_directory(ec)) {
+    if (it->is_symlink(ec)) {
+      continue;  // links, FIFOs and sockets are not backed up
+    } else if (it->is_directory(ec)) {
       item.folder = true;
-    } else if (it->is_regular_file(ec) && !it->is_symlink(ec)) {
+    } else if (it->is_regular_file(ec)) {
       std::ifstream in(it->path(), std::ios::binary);
       item.bytes.assign(std::istreambuf_iterator<char>(in), {});
       item.protection = protectionOf(it->path().string());
     } else {
-      continue;  // links, FIFOs and sockets are not backed up
+      continue;
     }
     items.push_back(std::move(item));
   }
@@ -104,7 +106,9 @@ bool Device::restoreBackup() {
   namespace fs = std::filesystem;
   if (!backup_) return false;
   std::error_code ec;
-  for (const auto& entry : fs::directory_iterator(container_, ec)) fs::remove_all(entry.path(), ec);
+  std::vector<fs::path> wiped;
+  for (const auto& entry : fs::directory_iterator(container_, ec)) wiped.push_back(entry.path());
+  for (const fs::path& p : wiped) fs::remove_all(p, ec);
   {
     std::lock_guard lock(logMutex_);
     backupExcluded_.clear();

@@ -5,6 +5,7 @@
 #include "core/config.hpp"
 #include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
+#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/send.hpp"

