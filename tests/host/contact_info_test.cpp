@@ -121,6 +121,10 @@ TEST_F(ContactDirectory, TheListTakesTheDatabasesNameTheRecordOnlyABetterOne) {
   rt::setImplementation(fromDB, reinterpret_cast<rt::IMP>(databaseRecord));
   EXPECT_EQ(listed("nameless").remark, "from the database");
   EXPECT_EQ(listed("nameless").displayName, "from the database");
+  // A nickname that is just the username is no name: the database is asked.
+  EXPECT_EQ(listed("item2").remark, "from the database");
+  EXPECT_EQ(listed("item2").nickname, "item2");
+  EXPECT_EQ(QBContactInfo::infoForUsername("item2").remark, "from the database");
   rt::setImplementation(fromDB, reinterpret_cast<rt::IMP>(emptyDatabaseRecord));
   EXPECT_EQ(QBContactInfo::infoForUsername("wxid_zed").displayName, "zed_alias");
   EXPECT_EQ(listed("wxid_zed").displayName, "wxid_zed");

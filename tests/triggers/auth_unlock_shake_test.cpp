@@ -466,6 +466,12 @@ TEST_F(Triggers, AShakeDoesNothingInScheduleModeOrWithoutSecrets) {
   process->runDue();
   EXPECT_EQ(alert(), nullptr);
   EXPECT_EQ(countLog("[QB] show auth"), 0);
+  // Ignored outright: the next shake in manual mode is not held back by it.
+  c.setUnlocked(true);
+  c.setVisibilityControlMode(0);
+  wait(0.3);
+  QBShakeHooks::handleShake();
+  EXPECT_FALSE(c.unlocked());
 }
 
 // A phone without motion sensors: the shake is simply never heard, and the
