@@ -8,6 +8,7 @@
 #include <any>
 #include <functional>
 #include <map>
+#include <optional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -29,6 +30,9 @@ enum class AppState { NotLaunched, Active, Inactive, Background };
 struct PlatformState {
   std::function<void(bool)> biometricReply;  // set while the prompt is up
   std::string biometricReason;
+  // The prompt's fallback button title as last asked for ("" removes the
+  // button); unset until a prompt is shown.
+  std::optional<std::string> biometricFallbackTitle;
   std::function<void(double x, double y, double z)> motionHandler;
   bool motionFromAccelerometer = false;
   double motionInterval = 0;

@@ -33,6 +33,20 @@ long inRange(long v, unsigned long max) { return static_cast<unsigned long>(v) <
 
 bool hasKey(const base::Value& root, const char* key) { return root.find(key) != nullptr; }
 
+std::optional<GateRecord> readGate() {
+  sys::PlistFile file = sys::readPropertyListFile(gateFilePath());
+  return file.status == sys::ReadStatus::Read ? gateFromValue(file.value) : std::nullopt;
+}
+
+// Writes `record` unless the file already holds it.
+void storeGate(const GateRecord& record, const std::optional<GateRecord>& old) {
+  if (old && *old == record) return;
+  std::string error;
+  if (!sys::writePropertyList(gateFilePath(), gateValue(record), sys::PlistFormat::Xml, &error,
+                              sys::FileProtection::None))
+    sys::log("[QB] gate save failed: %@", error);
+}
+
 }  // namespace
 
 QBConfig& QBConfig::shared() {
@@ -47,8 +61,6 @@ QBConfig& QBConfig::shared() {
 std::string QBConfig::configURL() {
   std::string folder = sys::documentsDirectory() + "/Quenby";
   sys::createDirectories(folder);
-  // The secret list has no business in a backup another device may restore.
-  sys::excludeFromBackup(folder);
   return folder + "/config.plist";
 }
 
@@ -73,62 +85,64 @@ void QBConfig::setDailyWindowsField(DailyWindows v) {
 }
 
 void QBConfig::load() {
-  std::string path = configURL();
-  if (applyFile(path, sys::readPropertyListFile(path))) return;
-  // Closed until the first unlock: not damaged, so neither kept aside nor
-  // replaced. Until it is read, the gating knows the secrets by their hashes.
-  applySettings(base::Value());
-  applyGate();
-  waitingForFile_ = true;
-  sys::log("[QB] config protected until first unlock");
+  {
+    std::lock_guard lock(lock_);
+    std::string path = configURL();
+    if (applyFileLocked(path, sys::readPropertyListFile(path))) return;
+    // Closed until the first unlock: not damaged, so neither kept aside nor
+    // replaced. Until it is read, the gating knows the secrets by their hashes.
+    applySettingsLocked(base::Value());
+    applyGateLocked();
+    waitingForFile_ = true;
+    sys::log("[QB] config protected until first unlock");
+  }
+  // Outside the lock: the centre may call its observers under a lock of its own.
   unlockObserver_ =
       sys::addObserver(sys::kProtectedDataDidBecomeAvailable, [this](const sys::Notification&) {
         readAfterUnlock();
       }).id;
 }
 
-bool QBConfig::applyFile(const std::string& path, const sys::PlistFile& file) {
+bool QBConfig::applyFileLocked(const std::string& path, const sys::PlistFile& file) {
   if (file.status == sys::ReadStatus::NotYetReadable) return false;
   bool usable = file.status == sys::ReadStatus::Read && file.value.isDictionary();
   if (file.status != sys::ReadStatus::Missing && !usable) {
     std::string error;
-    if (!moveUnusableAside(path, true, &error))
+    if (!moveUnusableAsideLocked(path, true, &error))
       sys::log("[QB] config unreadable, left in place: %@", error);
   }
-  applySettings(usable ? file.value : base::Value());
+  applySettingsLocked(usable ? file.value : base::Value());
   // A file from before the gate file existed gets one now, so a restart
   // before the next save still gates.
-  if (usable) writeGate();
+  if (usable) writeGateLocked();
   return true;
 }
 
-void QBConfig::applyGate() {
-  sys::PlistFile file = sys::readPropertyListFile(gateFilePath());
-  std::optional<GateRecord> gate =
-      file.status == sys::ReadStatus::Read ? gateFromValue(file.value) : std::nullopt;
+void QBConfig::applyGateLocked() {
+  std::optional<GateRecord> gate = readGate();
   if (!gate) return;  // nothing known: every default
   secretNotifyMode_ = gate->notifyMode;
   backgroundNotify_ = gate->notifyMode != 0;
   voipVoice_ = gate->voipVoice;
   voipVideo_ = gate->voipVideo;
-  std::lock_guard lock(lock_);
   gateSalt_ = gate->salt;
   gateHashes_ = std::move(gate->hashes);
   gateAnswers_.clear();
 }
 
 void QBConfig::readAfterUnlock() {
-  if (!waitingForFile_) return;
-  std::string path = configURL();
-  // The transient state is the running process's, not the file's.
-  bool wasUnlocked = unlocked_, autoLock = suppressAutoLock_, sessionApply = suppressSessionApply_;
-  if (!applyFile(path, sys::readPropertyListFile(path))) return;
-  unlocked_ = wasUnlocked;
-  suppressAutoLock_ = autoLock;
-  suppressSessionApply_ = sessionApply;
   {
-    // Together, so a reader on another thread never sees an empty gate as the answer.
     std::lock_guard lock(lock_);
+    if (!waitingForFile_) return;
+    std::string path = configURL();
+    // The transient state is the running process's, not the file's.
+    bool wasUnlocked = unlocked_, autoLock = suppressAutoLock_,
+         sessionApply = suppressSessionApply_;
+    if (!applyFileLocked(path, sys::readPropertyListFile(path))) return;
+    unlocked_ = wasUnlocked;
+    suppressAutoLock_ = autoLock;
+    suppressSessionApply_ = sessionApply;
+    // Together, so a reader on another thread never sees an empty gate as the answer.
     waitingForFile_ = false;
     gateHashes_.clear();
     gateAnswers_.clear();
@@ -138,38 +152,50 @@ void QBConfig::readAfterUnlock() {
   requestVisibilitySync();
 }
 
-void QBConfig::writeGate() {
+GateRecord QBConfig::gateRecordLocked(const std::optional<GateRecord>& old) {
   GateRecord record;
   record.notifyMode = secretNotifyMode();
   record.voipVoice = voipVoiceNotifyEnabled();
   record.voipVideo = voipVideoNotifyEnabled();
-  std::string path = gateFilePath();
-  sys::PlistFile onDisk = sys::readPropertyListFile(path);
-  std::optional<GateRecord> old =
-      onDisk.status == sys::ReadStatus::Read ? gateFromValue(onDisk.value) : std::nullopt;
-  {
-    std::lock_guard lock(lock_);
-    if (gateSalt_.empty()) gateSalt_ = old ? old->salt : newGateSalt();
-    record.salt = gateSalt_;
-    for (const std::string& name : secrets_) record.hashes.insert(gateHash(gateSalt_, name));
-  }
-  if (old && *old == record) return;
-  std::string error;
-  if (!sys::writePropertyList(path, gateValue(record), sys::PlistFormat::Xml, &error,
-                              sys::FileProtection::None))
-    sys::log("[QB] gate save failed: %@", error);
+  if (gateSalt_.empty()) gateSalt_ = old ? old->salt : newGateSalt();
+  record.salt = gateSalt_;
+  for (const std::string& name : secrets_) record.hashes.insert(gateHash(gateSalt_, name));
+  return record;
 }
 
-bool QBConfig::moveUnusableAside(const std::string& path, bool found, std::string* error) {
-  std::lock_guard lock(lock_);
+void QBConfig::writeGate() {
+  std::optional<GateRecord> old = readGate();
+  GateRecord record;
+  {
+    std::lock_guard lock(lock_);
+    record = gateRecordLocked(old);
+  }
+  storeGate(record, old);
+}
+
+void QBConfig::writeGateLocked() {
+  std::optional<GateRecord> old = readGate();
+  storeGate(gateRecordLocked(old), old);
+}
+
+bool QBConfig::moveUnusableAsideLocked(const std::string& path, bool found, std::string* error) {
   unusableInPlace_ = (unusableInPlace_ || found) && !keepAside(path, error);
   return !unusableInPlace_;
 }
 
+bool QBConfig::moveUnusableAside(const std::string& path, bool found, std::string* error) {
+  std::lock_guard lock(lock_);
+  return moveUnusableAsideLocked(path, found, error);
+}
+
 void QBConfig::applySettings(const base::Value& file) {
+  std::lock_guard lock(lock_);
+  applySettingsLocked(file);
+}
+
+void QBConfig::applySettingsLocked(const base::Value& file) {
   static const base::Value kEmpty{base::Dictionary{}};
   const base::Value& root = file.isDictionary() ? file : kEmpty;
-  std::lock_guard lock(lock_);
 
   const base::Value* pw = root.find("password");
   password_ = pw && pw->isString() ? *pw->asString() : kDefaultPassword;

@@ -16,6 +16,7 @@
 
 #include "base/value.hpp"
 #include "core/daily_window.hpp"
+#include "core/gate_file.hpp"
 #include "sys/files.hpp"
 
 namespace core {
@@ -136,20 +137,29 @@ class QBConfig {
   void notifyStateChangedDeferred();
 
  private:
+  // The *Locked members expect lock_ held by the caller; load holds it
+  // throughout, save only around what it reads or changes.
   // Sets aside the unusable file at `path` when one was `found` now or is
   // still in place from before. False, with `error`, while it is in place.
   bool moveUnusableAside(const std::string& path, bool found, std::string* error);
+  bool moveUnusableAsideLocked(const std::string& path, bool found, std::string* error);
+  void applySettingsLocked(const base::Value& root);
   // load's steps once the file's status is known; false when it is still
   // closed by data protection.
-  bool applyFile(const std::string& path, const sys::PlistFile& file);
+  bool applyFileLocked(const std::string& path, const sys::PlistFile& file);
   // Gating from the gate file, while the settings file is closed.
-  void applyGate();
+  void applyGateLocked();
   // The settings file, read at last after the first unlock.
   void readAfterUnlock();
+  // The gate record the settings give now (choosing the salt once).
+  GateRecord gateRecordLocked(const std::optional<GateRecord>& old);
   // Writes the gate file when it differs from what the settings say.
   void writeGate();
+  void writeGateLocked();
 
-  mutable std::mutex lock_;  // the secret set, the two non-scalar settings, load and save
+  // The secret set, the two non-scalar settings, load and save. Not
+  // recursive: nothing that holds it may call a member that takes it.
+  mutable std::mutex lock_;
   std::unordered_set<std::string> secrets_;
   std::atomic<bool> unlocked_{false};
   std::atomic<bool> shakeHide_{true}, shakeShow_{true}, longPress_{true}, showNeedsAuth_{true},

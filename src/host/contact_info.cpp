@@ -36,24 +36,53 @@ struct Names {
   rt::Id contact;  // the one the names came from last: the avatar's
 };
 
-// The names of `contact`; a poor entry (no nickname and no remark, or nothing
-// better to show than the username) is read again from the database, whose
-// names win where they say more.
-Names namesFor(rt::Id contact, std::string_view username) {
-  Names n{QBContactInfo::propertyString(contact, kRemarkKeys),
+Names ownNames(rt::Id contact, std::string_view username) {
+  return {QBContactInfo::propertyString(contact, kRemarkKeys),
           QBContactInfo::propertyString(contact, kNicknameKeys),
           QBContactInfo::displayNameFromContact(contact, username), contact};
-  if (!(n.nickname.empty() && n.remark.empty()) && n.display != username) return n;
+}
+
+// No nickname and no remark, or nothing better to show than the username:
+// worth asking the database again.
+bool worthRereading(const Names& n, std::string_view username) {
+  return (n.nickname.empty() && n.remark.empty()) || n.display == username;
+}
+
+rt::Id databaseContact(std::string_view username) {
   rt::Id mgr = QBContactInfo::contactMgr();
-  if (!responds(mgr, "getContactByNameFromDB:")) return n;
-  rt::Id db = rt::send<rt::Id>(mgr, "getContactByNameFromDB:", rt::str(username));
-  if (!db || db == contact) return n;
+  if (!responds(mgr, "getContactByNameFromDB:")) return nullptr;
+  return rt::send<rt::Id>(mgr, "getContactByNameFromDB:", rt::str(username));
+}
+
+void takeDatabaseNames(Names& n, rt::Id db) {
   if (std::string r = QBContactInfo::propertyString(db, kRemarkKeysShort); !r.empty()) n.remark = r;
   if (std::string k = QBContactInfo::propertyString(db, kNicknameKeysShort); !k.empty())
     n.nickname = k;
+}
+
+// A record's names: a different database record's names win where they say
+// more, and its contact gives the avatar.
+Names recordNames(rt::Id contact, std::string_view username) {
+  Names n = ownNames(contact, username);
+  if (!worthRereading(n, username)) return n;
+  rt::Id db = databaseContact(username);
+  if (!db || db == contact) return n;
+  takeDatabaseNames(n, db);
   std::string d = QBContactInfo::displayNameFromContact(db, username);
   if (!d.empty() && d != username) n.display = d;
   n.contact = db;
+  return n;
+}
+
+// A picker row's names: whatever record the database gives names the row,
+// even one that knows no more than the username.
+Names listNames(rt::Id contact, std::string_view username) {
+  Names n = ownNames(contact, username);
+  if (!worthRereading(n, username)) return n;
+  rt::Id db = databaseContact(username);
+  if (!db) return n;
+  takeDatabaseNames(n, db);
+  n.display = QBContactInfo::displayNameFromContact(db, username);
   return n;
 }
 
@@ -197,7 +226,7 @@ rt::Id QBContactInfo::placeholderAvatar(std::string_view text) {
 
 void QBContactInfo::fillInfo(QBContactInfo& info, rt::Id contact, std::string_view username) {
   info.username = std::string(username);
-  Names n = namesFor(contact, username);
+  Names n = recordNames(contact, username);
   info.remark = n.remark;
   info.nickname = n.nickname;
   info.displayName = n.display;
@@ -312,7 +341,7 @@ std::vector<QBContactInfo::ListItem> QBContactInfo::listNormalContactItems() {
       if (!seen.insert(user).second) return;
       rt::Id contact = contactForUsername(user);
       if (!contact && !rawIsString) contact = raw;
-      Names n = namesFor(contact, user);
+      Names n = listNames(contact, user);
       items.push_back({user, n.display.empty() ? user : n.display, n.nickname, n.remark});
     });
   }

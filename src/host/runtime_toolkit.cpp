@@ -100,7 +100,8 @@ char QBRuntime::secondArgTypeOfMethod(rt::Method method) {
 std::string QBRuntime::usernameFrom(rt::Id obj) {
   // A host object whose type test itself raises carries nothing.
   return sys::guarded(
-      "[QB] QBRuntime usernameFrom ex: %@", [obj] { return usernameAt(obj, 0); }, std::string());
+      "[QB][stable] QBRuntime usernameFrom ex: %@", [obj] { return usernameAt(obj, 0); },
+      std::string());
 }
 
 rt::Id QBRuntime::mmContext() {
@@ -150,7 +151,7 @@ rt::Id QBRuntime::serviceNamed(std::string_view className) {
 
 rt::Id QBRuntime::keyWindow() {
   return sys::guarded(
-      "[QB] QBRuntime keyWindow ex: %@",
+      "[QB][stable] QBRuntime keyWindow ex: %@",
       []() -> rt::Id {
         rt::Class appClass = rt::getClass("UIApplication");
         rt::Id app = appClass ? rt::send<rt::Id>(appClass, "sharedApplication") : nullptr;
@@ -184,7 +185,7 @@ rt::Id QBRuntime::topPresented() {
 std::vector<rt::Id> QBRuntime::collectViewControllers() {
   std::vector<rt::Id> result;
   // An exception ends the walk; what was collected so far stands.
-  sys::guarded("[QB] QBRuntime collectViewControllers ex: %@", [&result] {
+  sys::guarded("[QB][stable] QBRuntime collectViewControllers ex: %@", [&result] {
     std::deque<rt::Id> queue;
     if (rt::Id root = rt::send<rt::Id>(keyWindow(), "rootViewController")) queue.push_back(root);
     rt::Class nav = rt::getClass("UINavigationController");

@@ -63,29 +63,31 @@ void stepC() {
 }
 
 void stepB() {
-  sys::guarded("[QB] init FATAL: %@", [] {
-    triggers::QBEntryHooks::install();
-    stepC();
-  });
+  triggers::QBEntryHooks::install();
+  stepC();
+}
+
+void stepA() {
+  // The library's runtime classes exist from the moment it is loaded.
+  triggers::QBShakeHooks::registerRuntimeClass();
+  panel::QBPanelController::registerRuntimeClass();
+  QBConfig::shared().setUnlocked(false);
+  // Hidden at every start: the filter's first refresh sweeps what
+  // Notification Center kept of a secret's from a run that ended while they
+  // were shown, and cleans for contacts made secret while not running. The
+  // host's first donation and index are filtered.
+  notify::QBNotifyHooks::watchFilterForSweeps();
+  hiding::QBOutsideHooks::install();
+  QBSessionHooks::install();
 }
 
 }  // namespace
 
-void libraryEntry() {
-  sys::guarded("[QB] early FATAL: %@", [] {
-    // The library's runtime classes exist from the moment it is loaded.
-    triggers::QBShakeHooks::registerRuntimeClass();
-    panel::QBPanelController::registerRuntimeClass();
-    QBConfig::shared().setUnlocked(false);
-    // Hidden at every start: the filter's first refresh sweeps what
-    // Notification Center kept of a secret's from a run that ended while they
-    // were shown, and cleans for contacts made secret while not running. The
-    // host's first donation and index are filtered.
-    notify::QBNotifyHooks::watchFilterForSweeps();
-    hiding::QBOutsideHooks::install();
-    QBSessionHooks::install();
-  });
-  sys::async(stepB);
+void runStartupSteps(void (*early)(), void (*rest)()) {
+  sys::guarded("[QB] early FATAL: %@", early);
+  sys::async([rest] { sys::guarded("[QB] init FATAL: %@", rest); });
 }
+
+void libraryEntry() { runStartupSteps(stepA, stepB); }
 
 }  // namespace core

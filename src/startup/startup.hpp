@@ -10,6 +10,11 @@ namespace core {
 // rest queued to the main queue.
 void libraryEntry();
 
+// The frame libraryEntry runs its steps in: `early` at once, guarded by
+// "[QB] early FATAL: %@", then `rest` on the main queue, guarded by
+// "[QB] init FATAL: %@", whether or not `early` failed.
+void runStartupSteps(void (*early)(), void (*rest)());
+
 // The delays of the re-applies after step C, while the host finishes launching.
 inline constexpr double kReapplyDelays_s[] = {0.5, 1.4};
 

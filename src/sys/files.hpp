@@ -25,11 +25,6 @@ bool createDirectories(const std::string& path);
 // fileExistsAtPath: (a symbolic link is followed).
 bool fileExists(const std::string& path);
 
-// Keeps the item at `path` (a folder and what it holds) out of the phone's
-// backups. On iOS: NSURL setResourceValue:@YES forKey:NSURLIsExcludedFromBackupKey
-// error:. True when it is marked afterwards.
-bool excludeFromBackup(const std::string& path);
-
 enum class ReadStatus {
   Missing,     // nothing at the path
   Read,        // a property list, of any root type

@@ -63,8 +63,30 @@ TEST_F(ConfigFile, NoFileGivesEveryDefaultAndWritesNothing) {
   EXPECT_FALSE(std::filesystem::exists(path())) << "load never saves";
   EXPECT_TRUE(std::filesystem::is_directory(device.documentsPath() + "/Quenby"))
       << "configURL makes the folder";
-  EXPECT_TRUE(device.excludedFromBackup(device.documentsPath() + "/Quenby"))
-      << "and keeps it out of backups";
+}
+
+// The settings and the gate file are in the phone's backups: a restore, or a
+// move to a new phone, keeps the secrets and the password.
+TEST_F(ConfigFile, ARestoredBackupKeepsTheSecretsAndThePassword) {
+  {
+    auto c = loaded();
+    c->setPassword("2468");
+    c->setSecretNotifyMode(1);
+    c->addSecretUser("bob");
+  }
+  device.takeBackup();
+  loaded()->clearAllSecretUsers();
+  ASSERT_TRUE(device.restoreBackup());
+  auto c = loaded();
+  EXPECT_EQ(c->password(), "2468");
+  EXPECT_EQ(c->secretSnapshot(), (std::unordered_set<std::string>{"bob"}));
+  EXPECT_EQ(c->secretNotifyMode(), 1);
+  // Restored with their protection classes: the gate still answers before
+  // the first unlock, with the settings closed.
+  device.setLockedSinceRestart(true);
+  auto early = loaded();
+  EXPECT_TRUE(early->waitingForProtectedData());
+  EXPECT_TRUE(early->isSecretUser("bob"));
 }
 
 TEST_F(ConfigFile, WronglyTypedAndOutOfRangeValues) {

@@ -118,6 +118,50 @@ TEST_F(Protected, AnUnlockBeforeTheFileCanBeReadKeepsWaiting) {
   EXPECT_TRUE(c.isSecretUser("bob"));
 }
 
+// The device is unlocked, but the settings are not read yet: before the
+// system's notification arrives, or after a read at a notification that came
+// too early. A save then would replace the user's file with the defaults.
+TEST_F(Protected, WhileStillWaitingASaveIsRefusedEvenOnAnUnlockedDevice) {
+  savedBefore();
+  std::string settings = bytes("config.plist"), gate = bytes("gate.plist");
+  device.setLockedSinceRestart(true);
+  QBConfig c;
+  c.load();
+  sys::postNotification(sys::kProtectedDataDidBecomeAvailable);  // the read fails
+  device.setLockedSinceRestart(false);                           // no notification yet
+  c.addSecretUser("carol");
+  c.setPassword("0000");
+  c.save();
+  EXPECT_TRUE(logged("[QB] config save refused"));
+  EXPECT_EQ(bytes("config.plist"), settings);
+  EXPECT_EQ(bytes("gate.plist"), gate);
+  sys::postNotification(sys::kProtectedDataDidBecomeAvailable);
+  EXPECT_EQ(c.password(), "2468");
+  EXPECT_EQ(c.secretSnapshot(), (std::unordered_set<std::string>{"bob", "team@chatroom"}));
+}
+
+// The late read replaces the settings, not what the running process did
+// meanwhile: a reveal, or an authentication screen that is up.
+TEST_F(Protected, TheLateReadKeepsTheProcesssRevealAndSuppressFlags) {
+  savedBefore();
+  device.setLockedSinceRestart(true);
+  for (bool state : {true, false}) {
+    QBConfig c;
+    c.load();
+    c.setUnlocked(state);
+    c.setSuppressAutoLock(state);
+    c.setSuppressSessionApply(state);
+    device.setLockedSinceRestart(false);
+    sys::postNotification(sys::kProtectedDataDidBecomeAvailable);
+    ASSERT_FALSE(c.waitingForProtectedData());
+    EXPECT_EQ(c.password(), "2468");
+    EXPECT_EQ(c.unlocked(), state);
+    EXPECT_EQ(c.suppressAutoLock(), state);
+    EXPECT_EQ(c.suppressSessionApply(), state);
+    device.setLockedSinceRestart(true);
+  }
+}
+
 TEST_F(Protected, WithoutAGateFileNothingIsKnownAndTheSettingsStillWait) {
   savedBefore();
   fs::remove(folder() + "/gate.plist");

@@ -2,11 +2,14 @@
 // notification: one posting per call, 0.35 s after its main-queue hop.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "core/config.hpp"
 #include "rt/exception.hpp"
 #include "support/sim_world.hpp"
 #include "sys/files.hpp"
 #include "sys/notifications.hpp"
+#include "sys/queue.hpp"
 
 namespace {
 
@@ -97,6 +100,36 @@ TEST_F(SecretState, NotificationsArriveOnePerCallAfterTheHopAndDelay) {
   EXPECT_EQ(postedAt, (std::vector<double>{10.35, 10.35, 10.35}))
       << "unlock, lock, sync; never coalesced";
   EXPECT_FALSE(c.unlocked());
+}
+
+// Window edits save by themselves but, like the secret set, leave the
+// notifying to their caller.
+TEST_F(SecretState, WindowEditsSaveButNeverNotify) {
+  std::string error;
+  ASSERT_TRUE(c.addDailyWindowWithStart(1380, 60, 1, &error)) << error;
+  ASSERT_TRUE(c.updateDailyWindowAtIndex(1, 1380, 120, 1, &error)) << error;
+  ASSERT_TRUE(c.removeDailyWindowAtIndex(1, &error)) << error;
+  ASSERT_TRUE(c.setDailyWindows(core::windowsValue({{600, 700, 1}}), &error)) << error;
+  EXPECT_EQ(sys::readPropertyList(c.configURL())->find("dailyWindows")->asArray()->size(), 1u);
+  process.advance(5);
+  EXPECT_TRUE(postedAt.empty());
+}
+
+// Called from another thread, lock and the sync still post on the main
+// thread, where the lists' observers reload.
+TEST_F(SecretState, LockAndSyncFromAnotherThreadPostOnTheMainThread) {
+  std::vector<bool> onMain;
+  sys::addObserver(core::kSecretStateChanged,
+                   [&onMain](const sys::Notification&) { onMain.push_back(sys::isMainThread()); });
+  c.setUnlocked(true);
+  std::thread([this] {
+    c.lock();
+    c.requestVisibilitySync();
+  }).join();
+  EXPECT_FALSE(c.unlocked());
+  EXPECT_TRUE(onMain.empty()) << "nothing is posted on the calling thread";
+  process.advance(1);
+  EXPECT_EQ(onMain, (std::vector<bool>{true, true}));
 }
 
 TEST_F(SecretState, AnObserverThatRaisesIsLogged) {

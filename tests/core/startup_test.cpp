@@ -3,6 +3,7 @@
 
 #include "core/config.hpp"
 #include "startup/startup.hpp"
+#include "rt/exception.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "support/sim_world.hpp"
@@ -65,6 +66,31 @@ TEST_F(Startup, WithoutTheShakeClassStepCSkipsTheShakeAndGoesOn) {
       << "what comes before the shake is installed";
   for (const auto& line : device.log())
     EXPECT_EQ(line.text.find("FATAL"), std::string::npos) << line.text;
+}
+
+int gStepsRun = 0;
+void raisingStep() { rt::raise("NSInternalInconsistencyException", "step broke"); }
+void countingStep() { ++gStepsRun; }
+void countingThenRaisingStep() {
+  ++gStepsRun;
+  raisingStep();
+  ++gStepsRun;  // never reached
+}
+
+// A failure of step A is logged and the main-queue step still runs; a failure
+// there is logged and ends that step.
+TEST_F(Startup, FatalFailuresAreLoggedAndStepBRunsAfterAFailedStepA) {
+  gStepsRun = 0;
+  core::runStartupSteps(raisingStep, countingStep);
+  EXPECT_EQ(logged(device, "[QB] early FATAL: step broke"), 1);
+  EXPECT_EQ(gStepsRun, 0) << "step B waits for the main queue";
+  process.runDue();
+  EXPECT_EQ(gStepsRun, 1);
+  core::runStartupSteps(countingStep, countingThenRaisingStep);
+  process.runDue();
+  EXPECT_EQ(logged(device, "[QB] init FATAL: step broke"), 1);
+  EXPECT_EQ(gStepsRun, 3);
+  EXPECT_FALSE(process.crashed());
 }
 
 TEST(StartupProcesses, EachProcessStartsFromScratch) {

@@ -5,6 +5,7 @@
 #include "core/config.hpp"
 #include "startup/startup.hpp"
 #include "hiding/session_hooks.hpp"
+#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/send.hpp"
@@ -252,6 +253,49 @@ TEST_F(MainListRefresh, ForceApplyThrottleAndSuppression) {
   EXPECT_EQ(device.log().size(), before)
       << "while an authentication is up, a state change only refreshes";
   EXPECT_FALSE(QBSessionHooks::filterActive());
+}
+
+void raisingReloadData(Id, rt::SEL) {
+  rt::raise("NSInternalInconsistencyException", "reload broke");
+}
+
+// A failure is logged and clears the busy flag its step set: the next soft
+// reload, forced apply or reveal runs again.
+TEST_F(MainListRefresh, FailuresAreLoggedAndClearTheirBusyFlags) {
+  launchWithLibrary();
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  wait(5);
+  rt::Method reload = rt::getInstanceMethod(rt::getClass("UITableView"), rt::sel("reloadData"));
+  rt::IMP tableReload = rt::methodImplementation(reload);
+  rt::setImplementation(reload, reinterpret_cast<rt::IMP>(raisingReloadData));
+  QBSessionHooks::softReloadMainFrame();
+  rt::setImplementation(reload, tableReload);
+  EXPECT_EQ(countLog("[QB] softReload ex: reload broke"), 1);
+  wait(1);
+  std::size_t before = device.log().size();
+  QBSessionHooks::softReloadMainFrame();
+  EXPECT_GT(countLog("force=0", before), 0) << "not left busy";
+
+  bool filterRaises = true;
+  QBSessionHooks::addFilterListener([&filterRaises](const auto&, bool) {
+    if (filterRaises) rt::raise("NSGenericException", "filter broke");
+  });
+  QBSessionHooks::forceApplyVisibility();
+  filterRaises = false;
+  EXPECT_EQ(countLog("[QB] forceApply ex: filter broke"), 1);
+  wait(1.1);
+  before = device.log().size();
+  QBSessionHooks::forceApplyVisibility();
+  EXPECT_GT(countLog("force=1", before), 0) << "not left busy";
+
+  host.makeRaising("MainSessionMgr", "rebuildMainSessions");
+  c.setUnlocked(true);
+  for (int i = 0; i < 2; ++i) {
+    wait(1.1);
+    QBSessionHooks::forceApplyVisibility();
+  }
+  EXPECT_EQ(countLog("[QB] reveal ex: "), 2) << "a reveal that raised left the apply free";
 }
 
 TEST_F(MainListRefresh, StateChangesReachTheListThroughTheNotification) {

@@ -56,6 +56,27 @@ TEST(OutsideMatch, ItemsByIdentifierKeywordOrExactDisplayName) {
   EXPECT_FALSE(hiding::itemNames(byTitle, {"bob", ""})) << "no display name, no title match";
 }
 
+// The prepared set reads every field, as asking each secret in turn does: an
+// item naming the secret in one field alone is caught by either.
+TEST(OutsideMatch, ThePreparedSetReadsEveryFieldOfAnItem) {
+  hiding::SecretName bob{"bob", "Bob"};
+  hiding::SecretMatcher matcher({{"alice_w", "Alice"}, bob});
+  ItemFields plain{"chat.carol", "chats", "Carol", "", "note about carol", {"carol"}};
+  EXPECT_FALSE(matcher.itemNamesAny(plain));
+  ItemFields byKeyword = plain, byDescription = plain, byId = plain, byDomain = plain,
+             byTitle = plain, byName = plain;
+  byKeyword.keywords = {"carol", "bob"};
+  byDescription.description = "lunch with bob";
+  byId.uniqueIdentifier = "chat/bob";
+  byDomain.domainIdentifier = "chats.bob";
+  byTitle.title = "Bob";
+  byName.displayName = "Bob";
+  for (const ItemFields* f : {&byKeyword, &byDescription, &byId, &byDomain, &byTitle, &byName}) {
+    EXPECT_TRUE(matcher.itemNamesAny(*f)) << f - &byKeyword;
+    EXPECT_TRUE(hiding::itemNames(*f, bob)) << f - &byKeyword;
+  }
+}
+
 // The prepared set answers exactly as asking every secret in turn, on records
 // built from the secrets' own pieces, other names' and separators.
 TEST(OutsideMatch, ThePreparedSetAnswersAsEverySecretAskedInTurn) {
@@ -217,6 +238,33 @@ TEST_F(Outside, IndexedItemsThatNameASecretNeverReachTheIndex) {
   run([&] { host.sessionsChanged(); });
   EXPECT_EQ(itemIds(),
             (std::vector<std::string>{"msg.session.alice", "msg.session.bob", "msg.session.dave"}));
+}
+
+Id searchableItem(const char* id, const char* title, const char* description,
+                  std::vector<Id> keywords) {
+  Id attributes = rt::send<Id>(rt::send<Id>(rt::getClass("CSSearchableItemAttributeSet"), "alloc"),
+                               "initWithItemContentType:", rt::str("public.text"));
+  rt::send<void>(attributes, "setTitle:", rt::str(title));
+  rt::send<void>(attributes, "setContentDescription:", rt::str(description));
+  rt::send<void>(attributes, "setKeywords:", rt::array(keywords));
+  return rt::send<Id>(rt::send<Id>(rt::getClass("CSSearchableItem"), "alloc"),
+                      "initWithUniqueIdentifier:domainIdentifier:attributeSet:", rt::str(id),
+                      rt::str("notes"), attributes);
+}
+
+// An item that names the secret only in its keywords, or only in its
+// description, is kept out of the index like any other.
+TEST_F(Outside, AnItemNamingASecretInOneFieldAloneIsKeptOut) {
+  launchWithLibrary();
+  makeSecret("carol");
+  run([&] {
+    Id plain = searchableItem("note.1", "Groceries", "milk", {rt::str("shopping")});
+    Id byKeyword = searchableItem("note.2", "Lunch", "at noon", {rt::str("carol")});
+    Id byDescription = searchableItem("note.3", "Dinner", "with carol", {rt::str("food")});
+    Id kept =
+        hiding::QBOutsideHooks::itemsWithoutSecrets(rt::array({plain, byKeyword, byDescription}));
+    EXPECT_EQ(rt::elements(kept), (std::vector<Id>{plain}));
+  });
 }
 
 // A contact made secret while the library was not running is cleaned at the

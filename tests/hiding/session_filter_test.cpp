@@ -62,6 +62,19 @@ TEST_F(SessionFilter, NothingHiddenMeansTheHostsOwnAnswers) {
   EXPECT_TRUE(rt::send<bool>(rt::getClass("MainSessionMgr"), "canShowInMainFrame:", rt::str("S")));
 }
 
+// A logic controller without the session getter: its cell data walks the
+// host's rows with its own original.
+TEST_F(SessionFilter, CellDataWalksWithItsOwnOriginalWithoutTheSessionGetter) {
+  host.build.lackingMethods.insert({"MainFrameLogicController", "getSessionInfoAtIndexPath:"});
+  launchWithLibrary();
+  hideS();
+  Id l = logic();
+  EXPECT_EQ(nameOf(row(l, "getCellDataAtIndexPath:", 0)), "a");
+  EXPECT_EQ(nameOf(row(l, "getCellDataAtIndexPath:", 1)), "b") << "visible row 1 is host row 2";
+  EXPECT_EQ(row(l, "getCellDataAtIndexPath:", 2), nullptr);
+  EXPECT_EQ(countLog(" ex: "), 0);
+}
+
 TEST_F(SessionFilter, SecretRowsAreSkippedAndRowsRemapped) {
   launchWithLibrary();
   hideS();

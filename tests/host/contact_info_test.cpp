@@ -103,11 +103,12 @@ TEST_F(ContactDirectory, ARecordWithANameIsNotReadAgain) {
 }
 
 Id emptyDatabaseRecord(Id, rt::SEL, Id) { return rt::dictionary({}); }
+Id emptyList(Id, rt::SEL, unsigned, unsigned, bool) { return rt::array({}); }
 
-// The picker's list reads a poor entry as a contact's record does: what the
-// database says wins, and a database that knows no more than the username
-// does not take away the name the cache had.
-TEST_F(ContactDirectory, TheListAndTheRecordReadAPoorEntryAlike) {
+// A poor entry is read again from the database for the record and the
+// picker's list alike. The record keeps a name the database cannot better;
+// the list names the row as the database's record does, whatever it says.
+TEST_F(ContactDirectory, TheListTakesTheDatabasesNameTheRecordOnlyABetterOne) {
   addFriend("nameless");
   start();
   rt::Method fromDB =
@@ -120,9 +121,13 @@ TEST_F(ContactDirectory, TheListAndTheRecordReadAPoorEntryAlike) {
   rt::setImplementation(fromDB, reinterpret_cast<rt::IMP>(databaseRecord));
   EXPECT_EQ(listed("nameless").remark, "from the database");
   EXPECT_EQ(listed("nameless").displayName, "from the database");
+  // A nickname that is just the username is no name: the database is asked.
+  EXPECT_EQ(listed("item2").remark, "from the database");
+  EXPECT_EQ(listed("item2").nickname, "item2");
+  EXPECT_EQ(QBContactInfo::infoForUsername("item2").remark, "from the database");
   rt::setImplementation(fromDB, reinterpret_cast<rt::IMP>(emptyDatabaseRecord));
   EXPECT_EQ(QBContactInfo::infoForUsername("wxid_zed").displayName, "zed_alias");
-  EXPECT_EQ(listed("wxid_zed").displayName, "zed_alias");
+  EXPECT_EQ(listed("wxid_zed").displayName, "wxid_zed");
   EXPECT_EQ(listed("nameless").displayName, "nameless");
 }
 
@@ -164,6 +169,41 @@ TEST_F(ContactDirectory, SelfAndTheFriendList) {
   auto alice =
       std::find_if(items.begin(), items.end(), [](const auto& i) { return i.username == "alice"; });
   EXPECT_EQ(*alice, (QBContactInfo::ListItem{"alice", "Ally", "Alice N", "Ally"}));
+}
+
+std::vector<unsigned> gTypesAsked;
+rt::IMP gHostList = nullptr;
+Id recordingList(Id self, rt::SEL cmd, unsigned list, unsigned type, bool loadExt) {
+  gTypesAsked.push_back(type);
+  return rt::call<Id>(gHostList, self, cmd, list, type, loadExt);
+}
+Id recordingShortList(Id self, rt::SEL cmd, unsigned list, unsigned type) {
+  gTypesAsked.push_back(type);
+  return rt::call<Id>(gHostList, self, cmd, list, type);
+}
+
+// The contact types are asked in their order up to the first that lists
+// anyone: a host that keeps its contacts under type 3 is asked for 1, -1 and
+// 3, and no more, through either list selector.
+TEST_F(ContactDirectory, ContactTypesAreWalkedInOrderUpToTheFirstNonEmptyList) {
+  host.build.variants.insert("contacts-type-3");
+  host.build.lackingClasses.insert("ContactsDataLogic");  // no other source stands in
+  start();
+  rt::Class mgr = rt::getClass("CContactMgr");
+  rt::Method full = rt::getInstanceMethod(mgr, rt::sel("getContactList:contactType:needLoadExt:"));
+  rt::Method shortForm = rt::getInstanceMethod(mgr, rt::sel("getContactList:contactType:"));
+  gHostList = rt::methodImplementation(full);
+  rt::setImplementation(full, reinterpret_cast<rt::IMP>(recordingList));
+  gTypesAsked.clear();
+  EXPECT_EQ(usernames(QBContactInfo::listNormalContactItems()).size(), 6u);
+  EXPECT_EQ(gTypesAsked, (std::vector<unsigned>{1, 0xFFFFFFFFu, 3}));
+  // Without a list under the full selector, the short one is walked alike.
+  rt::setImplementation(full, reinterpret_cast<rt::IMP>(emptyList));
+  gHostList = rt::methodImplementation(shortForm);
+  rt::setImplementation(shortForm, reinterpret_cast<rt::IMP>(recordingShortList));
+  gTypesAsked.clear();
+  EXPECT_EQ(usernames(QBContactInfo::listNormalContactItems()).size(), 6u);
+  EXPECT_EQ(gTypesAsked, (std::vector<unsigned>{1, 0xFFFFFFFFu, 3}));
 }
 
 TEST_F(ContactDirectory, FriendsFromBothDataLogicListsAppearOnce) {
@@ -213,7 +253,7 @@ const std::vector<std::string> kDocumentedLines = {
     "[QB] CContactMgr list ex: ", "[QB] ContactsDataLogic list ex: ", "[QB][stable] serviceNamed ",
     "[QB][stable] serviceCenter ex: ", "[QB][stable] mmContext ex: ",
     // the other steps, in the one short form
-    "[QB] QBContactInfo ", "[QB] QBRuntime "};
+    "[QB] QBContactInfo ", "[QB][stable] QBRuntime "};
 
 class ContactDirectoryFaults : public ContactDirectory,
                                public ::testing::WithParamInterface<std::tuple<Piece, bool>> {};

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/runtime_toolkit.hpp"
+#include "rt/exception.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
@@ -233,6 +234,42 @@ TEST_F(ToolkitFallBacks, KeyWindowAndTheViewControllerTreeBreadthFirst) {
   EXPECT_EQ(QBRuntime::topPresented(), alert) << "followed to the end of the chain";
   EXPECT_EQ(QBRuntime::lastPresented(alert), alert);
   EXPECT_EQ(QBRuntime::lastPresented(nullptr), nullptr);
+}
+
+// The scene's key window wins over the application's first window.
+TEST_F(ToolkitFallBacks, TheKeyWindowIsTheScenesKeyWindowNotTheFirst) {
+  start();
+  Id first = QBRuntime::keyWindow();
+  ASSERT_NE(first, nullptr);
+  Id root = rt::send<Id>(rt::getClass("UIViewController"), "new");
+  Id second = sim::addWindow(root, true);
+  EXPECT_FALSE(rt::send<bool>(first, "isKeyWindow"));
+  EXPECT_EQ(QBRuntime::keyWindow(), second);
+  EXPECT_EQ(QBRuntime::collectViewControllers(), (std::vector<Id>{root}));
+}
+
+Id raisingChildren(Id, rt::SEL) { rt::raise("NSGenericException", "children broke"); }
+Id raisingScenes(Id, rt::SEL) { rt::raise("NSGenericException", "scenes broke"); }
+
+// An exception ends the walk with what it had collected; a key window that
+// cannot be found is nothing. Both say so on the toolkit's tag.
+TEST_F(ToolkitFallBacks, FailuresKeepWhatWasCollectedAndUseTheToolkitsTag) {
+  start();
+  rt::Class broken = sim::ClassBuilder("BrokenChildren", "UIViewController")
+                         .method("childViewControllers", raisingChildren)
+                         .build();
+  Id plain = rt::send<Id>(rt::getClass("UIViewController"), "new");
+  Id bad = rt::send<Id>(broken, "new");
+  Id tabs = rt::send<Id>(QBRuntime::keyWindow(), "rootViewController");
+  rt::send<void>(tabs, "setViewControllers:", rt::array({plain, bad}));
+  EXPECT_EQ(QBRuntime::collectViewControllers(), (std::vector<Id>{tabs, plain, bad}));
+  ASSERT_FALSE(logLines().empty());
+  EXPECT_EQ(logLines().back(), "[QB][stable] QBRuntime collectViewControllers ex: children broke");
+  rt::setImplementation(
+      rt::getInstanceMethod(rt::getClass("UIApplication"), rt::sel("connectedScenes")),
+      reinterpret_cast<rt::IMP>(raisingScenes));
+  EXPECT_EQ(QBRuntime::keyWindow(), nullptr);
+  EXPECT_EQ(logLines().back(), "[QB][stable] QBRuntime keyWindow ex: scenes broke");
 }
 
 TEST_F(ToolkitFallBacks, NoWindowsMeansNothing) {

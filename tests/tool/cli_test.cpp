@@ -89,6 +89,8 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"setting nosuch 1\n", ":1: setting: unknown key 'nosuch'"},
       {"expect hidden\n", ":1: expect hidden: the app is not running"},
       {"host variant fts-mutable\n", ":1: host variant: unknown variant 'fts-mutable'"},
+      {"launch\ndevice restore\n",
+       ":2: device restore: no backup was taken on this device"},
       {"launch\nhost variant fts-immutable\n", ":2: host variant: the app is already running"},
       {"launch\nopen search\n", ":2: usage: open search TEXT"},
       {"launch\nopen moments now\n", ":2: usage: open moments"},

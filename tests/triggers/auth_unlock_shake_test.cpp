@@ -195,6 +195,17 @@ TEST_F(Triggers, BiometricSuccessSetsUnlockedBeforeTheCompletion) {
   EXPECT_TRUE(o.unlockedThen);
 }
 
+// The panel's prompt gives its own reason and no fallback button of the
+// system's: a failure is a failure.
+TEST_F(Triggers, ThePanelsBiometricPromptHasItsReasonAndNoFallbackButton) {
+  QBConfig::shared().setPanelAuthMode(1);
+  Outcome o;
+  QBAuth::authenticateForPanel(recorder(o));
+  ASSERT_TRUE(process->platform().biometricReply);
+  EXPECT_EQ(process->platform().biometricReason, "验证以进入密友控制台");
+  EXPECT_EQ(process->platform().biometricFallbackTitle, std::optional<std::string>(""));
+}
+
 TEST_F(Triggers, BiometricFailureHasNoPasswordFallback) {
   Outcome o;
   QBAuth::authenticateForReveal(recorder(o));  // reveal mode 0: the password
@@ -414,6 +425,74 @@ TEST_F(AccelerometerOnly, TheMagnitudeIsTheDistanceFromOneG) {
   wait(1);
   feed(0, 0, -0.8);
   EXPECT_FALSE(c.unlocked()) << "held at 0.2 g below gravity: loud, not a jump";
+}
+
+// The panel holds the session apply but not the auto-lock: a long press does
+// nothing while it is up. An authentication holds both, and the press acts.
+TEST_F(Triggers, ALongPressIsIgnoredWhileOnlyTheSessionApplyIsHeld) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  c.setSuppressSessionApply(true);
+  longPress();
+  process->runDue();
+  EXPECT_EQ(alert(), nullptr);
+  c.setUnlocked(true);
+  longPress();
+  EXPECT_TRUE(c.unlocked()) << "no hide either";
+  c.setSuppressAutoLock(true);
+  longPress();
+  EXPECT_FALSE(c.unlocked()) << "both held: the press hides";
+  EXPECT_EQ(countLog("[QB] show auth from longPress"), 0);
+}
+
+// A shake reveals and hides only in manual mode, and only with secrets.
+TEST_F(Triggers, AShakeDoesNothingInScheduleModeOrWithoutSecrets) {
+  QBConfig& c = QBConfig::shared();
+  QBShakeHooks::handleShake();
+  process->runDue();
+  EXPECT_EQ(alert(), nullptr) << "no secrets: nothing to reveal";
+  c.setUnlocked(true);
+  wait(1);
+  QBShakeHooks::handleShake();
+  EXPECT_TRUE(c.unlocked()) << "no secrets: nothing to hide";
+  c.addSecretUser("S");
+  c.setVisibilityControlMode(1);
+  wait(1);
+  QBShakeHooks::handleShake();
+  EXPECT_TRUE(c.unlocked()) << "schedule mode: the windows decide";
+  c.setUnlocked(false);
+  wait(1);
+  QBShakeHooks::handleShake();
+  process->runDue();
+  EXPECT_EQ(alert(), nullptr);
+  EXPECT_EQ(countLog("[QB] show auth"), 0);
+  // Ignored outright: the next shake in manual mode is not held back by it.
+  c.setUnlocked(true);
+  c.setVisibilityControlMode(0);
+  wait(0.3);
+  QBShakeHooks::handleShake();
+  EXPECT_FALSE(c.unlocked());
+}
+
+// A phone without motion sensors: the shake is simply never heard, and the
+// other triggers work.
+class NoMotionSensors : public Triggers {
+ protected:
+  void SetUp() override {
+    device.motion = sim::MotionSensors::None;
+    Triggers::SetUp();
+  }
+};
+
+TEST_F(NoMotionSensors, NoShakeIsHeardAndTheLongPressStillWorks) {
+  QBConfig& c = QBConfig::shared();
+  c.addSecretUser("S");
+  EXPECT_FALSE(process->platform().motionHandler) << "no updates were started";
+  EXPECT_EQ(countLog("[QB] shake ex"), 0);
+  longPress();
+  process->runDue();
+  EXPECT_NE(alert(), nullptr);
+  EXPECT_EQ(countLog("[QB] show auth from longPress"), 1);
 }
 
 TEST_F(Triggers, ShakesAreSpacedAndIgnoredWhileTheAlertIsUp) {

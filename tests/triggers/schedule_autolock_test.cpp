@@ -87,6 +87,28 @@ TEST_F(Drivers, TheScheduleStaysOutOfManualModeAndOfAuthentication) {
   EXPECT_TRUE(c.unlocked());
 }
 
+// With no secrets the schedule has nothing to show or hide: whatever the
+// windows say, it changes nothing and reloads nothing.
+TEST_F(Drivers, WithoutSecretsTheScheduleAppliesNothing) {
+  device.setLocalTime(12, 0);
+  launchWithLibrary();
+  QBConfig& c = QBConfig::shared();
+  c.setVisibilityControlMode(1);
+  wait(2);
+  std::size_t before = device.log().size();
+  c.setUnlocked(true);
+  QBSchedule::applyNow();
+  device.setLocalTime(23, 0);  // outside the default 08:00-22:00 window
+  QBSchedule::applyNow();
+  EXPECT_TRUE(c.unlocked());
+  c.setUnlocked(false);
+  device.setLocalTime(12, 0);
+  QBSchedule::applyNow();
+  EXPECT_FALSE(c.unlocked());
+  EXPECT_EQ(countLog("[QB] schedule apply", before), 0);
+  EXPECT_EQ(countLog("[QB] softReload", before), 0);
+}
+
 TEST_F(Drivers, LeavingTheForegroundLocksOnceForABurstOfNotifications) {
   launchWithLibrary();
   QBConfig& c = QBConfig::shared();

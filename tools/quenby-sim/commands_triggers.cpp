@@ -54,11 +54,11 @@ rt::Id alertOnScreen(Session& s, const std::string& command) {
 void addTriggerCommands(CommandTable& t) {
   t["device"] = {
       "device biometrics faceid|touchid|none | device motion full|accelerometer|none | device "
-      "locked | device unlock",
+      "locked | device unlock | device backup | device restore",
       [](Session& s, const Command& c) {
         const char* usage =
             "device biometrics faceid|touchid|none | device motion full|accelerometer|none | "
-            "device locked | device unlock";
+            "device locked | device unlock | device backup | device restore";
         requireWords(c, 2, 3, usage);
         const std::string& what = c.words[1];
         if (c.words.size() == 2) {
@@ -69,6 +69,14 @@ void addTriggerCommands(CommandTable& t) {
               throw ScriptError{"device unlock: the device is not locked since a restart"};
             s.device().setLockedSinceRestart(false);
             if (sim::Process* p = s.process()) p->post(sys::kProtectedDataDidBecomeAvailable);
+          } else if (what == "backup") {
+            s.device().takeBackup();
+          } else if (what == "restore") {
+            if (!s.device().hasBackup())
+              throw ScriptError{"device restore: no backup was taken on this device"};
+            // A restore ends the app as quit does; its next launch is cold.
+            if (s.process()) s.quit();
+            s.device().restoreBackup();
           } else {
             throw ScriptError{std::string("usage: ") + usage};
           }

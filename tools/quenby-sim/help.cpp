@@ -15,7 +15,9 @@ const std::map<std::string, std::string>& summaries() {
       {"friend", "a friend in the host's contacts, with its nickname, remark and alias"},
       {"room", "a group chat; its username ends in @chatroom"},
       {"host", "the host build: a class or method it lacks, a method that raises, a named variant"},
-      {"device", "the device's biometric hardware or motion sensors, or its lock since a restart"},
+      {"device",
+       "the device's biometric hardware or motion sensors, its lock since a restart, or a backup "
+       "and a restore from it"},
       {"clock", "the local time of day; virtual time goes on from there"},
       {"secret", "marks a contact secret, as the panel's contact picker does"},
       {"unsecret", "makes a contact not secret, as swipe-delete in the panel does"},

@@ -78,11 +78,6 @@ bool createDirectories(const std::string& path) {
   return [fm fileExistsAtPath:ios::ns(path) isDirectory:&isDirectory] && isDirectory;
 }
 
-bool excludeFromBackup(const std::string& path) {
-  NSURL* url = [NSURL fileURLWithPath:ios::ns(path)];
-  return [url setResourceValue:@YES forKey:NSURLIsExcludedFromBackupKey error:nil];
-}
-
 bool fileExists(const std::string& path) {
   return [[NSFileManager defaultManager] fileExistsAtPath:ios::ns(path)];
 }

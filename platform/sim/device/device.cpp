@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 
 namespace sim {
@@ -68,6 +70,64 @@ void Device::writeLog(const std::vector<std::string>& segments) {
   l.fraction = sod - std::floor(sod);
   log_.push_back(std::move(l));
   if (logListener_) logListener_(log_.back());
+}
+
+void Device::takeBackup() {
+  namespace fs = std::filesystem;
+  std::vector<BackupItem> items;
+  std::error_code ec;
+  const fs::path root(container_);
+  for (auto it = fs::recursive_directory_iterator(root, ec); !ec && it != fs::end(it);
+       it.increment(ec)) {
+    std::string relative = it->path().lexically_relative(root).generic_string();
+    bool neverBackedUp = relative == "tmp" || relative == "Library/Caches";
+    if (neverBackedUp || excludedFromBackup(it->path().string())) {
+      it.disable_recursion_pending();
+      continue;
+    }
+    BackupItem item{relative};
+    if (it->is_symlink(ec)) {
+      continue;  // links, FIFOs and sockets are not backed up
+    } else if (it->is_directory(ec)) {
+      item.folder = true;
+    } else if (it->is_regular_file(ec)) {
+      std::ifstream in(it->path(), std::ios::binary);
+      item.bytes.assign(std::istreambuf_iterator<char>(in), {});
+      item.protection = protectionOf(it->path().string());
+    } else {
+      continue;
+    }
+    items.push_back(std::move(item));
+  }
+  backup_ = std::move(items);
+}
+
+bool Device::restoreBackup() {
+  namespace fs = std::filesystem;
+  if (!backup_) return false;
+  std::error_code ec;
+  std::vector<fs::path> wiped;
+  for (const auto& entry : fs::directory_iterator(container_, ec)) wiped.push_back(entry.path());
+  for (const fs::path& p : wiped) fs::remove_all(p, ec);
+  {
+    std::lock_guard lock(logMutex_);
+    backupExcluded_.clear();
+  }
+  std::map<std::string, sys::FileProtection> protection;
+  for (const BackupItem& item : *backup_) {
+    fs::path at = fs::path(container_) / item.relativePath;
+    if (item.folder) {
+      fs::create_directories(at, ec);
+      continue;
+    }
+    fs::create_directories(at.parent_path(), ec);
+    std::ofstream(at, std::ios::binary) << item.bytes;
+    if (item.protection) protection[at.string()] = *item.protection;
+  }
+  fs::create_directories(documentsPath(), ec);
+  std::lock_guard lock(protectionMutex_);
+  protection_ = std::move(protection);
+  return true;
 }
 
 bool Device::lockedSinceRestart() const {

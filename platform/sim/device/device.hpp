@@ -98,6 +98,16 @@ class Device {
     return backupExcluded_.count(path) != 0;
   }
 
+  // --- Backups, as the phone takes them: the container's folders and regular
+  // files with their protection classes, less what is marked excluded (and
+  // what it holds), tmp/ and Library/Caches/, which no backup holds. A new
+  // backup replaces the last one.
+  void takeBackup();
+  bool hasBackup() const { return backup_.has_value(); }
+  // Wipes the container and puts the last backup in its place; false (and
+  // nothing touched) when none was taken. The app must not be running.
+  bool restoreBackup();
+
   // --- What the user saw, heard and felt of each message and call.
   Notices& notices() { return notices_; }
   // --- What the system keeps about the app outside it (lock screen,
@@ -137,6 +147,13 @@ class Device {
   std::mt19937_64 random_;
   Faults faults_;
   std::set<std::string> backupExcluded_;
+  struct BackupItem {
+    std::string relativePath;
+    bool folder = false;
+    std::string bytes;
+    std::optional<sys::FileProtection> protection;
+  };
+  std::optional<std::vector<BackupItem>> backup_;
   mutable std::mutex protectionMutex_;  // files may be read from any thread
   bool lockedSinceRestart_ = false;
   std::map<std::string, sys::FileProtection> protection_;

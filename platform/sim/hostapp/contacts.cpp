@@ -102,9 +102,12 @@ std::vector<Id> allContacts(Id mgr) {
   return out;
 }
 
-// List type 1 is the user's contacts; the others hold nothing here.
+// List type 1 is the user's contacts, under contact type 1 (or 3 alone in the
+// contacts-type-3 build); every other type answers an empty list.
 Id getContactList(Id self, SEL, unsigned listType, unsigned contactType, bool) {
-  return listType == 1 && contactType == 1 ? rt::array(allContacts(self)) : rt::array({});
+  unsigned contactsType = HostApp::current().build.hasVariant("contacts-type-3") ? 3 : 1;
+  return listType == 1 && contactType == contactsType ? rt::array(allContacts(self))
+                                                      : rt::array({});
 }
 Id getContactListShort(Id self, SEL, unsigned listType, unsigned contactType) {
   return getContactList(self, nullptr, listType, contactType, true);

@@ -62,6 +62,8 @@ const std::set<std::string>& knownHostVariants() {
   //   extra object argument, a signature no hook of the system fits.
   // about-version-in-bar: the About page's version label lies in the band
   //   its navigation bar covers.
+  // contacts-type-3: the contact manager lists the user's contacts under
+  //   contact type 3 only (see contacts.cpp).
   static const std::set<std::string> names = {"store-ignores-canshow",
                                               "list-through-logic",
                                               "session-key-first",
@@ -77,7 +79,8 @@ const std::set<std::string>& knownHostVariants() {
                                               "ints-unsigned",
                                               "ints-32",
                                               "notify-args-changed",
-                                              "about-version-in-bar"};
+                                              "about-version-in-bar",
+                                              "contacts-type-3"};
   return names;
 }
 

@@ -40,13 +40,6 @@ bool createDirectories(const std::string& path) {
   return std::filesystem::is_directory(path, ec);
 }
 
-bool excludeFromBackup(const std::string& path) {
-  std::error_code ec;
-  if (!std::filesystem::exists(path, ec)) return false;
-  sim::currentProcess().device().excludeFromBackup(path);
-  return true;
-}
-
 bool fileExists(const std::string& path) {
   std::error_code ec;
   return std::filesystem::exists(path, ec);

@@ -1,5 +1,6 @@
 // The motion facade on the simulated device: updates are asked for here and
-// fed by the simulator's `shake`, in virtual time, in sample order.
+// fed by the simulator's `shake`, in virtual time, in sample order. Updates
+// asked of a sensor the device lacks never arrive, as on a phone.
 #include "sim/process.hpp"
 #include "sys/motion.hpp"
 
@@ -14,6 +15,7 @@ bool accelerometerAvailable() {
 }
 
 void startDeviceMotionUpdates(double interval, std::function<void(Acceleration)> handler) {
+  if (!deviceMotionAvailable()) return;
   sim::PlatformState& p = sim::currentProcess().platform();
   p.motionFromAccelerometer = false;
   p.motionInterval = interval;
@@ -21,6 +23,7 @@ void startDeviceMotionUpdates(double interval, std::function<void(Acceleration)>
 }
 
 void startAccelerometerUpdates(double interval, std::function<void(Acceleration)> handler) {
+  if (!accelerometerAvailable()) return;
   sim::PlatformState& p = sim::currentProcess().platform();
   p.motionFromAccelerometer = true;
   p.motionInterval = interval;

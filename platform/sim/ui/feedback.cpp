@@ -27,6 +27,7 @@ void evaluateBiometrics(const BiometricRequest& request, std::function<void(bool
     return;
   }
   p.biometricReason = request.reason;
+  p.biometricFallbackTitle = request.fallbackTitle;
   p.biometricReply = std::move(reply);
   // The system's sheet takes the screen a moment later: the app resigns active.
   sys::async([] { sim::currentProcess().systemPromptAppeared(); });
