@@ -85,7 +85,8 @@ void Device::takeBackup() {
       it.disable_recursion_pending();
       continue;
     }
-    BackupItem item{relative};
+    BackupItem item;
+    item.relativePath = relative;
     if (it->is_symlink(ec)) {
       continue;  // links, FIFOs and sockets are not backed up
     } else if (it->is_directory(ec)) {
