@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <tuple>
 
 #include "sim/plist_codec.hpp"
@@ -38,6 +39,28 @@ bool datedName(const std::string& name) {
 std::string csv(const std::set<std::string>& s) {
   std::string out;
   for (const auto& u : s) out += (out.empty() ? "" : " ") + u;
+  return "[" + out + "]";
+}
+
+constexpr const char* kNone = "(none)";
+
+std::string shown(std::optional<long> x) { return x ? std::to_string(*x) : kNone; }
+std::string shown(std::optional<bool> x) { return x ? (*x ? "true" : "false") : kNone; }
+std::string shown(bool x) { return x ? "true" : "false"; }
+
+// Windows as "HH:MM-HH:MM show|hide" in the order of their starts, whatever
+// order they were kept in: the file's order is not the user's data.
+std::string spans(const std::vector<Window>& windows) {
+  std::vector<std::tuple<long, long, bool>> sorted;
+  for (const Window& w : windows) sorted.emplace_back(w.start, w.end, w.hide);
+  std::sort(sorted.begin(), sorted.end());
+  std::string out;
+  char buf[96];
+  for (const auto& [start, end, hide] : sorted) {
+    std::snprintf(buf, sizeof buf, "%s%02ld:%02ld-%02ld:%02ld %s", out.empty() ? "" : " ",
+                  start / 60, start % 60, end / 60, end % 60, hide ? "hide" : "show");
+    out += buf;
+  }
   return "[" + out + "]";
 }
 
@@ -214,7 +237,9 @@ std::optional<Breach> Checker::judgeScreens(const Observation& o, const Key& k) 
 // 8. The system log, as a phone keeps it, never names a secret: a username
 // in a line is a private argument, redacted there.
 std::optional<Breach> Checker::judgeKeptLog(const Observation& o) const {
-  auto wordChar = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '@'; };
+  auto wordChar = [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '@';
+  };
   for (const std::string& line : o.keptLog)
     for (const std::string& s : settings_.secrets)
       for (std::size_t at = line.find(s); at != std::string::npos; at = line.find(s, at + 1)) {
@@ -232,8 +257,8 @@ std::optional<Breach> Checker::judgeSnapshot(const Observation& o) {
   if (exempt_ & fed) return std::nullopt;
   for (const auto& r : o.snapshot->rows)
     if (settings_.secrets.count(r))
-      return Breach{3, "the app switcher's picture of the " + o.snapshot->screen +
-                           " list shows secret " + r};
+      return Breach{
+          3, "the app switcher's picture of the " + o.snapshot->screen + " list shows secret " + r};
   return std::nullopt;
 }
 
@@ -287,7 +312,9 @@ std::optional<Breach> Checker::judgeKeptAside(const Observation& o) const {
   if (!kept) return std::nullopt;
   const auto& [name, bytes] = *o.besideFile.begin();
   if (!datedName(name)) return Breach{5, "the damaged settings file is kept aside as " + name};
-  if (bytes != *initialFile_) return Breach{5, "the damaged settings file lost bytes aside"};
+  if (bytes != *initialFile_)
+    return Breach{5, "the damaged settings file changed aside: " + std::to_string(bytes.size()) +
+                         " bytes kept, " + std::to_string(initialFile_->size()) + " were there"};
   return std::nullopt;
 }
 
@@ -337,18 +364,10 @@ std::optional<Breach> Checker::judgeFile(const Observation& o) {
   if (!o.file) return Breach{5, "the settings file is gone after a save"};
   std::optional<base::Value> v = sim::decodePlist(*o.file);
   if (!v || !v->isDictionary()) return Breach{5, "the settings file does not parse after a save"};
-  auto mismatch = [](const std::string& key, const std::string& want) {
-    return Breach{5, "the settings file holds another " + key + " than last saved (" + want + ")"};
+  // Both values, as the file holds them and as last saved.
+  auto mismatch = [](const std::string& key, const std::string& held, const std::string& want) {
+    return Breach{5, "the settings file holds " + key + " " + held + ", last saved " + want};
   };
-  std::set<std::string> secrets;
-  if (const base::Value* s = v->find("secrets"); s && s->isArray())
-    for (const base::Value& e : *s->asArray())
-      if (const std::string* n = e.asString()) secrets.insert(*n);
-  if (secrets != settings_.secrets)
-    return mismatch("secrets " + csv(secrets), csv(settings_.secrets));
-  const base::Value* pw = v->find("password");
-  if (!pw || !pw->asString() || *pw->asString() != settings_.password)
-    return mismatch("password", settings_.password);
   auto integer = [&](const char* key) {
     const base::Value* x = v->find(key);
     return x ? x->integerValue() : std::nullopt;
@@ -357,30 +376,41 @@ std::optional<Breach> Checker::judgeFile(const Observation& o) {
     const base::Value* x = v->find(key);
     return x ? x->boolValue() : std::nullopt;
   };
-  if (integer("visibilityControl") != (settings_.manual ? 0 : 1))
-    return mismatch("visibilityControl", "");
-  if (integer("secretNotifyMode") != settings_.notifyMode) return mismatch("secretNotifyMode", "");
-  if (boolean("voipVoiceNotify") != settings_.voice) return mismatch("voipVoiceNotify", "");
-  if (boolean("voipVideoNotify") != settings_.video) return mismatch("voipVideoNotify", "");
+  std::set<std::string> secrets;
+  if (const base::Value* s = v->find("secrets"); s && s->isArray())
+    for (const base::Value& e : *s->asArray())
+      if (const std::string* n = e.asString()) secrets.insert(*n);
+  if (secrets != settings_.secrets)
+    return mismatch("secrets", csv(secrets), csv(settings_.secrets));
+  const base::Value* pw = v->find("password");
+  const std::string* held = pw ? pw->asString() : nullptr;
+  if (!held || *held != settings_.password)
+    return mismatch("password", held ? *held : kNone, settings_.password);
+  if (auto x = integer("visibilityControl"); x != (settings_.manual ? 0 : 1))
+    return mismatch("visibilityControl", shown(x), settings_.manual ? "0" : "1");
+  if (auto x = integer("secretNotifyMode"); x != settings_.notifyMode)
+    return mismatch("secretNotifyMode", shown(x), std::to_string(settings_.notifyMode));
+  if (auto x = boolean("voipVoiceNotify"); x != settings_.voice)
+    return mismatch("voipVoiceNotify", shown(x), shown(settings_.voice));
+  if (auto x = boolean("voipVideoNotify"); x != settings_.video)
+    return mismatch("voipVideoNotify", shown(x), shown(settings_.video));
   for (const auto& [key, on] : settings_.switches)
-    if (boolean(key) != on) return mismatch(key, on ? "true" : "false");
+    if (auto x = boolean(key); x != on) return mismatch(key, shown(x), shown(on));
   for (const auto& [key, mode] : settings_.modes)
-    if (integer(key.c_str()) != mode) return mismatch(key, std::to_string(mode));
+    if (auto x = integer(key.c_str()); x != mode)
+      return mismatch(key, shown(x), std::to_string(mode));
   if (settings_.windowsKnown) {
-    using Span = std::tuple<long, long, bool>;
-    std::vector<Span> want, onDisk;
-    for (const Window& w : settings_.windows) want.emplace_back(w.start, w.end, w.hide);
+    std::vector<Window> onDisk;
     if (const base::Value* list = v->find("dailyWindows"); list && list->isArray())
       for (const base::Value& e : *list->asArray()) {
         auto field = [&](const char* key) {
           const base::Value* x = e.find(key);
           return x ? x->integerValue().value_or(-1) : -1;
         };
-        onDisk.emplace_back(field("start"), field("end"), field("mode") == 1);
+        onDisk.push_back(Window{field("start"), field("end"), field("mode") == 1});
       }
-    std::sort(want.begin(), want.end());
-    std::sort(onDisk.begin(), onDisk.end());
-    if (want != onDisk) return mismatch("dailyWindows", std::to_string(want.size()) + " windows");
+    if (spans(onDisk) != spans(settings_.windows))
+      return mismatch("dailyWindows", spans(onDisk), spans(settings_.windows));
   }
   return std::nullopt;
 }
