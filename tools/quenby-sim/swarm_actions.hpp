@@ -46,14 +46,28 @@ struct ActionWeight {
 
 // The user's day, step by step. The order is the draw's: a seed replays only
 // while it stays.
+// clang-format off
 inline constexpr ActionWeight kActionWeights[] = {
-    {Action::Message, 3},        {Action::Call, 1},          {Action::MomentOrSession, 1},
-    {Action::Open, 1},           {Action::Shake, 2},         {Action::LongPress, 1},
-    {Action::WayIn, 1},          {Action::Type, 2},          {Action::Press, 1},
-    {Action::Biometric, 1},      {Action::PanelRow, 1},      {Action::Secret, 1},
-    {Action::Setting, 1, false}, {Action::LeaveOrReturn, 1}, {Action::Restart, 1},
-    {Action::ShortWait, 1},      {Action::ThresholdWait, 4}, {Action::Send, 2},
+    {Action::Message, 3},
+    {Action::Call, 1},
+    {Action::MomentOrSession, 1},
+    {Action::Open, 1},
+    {Action::Shake, 2},
+    {Action::LongPress, 1},
+    {Action::WayIn, 1},
+    {Action::Type, 2},
+    {Action::Press, 1},
+    {Action::Biometric, 1},
+    {Action::PanelRow, 1},
+    {Action::Secret, 1},
+    {Action::Setting, 1, /*needsFreeScreen=*/true},
+    {Action::LeaveOrReturn, 1},
+    {Action::Restart, 1},
+    {Action::ShortWait, 1},
+    {Action::ThresholdWait, 4},
+    {Action::Send, 2},
 };
+// clang-format on
 
 enum class PanelStep { SettingRow, AddSecret, PasswordRow, WindowEditor, SwipeDelete };
 
@@ -64,11 +78,15 @@ struct PanelStepWeight {
 };
 
 // Once the panel is the step: its rows, by how often a person uses them.
+// clang-format off
 inline constexpr PanelStepWeight kPanelStepWeights[] = {
-    {PanelStep::SettingRow, 7},        {PanelStep::AddSecret, 1},
-    {PanelStep::PasswordRow, 1, true}, {PanelStep::WindowEditor, 1, true},
-    {PanelStep::SwipeDelete, 1, true},
+    {PanelStep::SettingRow, 7},
+    {PanelStep::AddSecret, 1},
+    {PanelStep::PasswordRow, 1, /*worthTheWayIn=*/true},
+    {PanelStep::WindowEditor, 1, /*worthTheWayIn=*/true},
+    {PanelStep::SwipeDelete, 1, /*worthTheWayIn=*/true},
 };
+// clang-format on
 
 // A number below n, from the run's seeded source.
 using Pick = std::function<std::uint64_t(std::uint64_t n)>;
