@@ -42,6 +42,16 @@ TEST(SwarmActions, EachActionIsDrawnAsOftenAsItsWeightAndSettingNeverBehindThePa
   EXPECT_GT(free[Action::Setting], 0u);
 }
 
+TEST(SwarmActions, EveryActionHasOneRowAndAWeight) {
+  std::map<Action, int> rows;
+  for (const auto& a : qbsim::swarm::kActionWeights) {
+    ++rows[a.action];
+    EXPECT_GT(a.weight, 0u) << "a row of weight 0 is an action the swarm never takes: "
+                            << int(a.action);
+  }
+  for (int a = 0; a <= int(Action::Send); ++a) EXPECT_EQ(rows[Action(a)], 1) << a;
+}
+
 TEST(SwarmActions, ARowOfWeightZeroIsNeverDrawnAndAnEmptyTableDrawsNothing) {
   struct Row {
     char what;

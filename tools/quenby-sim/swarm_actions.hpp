@@ -28,7 +28,7 @@ enum class Action {
   Restart,  // launch, quit, or back to the main list
   ShortWait,
   ThresholdWait,  // just before, at or after one of the system's own thresholds
-  Send,
+  Send,           // the last: the tests count up to it
 };
 
 // What is on screen, as far as the choice depends on it.
