@@ -378,6 +378,22 @@ TEST(SwarmChecker, EveryFieldOfASaveIsJudgedAndABreachNamesBothValues) {
   }
 }
 
+TEST(SwarmSettings, ASwitchFlippedToWhatItShowsSavesNothingWhateverTheModelHeld) {
+  // The panel opened on a file the model had not caught up with: the voice
+  // switch shows on while the model holds off.
+  Settings s;
+  EXPECT_FALSE(qbsim::swarm::learnSwitch(s, "voipVoiceNotify", true, "on"));
+  EXPECT_FALSE(s.voice) << "nothing saved, nothing learnt";
+  EXPECT_TRUE(qbsim::swarm::learnSwitch(s, "voipVoiceNotify", false, "on"));
+  EXPECT_FALSE(s.voice);
+  EXPECT_TRUE(qbsim::swarm::learnSwitch(s, "shakeHide", false, "on"));
+  EXPECT_FALSE(s.switches["shakeHide"]);
+  EXPECT_TRUE(qbsim::swarm::learnSwitch(s, "voipVideoNotify", true, "off"));
+  EXPECT_TRUE(s.video);
+  EXPECT_FALSE(qbsim::swarm::learnSwitch(s, "voipVideoNotify", false, "off"));
+  EXPECT_TRUE(s.video) << "the model keeps what it held when the switch does not move";
+}
+
 TEST(SwarmChecker, TheKeptLogNamingASecretAsAWordBreaksTheEighthPromise) {
   Checker c(withBob(), std::nullopt, false, 0);
   Observation o;

@@ -67,8 +67,7 @@ void Day::panelStep() {
 }
 
 // A check or a switch row of the panel's table, and the value the table
-// says it saves. A switch moved to where it already shows sends nothing, so
-// nothing is saved, whatever the model last knew.
+// says it saves.
 void Day::settingRow() {
   std::vector<const panel::PanelRow*> rows;
   for (const panel::PanelRow& r : panel::panelRows())
@@ -78,12 +77,15 @@ void Day::settingRow() {
   bool on = chance(50);
   bool isSwitch = r.kind == panel::RowKind::Switch;
   Settings next = model_;
-  learnSetting(next, r.key, isSwitch ? (on ? "true" : "false") : std::to_string(r.value));
-  std::optional<World::ShownRow> shown;
-  if (isSwitch) shown = world_.panelRow(r.section, r.row);
-  bool unmoved = shown && shown->state == (on ? "on" : "off");
+  bool saves = true;
+  if (isSwitch) {
+    std::optional<World::ShownRow> shown = world_.panelRow(r.section, r.row);
+    saves = learnSwitch(next, r.key, on, shown ? shown->state : "");
+  } else {
+    learnSetting(next, r.key, std::to_string(r.value));
+  }
   exec(isSwitch ? "panel switch " + at + (on ? " on" : " off") : "panel tap " + at, [&] {
-    if (!unmoved) savedNow(next);
+    if (saves) savedNow(next);
   });
 }
 

@@ -52,4 +52,9 @@ bool learnSetting(Settings& s, const std::string& key, const std::string& value,
   return true;
 }
 
+bool learnSwitch(Settings& s, const std::string& key, bool on, const std::string& showed) {
+  if (showed == (on ? "on" : "off")) return false;
+  return learnSetting(s, key, on ? "true" : "false");
+}
+
 }  // namespace qbsim::swarm

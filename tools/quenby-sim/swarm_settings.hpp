@@ -44,4 +44,9 @@ std::vector<Window> byStart(std::vector<Window> windows);
 bool learnSetting(Settings& s, const std::string& key, const std::string& value,
                   const std::vector<Window>& windows = {});
 
+// What flipping the panel's switch for KEY to `on` saves into `s`, given the
+// state the switch showed ("on", "off", or "" when not seen): nothing when it
+// showed `on` already, since the app hears of no change, whatever `s` held.
+bool learnSwitch(Settings& s, const std::string& key, bool on, const std::string& showed);
+
 }  // namespace qbsim::swarm
