@@ -14,7 +14,7 @@
 
 namespace qbsim::swarm {
 
-// What a person could see after a step, gathered by the driver from the host.
+// What a person could see after a step, gathered by the world from the host.
 struct Observation {
   bool running = false;
   bool active = false;
