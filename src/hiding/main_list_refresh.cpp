@@ -25,9 +25,6 @@ using host::QBRuntime;
 using rt::Id;
 using rt::SEL;
 
-constexpr double kSoftReloadThrottle_s = 0.75;
-constexpr double kForceApplyThrottle_s = 1.0;
-constexpr double kAppearanceThrottle_s = 0.8;
 constexpr double kScrollRetryDelay_s = 0.4;
 // After the host's own viewDidLoad / viewDidAppear: have the list built first.
 constexpr double kAfterLoadReapply_s = 0.15;

@@ -25,8 +25,6 @@ using host::QBRuntime;
 using rt::Id;
 using rt::SEL;
 
-constexpr double kCountCacheLife_s = 0.45;
-
 // Listing by index, for a host without the session arrays: how far to ask.
 // Rows asked for when the host gives no visible count.
 constexpr long kListingDefaultRows = 210;

@@ -82,6 +82,14 @@ long QBSessionHooks::filteredCount(long hostCount, Fetch fetch) {
   return n;
 }
 
+// How long a counted main list is trusted before the host is asked again.
+inline constexpr double kCountCacheLife_s = 0.45;
+// The least time between two soft reloads, two forced applies, and two
+// reloads on the main list's appearance.
+inline constexpr double kSoftReloadThrottle_s = 0.75;
+inline constexpr double kForceApplyThrottle_s = 1.0;
+inline constexpr double kAppearanceThrottle_s = 0.8;
+
 inline constexpr const char* kMainFrameClass = "NewMainFrameViewController";
 inline constexpr const char* kContactsScreenClass = "ContactsViewController";
 

@@ -305,3 +305,106 @@ TEST(SwarmChecker, ASecretSuggestedOrFoundBreaksTheSeventhPromiseInAnyState) {
 }
 
 }  // namespace
+
+namespace {
+
+// A settings file that holds exactly `s`, as the library writes one.
+base::Dictionary fileOf(const Settings& s) {
+  base::Dictionary d;
+  base::Array secrets;
+  for (const auto& u : s.secrets) secrets.emplace_back(u);
+  d.emplace_back("secrets", base::Value(std::move(secrets)));
+  d.emplace_back("password", base::Value(s.password));
+  d.emplace_back("visibilityControl", base::Value(s.manual ? 0L : 1L));
+  d.emplace_back("secretNotifyMode", base::Value(s.notifyMode));
+  d.emplace_back("voipVoiceNotify", base::Value(s.voice));
+  d.emplace_back("voipVideoNotify", base::Value(s.video));
+  for (const auto& [key, on] : s.switches) d.emplace_back(key, base::Value(on));
+  for (const auto& [key, mode] : s.modes) d.emplace_back(key, base::Value(mode));
+  base::Array windows;
+  for (const auto& w : s.windows)
+    windows.emplace_back(base::Dictionary{{"start", base::Value(w.start)},
+                                          {"end", base::Value(w.end)},
+                                          {"mode", base::Value(w.hide ? 1L : 0L)}});
+  d.emplace_back("dailyWindows", base::Value(std::move(windows)));
+  return d;
+}
+
+void put(base::Dictionary& d, const std::string& key, base::Value v) {
+  for (auto& [k, value] : d)
+    if (k == key) value = std::move(v);
+}
+
+TEST(SwarmChecker, EveryFieldOfASaveIsJudgedAndABreachNamesBothValues) {
+  Settings saved = withBob();
+  saved.manual = false;
+  saved.notifyMode = 1;
+  saved.voice = false;
+  saved.video = true;
+  saved.switches["shakeHide"] = false;
+  saved.modes["revealAuthMode"] = 1;
+  saved.windows = {{600, 660, true}, {60, 120, false}};
+  saved.windowsKnown = true;
+  struct Wrong {
+    const char* key;
+    base::Value value;
+    const char* message;
+  };
+  const Wrong wrongs[] = {
+      {"secrets", base::Value(base::Array{}), "secrets [], last saved [bob]"},
+      {"password", base::Value(std::string("2468")), "password 2468, last saved 7351"},
+      {"visibilityControl", base::Value(0L), "visibilityControl 0, last saved 1"},
+      {"secretNotifyMode", base::Value(2L), "secretNotifyMode 2, last saved 1"},
+      {"voipVoiceNotify", base::Value(true), "voipVoiceNotify true, last saved false"},
+      {"voipVideoNotify", base::Value(false), "voipVideoNotify false, last saved true"},
+      {"shakeHide", base::Value(true), "shakeHide true, last saved false"},
+      {"revealAuthMode", base::Value(0L), "revealAuthMode 0, last saved 1"},
+      {"dailyWindows", base::Value(base::Array{}),
+       "dailyWindows [], last saved [01:00-02:00 show 10:00-11:00 hide]"},
+  };
+  for (const Wrong& w : wrongs) {
+    Checker c(Settings{}, std::nullopt, false, 0);
+    c.saved(saved, 0);
+    base::Dictionary d = fileOf(saved);
+    Observation o;
+    o.file = sim::encodePlist(base::Value(d), sys::PlistFormat::Xml);
+    EXPECT_FALSE(c.check(o)) << "the file as saved, windows in another order";
+    put(d, w.key, w.value);
+    o.file = sim::encodePlist(base::Value(d), sys::PlistFormat::Xml);
+    auto b = c.check(o);
+    ASSERT_TRUE(b) << w.key;
+    EXPECT_EQ(b->invariant, 5);
+    EXPECT_EQ(b->what, std::string("the settings file holds ") + w.message);
+  }
+}
+
+TEST(SwarmSettings, ASwitchFlippedToWhatItShowsSavesNothingWhateverTheModelHeld) {
+  // The panel opened on a file the model had not caught up with: the voice
+  // switch shows on while the model holds off.
+  Settings s;
+  EXPECT_FALSE(qbsim::swarm::learnSwitch(s, "voipVoiceNotify", true, "on"));
+  EXPECT_FALSE(s.voice) << "nothing saved, nothing learnt";
+  EXPECT_TRUE(qbsim::swarm::learnSwitch(s, "voipVoiceNotify", false, "on"));
+  EXPECT_FALSE(s.voice);
+  EXPECT_TRUE(qbsim::swarm::learnSwitch(s, "shakeHide", false, "on"));
+  EXPECT_FALSE(s.switches["shakeHide"]);
+  EXPECT_TRUE(qbsim::swarm::learnSwitch(s, "voipVideoNotify", true, "off"));
+  EXPECT_TRUE(s.video);
+  EXPECT_FALSE(qbsim::swarm::learnSwitch(s, "voipVideoNotify", false, "off"));
+  EXPECT_TRUE(s.video) << "the model keeps what it held when the switch does not move";
+}
+
+TEST(SwarmChecker, TheKeptLogNamingASecretAsAWordBreaksTheEighthPromise) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Observation o;
+  o.keptLog = {"[QB] hid 1 session", "[QB] bobby and bob_2 are not secret"};
+  EXPECT_EQ(breachOf(c, o), 0) << "a longer name that starts alike is someone else";
+  o.keptLog = {"[QB] reveal for bob, 2 rows"};
+  auto b = c.check(o);
+  ASSERT_TRUE(b);
+  EXPECT_EQ(b->invariant, 8);
+  o.keptLog = {"[QB] reveal for <private>, 2 rows"};
+  EXPECT_EQ(breachOf(c, o), 0);
+}
+
+}  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <tuple>
 
 #include "sim/codec/plist_codec.hpp"
@@ -24,21 +25,6 @@ constexpr double kAutoLockSpacing = 0.85;
 
 bool isHeldScreen(const std::string& s) {
   return s == "alert" || s == "biometric" || s == "panel" || s == "picker";
-}
-
-// "config-2025-11-25-031700.plist": the date and time, digits where digits go.
-bool datedName(const std::string& name) {
-  const std::string shape = "config-0000-00-00-000000.plist";
-  if (name.size() != shape.size()) return false;
-  for (std::size_t i = 0; i < shape.size(); ++i)
-    if (shape[i] == '0' ? !std::isdigit((unsigned char)name[i]) : name[i] != shape[i]) return false;
-  return true;
-}
-
-std::string csv(const std::set<std::string>& s) {
-  std::string out;
-  for (const auto& u : s) out += (out.empty() ? "" : " ") + u;
-  return "[" + out + "]";
 }
 
 }  // namespace
@@ -278,21 +264,6 @@ std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hid
   return std::nullopt;
 }
 
-// What cannot be read is the user's data all the same: the first launch moves
-// it aside whole, under a dated name beside it, and nothing else is ever left
-// there (no temporary file).
-std::optional<Breach> Checker::judgeKeptAside(const Observation& o) const {
-  bool kept = damaged_ && launchedOnce_;
-  if (o.besideFile.size() != (kept ? 1u : 0u))
-    return Breach{5, std::to_string(o.besideFile.size()) + " items beside the settings file" +
-                         (o.besideFile.empty() ? "" : ", first " + o.besideFile.begin()->first)};
-  if (!kept) return std::nullopt;
-  const auto& [name, bytes] = *o.besideFile.begin();
-  if (!datedName(name)) return Breach{5, "the damaged settings file is kept aside as " + name};
-  if (bytes != *initialFile_) return Breach{5, "the damaged settings file lost bytes aside"};
-  return std::nullopt;
-}
-
 // 6. While hidden in mode 0 the lock screen lists nothing of a secret's: what
 // came while they were shown is gone once they hide (or a contact becomes
 // secret, or the app starts). Choosing mode 0 hides nothing, so what was
@@ -323,67 +294,6 @@ std::optional<Breach> Checker::judgeOutside(const Observation& o) {
       if (secret(u)) return Breach{7, "the share sheet suggests secret " + u};
   for (const auto& u : o.indexed)
     if (secret(u)) return Breach{7, "a system search finds secret " + u};
-  return std::nullopt;
-}
-
-std::optional<Breach> Checker::judgeFile(const Observation& o) {
-  if (auto b = judgeKeptAside(o)) return b;
-  if (!saved_) {
-    if (damaged_ && launchedOnce_) {
-      if (o.file) return Breach{5, "the damaged settings file is still in place after launch"};
-    } else if (o.file != initialFile_) {
-      return Breach{5, "the settings file changed before anything was saved"};
-    }
-    return std::nullopt;
-  }
-  if (!o.file) return Breach{5, "the settings file is gone after a save"};
-  std::optional<base::Value> v = sim::decodePlist(*o.file);
-  if (!v || !v->isDictionary()) return Breach{5, "the settings file does not parse after a save"};
-  auto mismatch = [](const std::string& key, const std::string& want) {
-    return Breach{5, "the settings file holds another " + key + " than last saved (" + want + ")"};
-  };
-  std::set<std::string> secrets;
-  if (const base::Value* s = v->find("secrets"); s && s->isArray())
-    for (const base::Value& e : *s->asArray())
-      if (const std::string* n = e.asString()) secrets.insert(*n);
-  if (secrets != settings_.secrets)
-    return mismatch("secrets " + csv(secrets), csv(settings_.secrets));
-  const base::Value* pw = v->find("password");
-  if (!pw || !pw->asString() || *pw->asString() != settings_.password)
-    return mismatch("password", settings_.password);
-  auto integer = [&](const char* key) {
-    const base::Value* x = v->find(key);
-    return x ? x->integerValue() : std::nullopt;
-  };
-  auto boolean = [&](const std::string& key) {
-    const base::Value* x = v->find(key);
-    return x ? x->boolValue() : std::nullopt;
-  };
-  if (integer("visibilityControl") != (settings_.manual ? 0 : 1))
-    return mismatch("visibilityControl", "");
-  if (integer("secretNotifyMode") != settings_.notifyMode) return mismatch("secretNotifyMode", "");
-  if (boolean("voipVoiceNotify") != settings_.voice) return mismatch("voipVoiceNotify", "");
-  if (boolean("voipVideoNotify") != settings_.video) return mismatch("voipVideoNotify", "");
-  for (const auto& [key, on] : settings_.switches)
-    if (boolean(key) != on) return mismatch(key, on ? "true" : "false");
-  for (const auto& [key, mode] : settings_.modes)
-    if (integer(key.c_str()) != mode) return mismatch(key, std::to_string(mode));
-  if (settings_.windowsKnown) {
-    using Span = std::tuple<long, long, bool>;
-    std::vector<Span> want, onDisk;
-    for (const Window& w : settings_.windows) want.emplace_back(w.start, w.end, w.hide);
-    if (const base::Value* list = v->find("dailyWindows"); list && list->isArray())
-      for (const base::Value& e : *list->asArray()) {
-        auto field = [&](const char* key) {
-          const base::Value* x = e.find(key);
-          return x ? x->integerValue().value_or(-1) : -1;
-        };
-        onDisk.emplace_back(field("start"), field("end"), field("mode") == 1);
-      }
-    std::sort(want.begin(), want.end());
-    std::sort(onDisk.begin(), onDisk.end());
-    if (want != onDisk) return mismatch("dailyWindows", std::to_string(want.size()) + " windows");
-  }
   return std::nullopt;
 }
 

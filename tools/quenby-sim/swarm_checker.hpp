@@ -10,31 +10,11 @@
 #include <vector>
 
 #include "sim/device/notices.hpp"
+#include "swarm_settings.hpp"
 
 namespace qbsim::swarm {
 
-struct Window {
-  long start = 0, end = 0;  // minutes of the day
-  bool hide = false;
-};
-
-// What the user last saved, as the model knows it.
-struct Settings {
-  std::set<std::string> secrets;
-  std::string password = "7351";
-  bool manual = true;
-  long notifyMode = 0;
-  bool voice = false, video = false;
-  std::vector<Window> windows;
-  bool windowsKnown = false;
-  std::map<std::string, bool> switches = {{"shakeShow", true},
-                                          {"shakeHide", true},
-                                          {"longPressUnlock", true},
-                                          {"passwordFallback", true}};
-  std::map<std::string, long> modes;  // auth modes written, by file key
-};
-
-// What a person could see after a step, gathered by the driver from the host.
+// What a person could see after a step, gathered by the world from the host.
 struct Observation {
   bool running = false;
   bool active = false;
