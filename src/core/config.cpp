@@ -115,6 +115,7 @@ void QBConfig::applyGate() {
   gateSalt_ = gate->salt;
   gateHashes_ = std::move(gate->hashes);
   gateAnswers_.clear();
+  changed();
 }
 
 void QBConfig::readAfterUnlock() {
@@ -133,6 +134,7 @@ void QBConfig::readAfterUnlock() {
     gateHashes_.clear();
     gateAnswers_.clear();
   }
+  changed();
   sys::removeObserver(sys::ObserverToken{unlockObserver_});
   sys::log("[QB] config read after first unlock");
   requestVisibilitySync();
@@ -222,6 +224,7 @@ void QBConfig::applySettings(const base::Value& file) {
       if (const std::string* name = e.asString(); name && !name->empty()) secrets.insert(*name);
   }
   secrets_ = std::move(secrets);
+  changed();
 }
 
 base::Value QBConfig::settingsDictionary() {

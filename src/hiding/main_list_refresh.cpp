@@ -199,6 +199,8 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
   if (!force && now - s.lastSoftReloadAt < kSoftReloadThrottle_s) return;
   s.lastSoftReloadAt = now;
   s.reloadBusy = true;
+  // A reload is where the lists catch up with the host: walked afresh.
+  flushRowMaps();
   // A main list under the user's finger defers the whole reload, busy until the retry.
   bool deferred = host::guarded(
       "[QB] softReload ex: %@",
