@@ -216,6 +216,15 @@ TEST_F(RowMaps, TheHostsOwnChangesAreSeenBetweenCalls) {
   setList({"c", "S", "b"});
   EXPECT_EQ(viewRow(1), "b") << "a deleted";
   EXPECT_EQ(viewRow(2), "(nil)");
+  ASSERT_EQ(viewCount(), 2);
+  setList({"x", "S", "b"});
+  EXPECT_EQ(viewCount(), 2) << "the top chat replaced";
+  setList({"S", "a", "b"});
+  EXPECT_EQ(viewCount(), 2);
+  setList({"x", "a", "b"});
+  EXPECT_EQ(viewCount(), 3) << "a secret at the top replaced";
+  setList({"x", "a", "S"});
+  EXPECT_EQ(viewCount(), 2) << "the bottom chat replaced by a secret";
 }
 
 // The host's own paths: a message reorders the list and a deleted chat, each
