@@ -182,7 +182,8 @@ const char* const kCountSel = "countOfTimelineDataItem";
 const char* const kItemSel = "getTimelineDataItemOfIndex:";
 
 Id hostItemAt(Id facade, long index) {
-  return extraState().getTimelineDataItemOfIndex.original(facade, rt::sel(kItemSel), index);
+  const host::Hook<Id(long)>& h = extraState().getTimelineDataItemOfIndex;
+  return h.original(facade, h.selector(), index);
 }
 
 RowMapKey momentsKey(Id facade, unsigned long n) {
@@ -220,7 +221,8 @@ Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
         if (!original.available()) return nullptr;
         if (!hiding()) return original(index);
         if (!s.countOfTimelineDataItem.installed()) return nullptr;
-        unsigned long n = s.countOfTimelineDataItem.original(self, rt::sel(kCountSel));
+        unsigned long n =
+            s.countOfTimelineDataItem.original(self, s.countOfTimelineDataItem.selector());
         long i = s.moments.hostRow(
             momentsKey(self, n), sys::mediaTime(), index,
             [&](long k) { return hostItemAt(self, k); }, QBExtraHooks::isSecretEntry);
