@@ -181,14 +181,14 @@ Id getDicContacts(Id self, SEL cmd) {
 const char* const kCountSel = "countOfTimelineDataItem";
 const char* const kItemSel = "getTimelineDataItemOfIndex:";
 
-Id hostItemAt(Id facade, long index) {
-  const host::Hook<Id(long)>& h = extraState().getTimelineDataItemOfIndex;
-  return h.original(facade, h.selector(), index);
+Id hostItemAt(const ExtraHooksState& s, Id facade, long index) {
+  return s.getTimelineDataItemOfIndex.original(facade, s.getTimelineDataItemOfIndex.selector(),
+                                               index);
 }
 
-RowMapKey momentsKey(Id facade, unsigned long n) {
+RowMapKey momentsKey(const ExtraHooksState& s, Id facade, unsigned long n) {
   long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
-  return {&extraState().getTimelineDataItemOfIndex,
+  return {&s.getTimelineDataItemOfIndex,
           facade,
           0,
           long(std::min<unsigned long>(n, std::numeric_limits<long>::max())),
@@ -206,8 +206,8 @@ unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
         unsigned long n = original();
         if (!hiding() || !s.getTimelineDataItemOfIndex.installed()) return n;
         return (unsigned long)s.moments.shownCount(
-            momentsKey(self, n), sys::mediaTime(), [&](long i) { return hostItemAt(self, i); },
-            QBExtraHooks::isSecretEntry);
+            momentsKey(s, self, n), sys::mediaTime(),
+            [&](long i) { return hostItemAt(s, self, i); }, QBExtraHooks::isSecretEntry);
       },
       self, cmd);
 }
@@ -224,8 +224,8 @@ Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
         unsigned long n =
             s.countOfTimelineDataItem.original(self, s.countOfTimelineDataItem.selector());
         long i = s.moments.hostRow(
-            momentsKey(self, n), sys::mediaTime(), index,
-            [&](long k) { return hostItemAt(self, k); }, QBExtraHooks::isSecretEntry);
+            momentsKey(s, self, n), sys::mediaTime(), index,
+            [&](long k) { return hostItemAt(s, self, k); }, QBExtraHooks::isSecretEntry);
         return i < 0 ? nullptr : s.moments.entryAt(i);
       },
       self, cmd, index);
