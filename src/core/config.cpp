@@ -128,6 +128,7 @@ void QBConfig::applyGateLocked() {
   gateSalt_ = gate->salt;
   gateHashes_ = std::move(gate->hashes);
   gateAnswers_.clear();
+  changed();
 }
 
 void QBConfig::readAfterUnlock() {
@@ -147,6 +148,7 @@ void QBConfig::readAfterUnlock() {
     gateHashes_.clear();
     gateAnswers_.clear();
   }
+  changed();
   sys::removeObserver(sys::ObserverToken{unlockObserver_});
   sys::log("[QB] config read after first unlock");
   requestVisibilitySync();
@@ -248,6 +250,7 @@ void QBConfig::applySettingsLocked(const base::Value& file) {
       if (const std::string* name = e.asString(); name && !name->empty()) secrets.insert(*name);
   }
   secrets_ = std::move(secrets);
+  changed();
 }
 
 base::Value QBConfig::settingsDictionary() {

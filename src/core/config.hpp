@@ -128,7 +128,13 @@ class QBConfig {
   long secretCount() const;
 
   bool unlocked() const { return unlocked_; }
-  void setUnlocked(bool v) { unlocked_ = v; }
+  void setUnlocked(bool v) {
+    unlocked_ = v;
+    changed();
+  }
+  // Grows on every change of the secret set or the visibility state, so a
+  // reader that keeps something worked out from them can tell it is stale.
+  std::uint64_t revision() const { return revision_.load(std::memory_order_acquire); }
   bool shouldHideSecrets() const;
   void lock();
   bool tryUnlockSilentWithPassword(std::string_view entered);
@@ -156,12 +162,14 @@ class QBConfig {
   // Writes the gate file when it differs from what the settings say.
   void writeGate();
   void writeGateLocked();
+  void changed() { revision_.fetch_add(1, std::memory_order_acq_rel); }
 
   // The secret set, the two non-scalar settings, load and save. Not
   // recursive: nothing that holds it may call a member that takes it.
   mutable std::mutex lock_;
   std::unordered_set<std::string> secrets_;
   std::atomic<bool> unlocked_{false};
+  std::atomic<std::uint64_t> revision_{0};
   std::atomic<bool> shakeHide_{true}, shakeShow_{true}, longPress_{true}, showNeedsAuth_{true},
       passwordFallback_{true}, backgroundNotify_{false}, voipVoice_{false}, voipVideo_{false},
       suppressAutoLock_{false}, suppressSessionApply_{false};

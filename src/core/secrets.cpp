@@ -41,6 +41,7 @@ void QBConfig::addSecretUser(std::string_view username) {
     std::lock_guard lock(lock_);
     secrets_.insert(std::string(username));
   }
+  changed();
   save();
 }
 
@@ -50,6 +51,7 @@ void QBConfig::removeSecretUser(std::string_view username) {
     std::lock_guard lock(lock_);
     secrets_.erase(std::string(username));
   }
+  changed();
   save();
 }
 
@@ -58,6 +60,7 @@ void QBConfig::clearAllSecretUsers() {
     std::lock_guard lock(lock_);
     secrets_.clear();
   }
+  changed();
   save();
 }
 

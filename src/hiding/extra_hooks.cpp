@@ -4,9 +4,12 @@
 // the secret items skipped. Any failure of the filtering answers with the
 // host's own value, so a failure shows a secret rather than breaking a screen.
 #include "hiding/extra_hooks.hpp"
+#include "hiding/row_map.hpp"
 #include "hiding/session_hooks.hpp"
+#include "hiding/session_state.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -17,6 +20,7 @@
 #include "rt/kvc.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
+#include "sys/clock.hpp"
 #include "sys/log.hpp"
 #include "sys/process_state.hpp"
 
@@ -47,6 +51,9 @@ struct ExtraHooksState {
   ArrayHook getDicContacts;
   host::Hook<unsigned long()> countOfTimelineDataItem;
   host::Hook<Id(long)> getTimelineDataItemOfIndex;
+  // The timeline's shown items. Keyed by the settings revision too: these
+  // hooks read the secrets live, not from the filter's snapshot.
+  RowMap moments;
 };
 
 ExtraHooksState& extraState() { return sys::state<ExtraHooksState>(); }
@@ -168,14 +175,26 @@ Id getDicContacts(Id self, SEL cmd) {
       self, cmd);
 }
 
-// --- Moments: the timeline as if its secret items did not exist. Both
-// walk the host's items from the top on every call, up to the scan cap.
+// --- Moments: the timeline as if its secret items did not exist, up to the
+// scan cap, answered from the timeline's row map.
 
 const char* const kCountSel = "countOfTimelineDataItem";
 const char* const kItemSel = "getTimelineDataItemOfIndex:";
 
-Id hostItemAt(Id facade, long index) {
-  return extraState().getTimelineDataItemOfIndex.original(facade, rt::sel(kItemSel), index);
+Id hostItemAt(const ExtraHooksState& s, Id facade, long index) {
+  return s.getTimelineDataItemOfIndex.original(facade, s.getTimelineDataItemOfIndex.selector(),
+                                               index);
+}
+
+RowMapKey momentsKey(const ExtraHooksState& s, Id facade, unsigned long n) {
+  long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
+  return {&s.getTimelineDataItemOfIndex,
+          facade,
+          0,
+          long(std::min<unsigned long>(n, std::numeric_limits<long>::max())),
+          scan,
+          sessionState().rowMapFlushes,
+          core::QBConfig::shared().revision()};
 }
 
 unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
@@ -186,11 +205,9 @@ unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
       [&](Hook::Original& original) -> unsigned long {
         unsigned long n = original();
         if (!hiding() || !s.getTimelineDataItemOfIndex.installed()) return n;
-        long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
-        unsigned long shown = 0;
-        for (long i = 0; i < scan; ++i)
-          if (!QBExtraHooks::isSecretEntry(hostItemAt(self, i))) ++shown;
-        return shown;
+        return (unsigned long)s.moments.shownCount(
+            momentsKey(s, self, n), sys::mediaTime(),
+            [&](long i) { return hostItemAt(s, self, i); }, QBExtraHooks::isSecretEntry);
       },
       self, cmd);
 }
@@ -204,16 +221,12 @@ Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
         if (!original.available()) return nullptr;
         if (!hiding()) return original(index);
         if (!s.countOfTimelineDataItem.installed()) return nullptr;
-        unsigned long n = s.countOfTimelineDataItem.original(self, rt::sel(kCountSel));
-        long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
-        long shownBefore = 0;
-        for (long i = 0; i < scan; ++i) {
-          Id item = hostItemAt(self, i);
-          if (QBExtraHooks::isSecretEntry(item)) continue;
-          if (shownBefore == index) return item;
-          ++shownBefore;
-        }
-        return nullptr;
+        unsigned long n =
+            s.countOfTimelineDataItem.original(self, s.countOfTimelineDataItem.selector());
+        long i = s.moments.hostRow(
+            momentsKey(s, self, n), sys::mediaTime(), index,
+            [&](long k) { return hostItemAt(s, self, k); }, QBExtraHooks::isSecretEntry);
+        return i < 0 ? nullptr : s.moments.entryAt(i);
       },
       self, cmd, index);
 }

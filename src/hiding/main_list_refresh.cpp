@@ -2,6 +2,9 @@
 // reloads of the main and contacts lists, the two-phase reveal, the forced
 // apply after a state change, installation with its observers, and the
 // lifecycle hooks on the main list's view controller.
+#include <algorithm>
+#include <vector>
+
 #include "core/config.hpp"
 #include "hiding/session_hooks.hpp"
 #include "hiding/session_state.hpp"
@@ -196,14 +199,22 @@ void QBSessionHooks::softReloadMainFrameForce(bool force) {
   if (!force && now - s.lastSoftReloadAt < kSoftReloadThrottle_s) return;
   s.lastSoftReloadAt = now;
   s.reloadBusy = true;
+  // A reload is where the lists catch up with the host: walked afresh.
+  flushRowMaps();
   // A main list under the user's finger defers the whole reload, busy until the retry.
   bool deferred = host::guarded(
       "[QB] softReload ex: %@",
       [&] {
+        // A controller is listed once as a child and again as a tab's or a
+        // navigation stack's: each list is reloaded once per pass.
+        std::vector<Id> reloadedLists;
         for (Id vc : QBRuntime::collectViewControllers()) {
           std::string_view name = rt::className(vc);
           bool main = name == kMainFrameClass;
           if (!main && name != kContactsScreenClass) continue;
+          if (std::find(reloadedLists.begin(), reloadedLists.end(), vc) != reloadedLists.end())
+            continue;
+          reloadedLists.push_back(vc);
           if (!main) {
             for (const char* key : kDataLogicKeys) {
               Id logic = rt::probeKey(vc, key);

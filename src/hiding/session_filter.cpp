@@ -56,11 +56,25 @@ long hostCount(const CountHook& count, Id self, long section) {
   return count.installed() ? count.original(self, count.selector(), section) : 0;
 }
 
+// The settings revision a row map must also match: only a filter that asks
+// the settings for each name (before the first unlock) follows them between
+// refreshes.
+std::uint64_t filterRevision() {
+  return sessionState().filter->byGate ? core::QBConfig::shared().revision() : 0;
+}
+
+RowMapKey mapKey(const RowHook& fetch, Id self, long section, long n) {
+  return {&fetch, self, section, n, n, sessionState().rowMapFlushes, filterRevision()};
+}
+
+bool hidesSession(Id session) { return QBSessionHooks::isSecretSession(session); }
+
 // A row getter over the host's rows: the visible row is mapped onto the
-// host's index by walking the host's sessions (`fetch`) up to the host's
-// count (`count`), then answered by the hook's original for that index.
+// host's index through the family's row map over the host's sessions
+// (`fetch`) up to the host's count (`count`), then answered by the hook's
+// original for that index.
 Id remappedRow(sys::ExLine exLine, const RowHook& hook, Id self, SEL cmd, Id indexPath,
-               const CountHook& count, const RowHook& fetch) {
+               const CountHook& count, const RowHook& fetch, RowMap& rows) {
   SessionHooksState& s = sessionState();
   if (!QBSessionHooks::filterActive() || s.depth != 0 || !rt::isIndexPath(indexPath))
     return hook.originalOr(self, cmd, indexPath);
@@ -71,8 +85,9 @@ Id remappedRow(sys::ExLine exLine, const RowHook& hook, Id self, SEL cmd, Id ind
         long section = rt::indexPathSection(indexPath);
         long n = hostCount(count, self, section);
         if (!fetch.installed()) throw rt::Exception("QBNoFetch", "no session getter");
-        long row = QBSessionHooks::mapRow(rt::indexPathRow(indexPath), n,
-                                          [&](long i) { return fetchAt(fetch, self, i, section); });
+        long row = rows.hostRow(
+            mapKey(fetch, self, section, n), sys::mediaTime(), rt::indexPathRow(indexPath),
+            [&](long i) { return fetchAt(fetch, self, i, section); }, hidesSession);
         if (row < 0) return nullptr;
         return original(rt::indexPath(row, section));
       },
@@ -87,7 +102,7 @@ Id getSessionInfoAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
   return remappedRow("[QB] MainFrameLogicController getSessionInfoAtIndexPath: ex: %@",
                      s.getSessionInfoAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
-                     logicFetch());
+                     logicFetch(), s.logicRows);
 }
 
 Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
@@ -96,14 +111,14 @@ Id getCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
       s.getSessionInfoAtIndexPath.installed() ? logicFetch() : s.getCellDataAtIndexPath;
   return remappedRow("[QB] MainFrameLogicController getCellDataAtIndexPath: ex: %@",
                      s.getCellDataAtIndexPath, self, cmd, indexPath, s.getSessionCountForSection,
-                     fetch);
+                     fetch, s.logicRows);
 }
 
 // A count getter: the host's count first, then the rows left once the secret
-// sessions are taken out; a failure answers with the host's count. Only the
-// logic controller's count is cached.
+// sessions are taken out, from the family's row map; a failure answers with
+// the host's count. Only the logic controller's count is cached.
 long filteredSessionCount(sys::ExLine exLine, const CountHook& hook, const RowHook& fetch,
-                          bool cached, Id self, SEL cmd, long section) {
+                          bool cached, RowMap& rows, Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
   return hook.run(
       exLine,
@@ -115,9 +130,11 @@ long filteredSessionCount(sys::ExLine exLine, const CountHook& hook, const RowHo
             now - s.cachedAt < kCountCacheLife_s)
           return long(s.cachedCount);
         DepthGuard guard(s.depth);
-        long filtered = n < 1 ? 0 : QBSessionHooks::filteredCount(n, [&](long i) {
-          return fetchAt(fetch, self, i, section);
-        });
+        long filtered =
+            n < 1 ? 0
+                  : rows.shownCount(
+                        mapKey(fetch, self, section, n), now,
+                        [&](long i) { return fetchAt(fetch, self, i, section); }, hidesSession);
         if (cached) s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
         return filtered;
       },
@@ -127,7 +144,8 @@ long filteredSessionCount(sys::ExLine exLine, const CountHook& hook, const RowHo
 long getSessionCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
   return filteredSessionCount("[QB] MainFrameLogicController getSessionCountForSection: ex: %@",
-                              s.getSessionCountForSection, logicFetch(), true, self, cmd, section);
+                              s.getSessionCountForSection, logicFetch(), true, s.logicRows, self,
+                              cmd, section);
 }
 
 // --- NewMainFrameViewController
@@ -138,7 +156,7 @@ Id logicGetSessionAtIndexPath(Id self, SEL cmd, Id indexPath) {
   SessionHooksState& s = sessionState();
   return remappedRow("[QB] NewMainFrameViewController logicGetSessionAtIndexPath: ex: %@",
                      s.logicGetSessionAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
-                     viewFetch());
+                     viewFetch(), s.viewRows);
 }
 
 Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
@@ -147,13 +165,14 @@ Id logicGetCellDataAtIndexPath(Id self, SEL cmd, Id indexPath) {
       s.logicGetSessionAtIndexPath.installed() ? viewFetch() : s.logicGetCellDataAtIndexPath;
   return remappedRow("[QB] NewMainFrameViewController logicGetCellDataAtIndexPath: ex: %@",
                      s.logicGetCellDataAtIndexPath, self, cmd, indexPath, s.logicGetCountForSection,
-                     fetch);
+                     fetch, s.viewRows);
 }
 
 long logicGetCountForSection(Id self, SEL cmd, long section) {
   SessionHooksState& s = sessionState();
   return filteredSessionCount("[QB] NewMainFrameViewController logicGetCountForSection: ex: %@",
-                              s.logicGetCountForSection, viewFetch(), false, self, cmd, section);
+                              s.logicGetCountForSection, viewFetch(), false, s.viewRows, self, cmd,
+                              section);
 }
 
 long numberOfRowsInSection(Id self, SEL cmd, Id tableView, long section) {
@@ -217,6 +236,7 @@ void QBSessionHooks::refreshFilterCache() {
   }
   s.cachedSection = std::numeric_limits<std::int64_t>::max();
   s.cachedCount = -1;
+  flushRowMaps();
   for (const FilterListener& listener : s.filterListeners)
     listener(published->secrets, published->active);
 }

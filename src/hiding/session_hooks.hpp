@@ -53,7 +53,8 @@ struct QBSessionHooks {
   static std::string lastListPath();
 
   // The visible-to-host row mapping and the filtered count, over a host count
-  // and a fetch of the host's session at an index. Exposed for tests.
+  // and a fetch of the host's session at an index, walked from the top: what
+  // the row maps must answer. Exposed for tests.
   template <typename Fetch>
   static long mapRow(long row, long hostCount, Fetch fetch);
   template <typename Fetch>

@@ -1,6 +1,6 @@
 // The process-wide state of the main-list hooks: the filter snapshot, the
-// one-entry count cache, the re-entrancy depth, the stored originals, and the
-// refresh throttles. Main thread only.
+// one-entry count cache, the row maps, the re-entrancy depth, the stored
+// originals, and the refresh throttles. Main thread only.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "hiding/row_map.hpp"
 #include "hiding/session_hooks.hpp"
 #include "host/hook.hpp"
 #include "sys/process_state.hpp"
@@ -36,6 +37,10 @@ struct SessionHooksState {
   std::int64_t cachedSection = std::numeric_limits<std::int64_t>::max();
   std::int64_t cachedCount = -1;
   double cachedAt = 0;
+  // The row maps of the logic controller's getters and of the view
+  // controller's, and how often every row map was flushed.
+  RowMap logicRows, viewRows;
+  std::uint64_t rowMapFlushes = 0;
   int depth = 0;
 
   host::Hook<bool(rt::Id)> canShowInMainFrame{true};
@@ -72,6 +77,10 @@ inline std::shared_ptr<const Filter> currentFilter() {
   std::lock_guard lock(s.filterMutex);
   return s.filter;
 }
+
+// Every row map walks again at its next use: the host's lists may have
+// changed in ways their checks cannot see (a refresh, a reload, a rebuild).
+inline void flushRowMaps() { ++sessionState().rowMapFlushes; }
 
 // Installs the eight list hooks (the filter).
 void installSessionFilterHooks();

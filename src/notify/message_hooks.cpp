@@ -222,7 +222,7 @@ void addNotificationRequest(Id self, SEL cmd, Id request, Id completion) {
           sys::callNotificationCompletion(completion, nullptr);
           return;
         }
-        if (contentNamesSecret(content) && hidden()) {
+        if (partsNameSecret(userInfo, thread) && hidden()) {
           if (mode() == 0) {
             sys::callNotificationCompletion(completion, nullptr);
             return;

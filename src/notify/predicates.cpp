@@ -12,15 +12,29 @@ namespace {
 
 using core::QBConfig;
 
-bool contains(const std::string& text, const char* word) {
-  return text.find(word) != std::string::npos;
+bool contains(std::string_view text, std::string_view word) {
+  return text.find(word) != std::string_view::npos;
+}
+
+// `word` (lower-case ASCII, or any text without case) in the lower-cased
+// `text`, without lower-casing it: no other character lower-cases into an
+// ASCII letter of these words, so folding ASCII alone finds the same.
+bool containsFolded(std::string_view text, std::string_view word) {
+  if (word.size() > text.size()) return false;
+  auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; };
+  for (std::size_t i = 0; i + word.size() <= text.size(); ++i) {
+    std::size_t k = 0;
+    while (k < word.size() && fold(text[i + k]) == word[k]) ++k;
+    if (k == word.size()) return true;
+  }
+  return false;
 }
 
 // A flag or type value that says "video": true, a non-zero number, or a
 // string naming video.
 bool readsAsVideo(rt::Id v) {
   if (!v || rt::isNull(v)) return false;
-  if (auto s = rt::asString(v)) return contains(rt::lowercase(*s), "video") || rt::boolValue(v);
+  if (auto s = rt::asString(v)) return containsFolded(*s, "video") || rt::boolValue(v);
   return rt::isNumber(v) && rt::boolValue(v);
 }
 
@@ -30,11 +44,15 @@ bool anyKeyReadsAsVideo(rt::Id obj, std::initializer_list<const char*> keys) {
   return false;
 }
 
-std::string texts(rt::Id m) {
-  std::string all;
-  for (const char* key : {"m_nsContent", "content", "title", "body", "m_nsTitle"})
-    if (auto s = rt::nonEmptyString(rt::probeKey(m, key))) all += *s + " ";
-  return all;
+constexpr const char* kTextKeys[] = {"m_nsContent", "content", "title", "body", "m_nsTitle"};
+
+// Whether one of the message's texts holds `word`, folded or not. Texts are
+// searched one by one: no word spans two.
+bool textsHold(rt::Id m, std::string_view word, bool folded) {
+  for (const char* key : kTextKeys)
+    if (auto s = rt::nonEmptyString(rt::probeKey(m, key)))
+      if (folded ? containsFolded(*s, word) : contains(*s, word)) return true;
+  return false;
 }
 
 bool callerFlagOrSelf(rt::Id m) {
@@ -71,11 +89,10 @@ bool isCallMessage(rt::Id m) {
 }
 
 bool textReadsLikeCall(rt::Id m) {
-  std::string t = texts(m);
-  if (t.empty()) return false;
-  std::string lower = rt::lowercase(t);
-  for (const char* word : kCallWords)
-    if (contains(lower, word)) return true;
+  for (const char* key : kTextKeys)
+    if (auto s = rt::nonEmptyString(rt::probeKey(m, key)))
+      for (const char* word : kCallWords)
+        if (containsFolded(*s, word)) return true;
   return false;
 }
 
@@ -93,8 +110,7 @@ bool isVideoCall(rt::Id m) {
                                     "m_uiVoipInviteType", "voipType", "inviteType", "_inviteType"}))
       return true;
   }
-  std::string t = texts(m);
-  return contains(t, "视频") || contains(rt::lowercase(t), "video");
+  return textsHold(m, "视频", false) || textsHold(m, "video", true);
 }
 
 bool isOutgoingCall(rt::Id m) {
@@ -139,21 +155,39 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
                      : !threadIdentifier.empty() ? threadIdentifier
                                                  : callCaller(userInfo);
   if (!isSecret(user)) return false;
-  std::string text = title + " " + body;
-  std::string joined = text + " " + rt::description(userInfo);
-  std::string lower = rt::lowercase(joined);
-  bool call = contains(lower, "voip") || contains(lower, "call") || isCallMessage(userInfo);
-  for (const char* word : kNotificationCallWords) call = call || contains(joined, word);
-  if (call && callKindBlocks(user, isVideoCall(userInfo) || contains(joined, "视频"))) return true;
-  // A call the switches allow is still a secret's notification.
+  // Hidden in mode 0 blocks a secret's notification, call or not; with both
+  // call switches on no call kind blocks. Either way the texts do not matter.
   QBConfig& c = QBConfig::shared();
-  return c.shouldHideSecrets() && c.secretNotifyMode() == 0;
+  if (c.shouldHideSecrets() && c.secretNotifyMode() == 0) return true;
+  bool voice = c.voipVoiceNotifyEnabled(), videoOn = c.voipVideoNotifyEnabled();
+  if (voice && videoOn) return false;
+  // The parts are searched one by one (no call word spans two), the user
+  // info's description last and only when still needed.
+  auto readsLikeCall = [](std::string_view t) {
+    if (containsFolded(t, "voip") || containsFolded(t, "call")) return true;
+    for (const char* word : kNotificationCallWords)
+      if (contains(t, word)) return true;
+    return false;
+  };
+  std::string description;
+  bool call = readsLikeCall(title) || readsLikeCall(body) || isCallMessage(userInfo) ||
+              readsLikeCall(description = rt::description(userInfo));
+  if (!call) return false;
+  if (voice == videoOn) return true;  // both off: every kind blocks
+  if (description.empty()) description = rt::description(userInfo);
+  bool video = isVideoCall(userInfo) || contains(title, "视频") || contains(body, "视频") ||
+               contains(description, "视频");
+  return callKindBlocks(user, video);
 }
 
 bool contentNamesSecret(rt::Id content) {
   if (!content) return false;
-  return userInfoHoldsSecret(rt::send<rt::Id>(content, "userInfo")) ||
-         isSecret(rt::asString(rt::send<rt::Id>(content, "threadIdentifier")).value_or(""));
+  return partsNameSecret(rt::send<rt::Id>(content, "userInfo"),
+                         rt::asString(rt::send<rt::Id>(content, "threadIdentifier")).value_or(""));
+}
+
+bool partsNameSecret(rt::Id userInfo, const std::string& threadIdentifier) {
+  return isSecret(threadIdentifier) || userInfoHoldsSecret(userInfo);
 }
 
 }  // namespace notify

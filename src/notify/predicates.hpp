@@ -41,6 +41,8 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
 // thread identifier names a secret: what the system request gating and the
 // delivered-notification sweep both test.
 bool contentNamesSecret(rt::Id content);
+// The same on the content's user info and thread identifier, already read.
+bool partsNameSecret(rt::Id userInfo, const std::string& threadIdentifier);
 
 // Vibrates once: the host's AudioHelper when it has playVibration, else the
 // system vibration sound.

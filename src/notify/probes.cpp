@@ -44,10 +44,11 @@ std::string senderAt(rt::Id m, int depth) {
   return "";
 }
 
+// The user info's named keys (fromUserName, username, …) are among its
+// values, and every string value is asked: asking the keys first would only
+// ask them twice. The first secret ends the search.
 bool holdsSecret(rt::Id info, int depth) {
   if (!rt::isDictionary(info) || depth > kMaxNesting) return false;
-  for (const char* key : kUserInfoKeys)
-    if (isSecret(rt::asString(rt::objectForKey(info, key)).value_or(""))) return true;
   std::vector<rt::Id> nested;
   for (rt::Id key : rt::allKeys(info)) {
     rt::Id value = rt::objectForKey(info, key);

@@ -44,9 +44,6 @@ inline constexpr const char* kMessageSenderKeys[] = {
 inline constexpr const char* kNestedMessageKeys[] = {
     "msgWrap", "messageWrap",   "m_msgWrap",     "contact",        "m_contact",
     "monoMsg", "m_voipMonoMsg", "inviteMonoMsg", "invitationInfo", "info"};
-inline constexpr const char* kUserInfoKeys[] = {
-    "fromUserName", "username",        "userName",         "usrName",
-    "m_nsFromUsr",  "sessionUserName", "threadIdentifier", "chatName"};
 inline constexpr const char* kNestedInvitationKeys[] = {
     "invitationInfo",    "info",     "_invitationInfo", "_info",
     "m_invitationInfo",  "monoMsg",  "m_voipMonoMsg",   "inviteMonoMsg",

@@ -161,8 +161,8 @@ TEST_F(MainListRefresh, SoftReloadThrottleAndForce) {
   wait(5);
   std::size_t before = device.log().size();
   QBSessionHooks::softReloadMainFrame();
-  EXPECT_EQ(countLog("force=0", before), 4)
-      << "the main list is reached four times through its containers";
+  EXPECT_EQ(countLog("force=0", before), 1)
+      << "reached four times through its containers, reloaded once";
   wait(0.5);
   before = device.log().size();
   QBSessionHooks::softReloadMainFrame();
@@ -327,6 +327,40 @@ TEST_F(MainListRefresh, ReturningToTheForegroundReloadsAQuarterSecondLater) {
   EXPECT_EQ(countLog(kMainReload, before), 0);
   wait(0.02);
   EXPECT_GT(countLog(kMainReload, before), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// Leaving the app: each list is reloaded once, before the app switcher's
+// picture, which shows no secret; the lock's own reload follows later.
+class Departure : public MainListRefresh {};
+
+TEST_F(Departure, ReloadsEachListOnceBeforeThePicture) {
+  launchWithLibrary();
+  process->runGuarded([&] {
+    host.selectTab(1);
+    host.selectTab(0);
+  });
+  QBConfig::shared().addSecretUser("S");
+  wait(5);
+  QBConfig::shared().setUnlocked(true);
+  QBSessionHooks::refreshFilterCache();
+  QBSessionHooks::softReloadMainFrameForce(true);
+  wait(2);
+  ASSERT_EQ(host.mainListShown(), (std::vector<std::string>{"a", "S", "b"}));
+  sim::ViewState& contacts = *sim::viewState(rt::valueForKey(host.contactsScreen(), "m_tableView"));
+  long mainBefore = table().reloads, contactsBefore = contacts.reloads;
+  std::size_t before = device.log().size();
+  ASSERT_TRUE(process->enterBackground());
+  EXPECT_EQ(host.lastSnapshot().mainRows, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(table().reloads - mainBefore, 1);
+  EXPECT_EQ(contacts.reloads - contactsBefore, 1);
+  EXPECT_EQ(countLog(kMainReload, before), 1);
+  EXPECT_EQ(countLog("[QB] reloadContacts", before), 1);
+  wait(1);
+  EXPECT_EQ(table().reloads - mainBefore, 2) << "the lock's state change, 0.35 s later";
 }
 
 }  // namespace

@@ -122,6 +122,14 @@ TEST_F(Probes, CallDetection) {
   config().setUnlocked(true);
   EXPECT_FALSE(notify::callDetectionBlocks("bob", "Bob", "邀请你语音通话", none, ""));
   EXPECT_TRUE(notify::callDetectionBlocks("bob", "Bob", "邀请你视频通话", none, ""));
+  setSwitches(true, true);
+  EXPECT_FALSE(notify::callDetectionBlocks("bob", "Bob", "邀请你视频通话", none, ""))
+      << "both switches on: no kind blocks";
+  setSwitches(false, false);
+  EXPECT_TRUE(notify::callDetectionBlocks("bob", "Bob", "VoIP", none, "")) << "case folded";
+  EXPECT_TRUE(notify::callDetectionBlocks("bob", "Bob", "hi", dict({{"kind", str("CALL")}}), ""))
+      << "read from the user info's description";
+  EXPECT_FALSE(notify::callDetectionBlocks("bob", "Bob", "hi", dict({{"kind", str("text")}}), ""));
 }
 
 }  // namespace
