@@ -107,7 +107,7 @@ IMP setImplementation(Method m, IMP imp) {
   IMP old = m->imp;
   m->imp = imp;
   sim::runtime().noteImplementation(imp, m->normalized);
-  sim::runtime().methodsChanged();
+  sim::runtime().implementationsSwapped();
   sim::runtime().implementationChanged();
   return old;
 }
@@ -117,7 +117,7 @@ void exchangeImplementations(Method a, Method b) {
   std::swap(a->imp, b->imp);
   sim::runtime().noteImplementation(a->imp, a->normalized);
   sim::runtime().noteImplementation(b->imp, b->normalized);
-  sim::runtime().methodsChanged();
+  sim::runtime().implementationsSwapped();
   sim::runtime().implementationChanged();
 }
 

@@ -1,7 +1,13 @@
-// UITableViewController, UITableViewCell, UISwitch and swipe actions. The
-// table checks updates as UIKit does: deleting a row when the data source
-// does not answer one row fewer raises NSInternalInconsistencyException, so a
-// wrong answer shows as it would on a phone.
+// UITableView's rows, UITableViewController, UITableViewCell, UISwitch and
+// swipe actions. A table asks what UIKit asks: on a reload, the counts, then
+// the cells of the rows that fit its frame; a row further down when it is
+// scrolled to or touched; every row's height only when the delegate answers
+// heights and no estimate is set. It checks updates as UIKit does: deleting a
+// row when the data source does not answer one row fewer raises
+// NSInternalInconsistencyException, so a wrong answer shows as it would on a
+// phone.
+// Kinder than UIKit, still: a cell scrolled off screen is kept until its
+// section is reloaded instead of being reused, so scrolling back asks nothing.
 #include "sim/uikit/tables.hpp"
 
 #include <cstdio>
@@ -49,7 +55,6 @@ Id tableView(Id self, SEL) { return rt::send<Id>(self, "view"); }
 
 void deselectRow(Id, SEL, Id, bool) {}
 
-rt::IMP hostReloadData = nullptr;
 long askRows(Id table, long section) {
   return rt::send<long>(rt::send<Id>(table, "dataSource"),
                         "tableView:numberOfRowsInSection:", table, section);
@@ -66,6 +71,7 @@ void dropSection(TableState& t, std::size_t section) {
   if (section >= t.shown.size()) return;
   ShownTableSection& shown = t.shown[section];
   for (Id cell : shown.cells) {
+    if (!cell) continue;  // never asked for
     CellState* c = findExtra<CellState>(cell);
     if (c && !c->reuseIdentifier.empty())
       t.reusable[c->reuseIdentifier].push_back(cell);  // with the table's retain
@@ -87,13 +93,23 @@ void recordCounts(Id table) {
 void ensureCounts(Id table) {
   if (!extra<TableState>(table).countsKnown) recordCounts(table);
 }
-// Asks the data source for a section not shown since its last reload.
+bool answersHeights(Id table) {
+  return rt::respondsTo(rt::send<Id>(table, "delegate"),
+                        rt::sel("tableView:heightForRowAtIndexPath:"));
+}
+double askHeight(Id table, long section, long row) {
+  return rt::send<double>(rt::send<Id>(table, "delegate"),
+                          "tableView:heightForRowAtIndexPath:", table, rt::indexPath(row, section));
+}
+// Asks the data source for a section's header and footer, and its rows'
+// heights where UIKit needs them before any cell: every row's when the
+// delegate answers heights and no estimate is set; otherwise each row stands
+// at the estimate until it comes on screen.
 ShownTableSection& loadSection(Id table, long section) {
   TableState& t = extra<TableState>(table);
   ShownTableSection& sec = t.shown[std::size_t(section)];
   if (sec.loaded) return sec;
   Id ds = rt::send<Id>(table, "dataSource");
-  Id dl = rt::send<Id>(table, "delegate");
   if (rt::respondsTo(ds, rt::sel("tableView:titleForHeaderInSection:")))
     sec.header =
         rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, section))
@@ -102,19 +118,38 @@ ShownTableSection& loadSection(Id table, long section) {
     sec.footer =
         rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, section))
             .value_or("");
-  for (long r = 0; r < t.rowCounts[std::size_t(section)]; ++r) {
-    Id ip = rt::indexPath(r, section);
-    sec.heights.push_back(
-        rt::respondsTo(dl, rt::sel("tableView:heightForRowAtIndexPath:"))
-            ? rt::send<double>(dl, "tableView:heightForRowAtIndexPath:", table, ip)
-            : (t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44));
-    Id cell = rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", table, ip);
-    if (!cell)
-      rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
-    sec.cells.push_back(rt::detail::retain(cell));
-  }
+  long rows = t.rowCounts[std::size_t(section)];
+  bool estimated = t.look.estimatedRowHeight > 0;
+  bool heights = answersHeights(table);
+  double fixed = t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44;
+  sec.cells.assign(std::size_t(rows), nullptr);
+  sec.heights.assign(std::size_t(rows), fixed);
+  if (heights && !estimated)
+    for (long r = 0; r < rows; ++r) sec.heights[std::size_t(r)] = askHeight(table, section, r);
   sec.loaded = true;
   return sec;
+}
+// The cell of a row coming on screen, asked once until the row is reloaded.
+Id cellAt(Id table, long section, long row) {
+  ShownTableSection& sec = loadSection(table, section);
+  Id& cell = sec.cells[std::size_t(row)];
+  if (cell) return cell;
+  TableState& t = extra<TableState>(table);
+  if (t.look.estimatedRowHeight > 0 && answersHeights(table))
+    sec.heights[std::size_t(row)] = askHeight(table, section, row);
+  Id got = rt::send<Id>(rt::send<Id>(table, "dataSource"),
+                        "tableView:cellForRowAtIndexPath:", table, rt::indexPath(row, section));
+  if (!got)
+    rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
+  // The data source may have reloaded the table meanwhile: look again.
+  TableState& now = extra<TableState>(table);
+  if (std::size_t(section) >= now.shown.size() ||
+      std::size_t(row) >= now.shown[std::size_t(section)].cells.size())
+    return got;
+  Id& slot = now.shown[std::size_t(section)].cells[std::size_t(row)];
+  if (slot) return slot;
+  slot = rt::detail::retain(got);
+  return slot;
 }
 Id dequeueReusable(Id self, SEL, Id identifier) {
   auto& pool = extra<TableState>(self).reusable[rt::asString(identifier).value_or("")];
@@ -140,17 +175,32 @@ void cellDealloc(Id self, SEL cmd) {
   }
   superDealloc(self, cmd, "UITableViewCell");
 }
-// The layout that follows a reload in the same turn asks for the rows at once.
-void layoutAll(Id table) {
-  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s)
-    loadSection(table, s);
+// The layout that follows a reload in the same turn: the cells of the rows
+// on screen, from the top, stacked by their heights until the frame is full.
+// Returns them by section.
+std::vector<std::vector<Id>> layoutOnScreen(Id table) {
+  std::vector<std::vector<Id>> shown;
+  double height = viewState(table)->frame.size.height, y = 0;
+  long sections = long(extra<TableState>(table).rowCounts.size());
+  for (long s = 0; s < sections; ++s) loadSection(table, s);  // the content's height
+  for (long s = 0; s < sections; ++s) {
+    std::vector<Id>& cells = shown.emplace_back();
+    for (long r = 0; r < extra<TableState>(table).rowCounts[std::size_t(s)] && y < height; ++r) {
+      cells.push_back(cellAt(table, s, r));
+      double h = extra<TableState>(table).shown[std::size_t(s)].heights[std::size_t(r)];
+      y += h > 0 ? h : 44;
+    }
+  }
+  return shown;
 }
-void reloadData(Id self, SEL cmd) {
-  rt::call<void>(hostReloadData, self, cmd);
+// UIKit asks its data source for the sections, each section's row count, then
+// a cell for each row on screen; the rest wait until they are scrolled to.
+void reloadData(Id self, SEL) {
+  ViewState& v = *viewState(self);
+  ++v.reloads;
   recordCounts(self);
-  layoutAll(self);
+  v.shownRows = layoutOnScreen(self);
 }
-
 bool switchOn(Id self, SEL) { return extra<SwitchState>(self).on; }
 void setSwitchOn(Id self, SEL, bool on) { extra<SwitchState>(self).on = on; }
 
@@ -188,12 +238,15 @@ std::string mismatch(long section, long before, long after, long deleted) {
 
 // A row the user can touch is on screen, and showing the table asked its
 // counts: that is UIKit's basis for the updates that follow.
+// The user scrolls the row on screen to touch it.
 bool rowExists(Id table, long section, long row) {
   ensureCounts(table);
-  layoutAll(table);  // the user touches what is on screen
   const TableState& t = extra<TableState>(table);
-  return section >= 0 && section < long(t.rowCounts.size()) && row >= 0 &&
-         row < t.rowCounts[std::size_t(section)];
+  if (section < 0 || section >= long(t.rowCounts.size()) || row < 0 ||
+      row >= t.rowCounts[std::size_t(section)])
+    return false;
+  cellAt(table, section, row);
+  return true;
 }
 
 Id indexPathOf(long section, long row) { return rt::indexPath(row, section); }
@@ -218,8 +271,7 @@ void registerTables() {
   rt::addMethod(table, rt::sel("deselectRowAtIndexPath:animated:"), deselectRow);
   rt::addMethod(table, rt::sel("dequeueReusableCellWithIdentifier:"), dequeueReusable);
   rt::addMethod(table, rt::sel("dealloc"), tableDealloc);
-  rt::Method reload = rt::getInstanceMethod(table, rt::sel("reloadData"));
-  hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
+  rt::addMethod(table, rt::sel("reloadData"), reloadData);
 }
 
 ui::Color avatarTint(const std::string& person) {
@@ -249,12 +301,13 @@ rt::Id makeListCell(const std::string& title, const std::string& detail, rt::Id 
   ui::Color tint = avatarTint(person.empty() ? title : person);
   ui::Font initialFont{16, ui::Weight::Semibold};
   rt::CGSize size = ui::textSize(title.substr(0, first), initialFont);
-  c.spec.image = rt::detail::retain(ui::renderImage({34, 34}, 0, true,
-                                 {ui::FillRect{{{0, 0}, {34, 34}}, tint, 6},
-                                  ui::DrawText{title.substr(0, first),
-                                               {(34 - size.width) / 2, (34 - size.height) / 2},
-                                               initialFont,
-                                               ui::kWhite}}));
+  c.spec.image = rt::detail::retain(
+      ui::renderImage({34, 34}, 0, true,
+                      {ui::FillRect{{{0, 0}, {34, 34}}, tint, 6},
+                       ui::DrawText{title.substr(0, first),
+                                    {(34 - size.width) / 2, (34 - size.height) / 2},
+                                    initialFont,
+                                    ui::kWhite}}));
   return cell;
 }
 
@@ -268,12 +321,19 @@ rt::Id tableOf(rt::Id controller) {
   return rt::send<Id>(controller, "tableView");
 }
 
+void scrollThrough(rt::Id table) {
+  if (!rt::send<Id>(table, "dataSource")) return;
+  ensureCounts(table);
+  for (long s = 0; s < long(extra<TableState>(table).rowCounts.size()); ++s)
+    for (long r = 0; r < extra<TableState>(table).rowCounts[std::size_t(s)]; ++r)
+      cellAt(table, s, r);
+}
+
 std::vector<ShownSection> showTable(rt::Id table) {
   std::vector<ShownSection> out;
   if (!rt::send<Id>(table, "dataSource")) return out;
-  ensureCounts(table);
-  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s) {
-    const ShownTableSection& shown = loadSection(table, s);
+  scrollThrough(table);
+  for (const ShownTableSection& shown : extra<TableState>(table).shown) {
     ShownSection sec;
     sec.header = shown.header;
     sec.footer = shown.footer;
@@ -306,7 +366,7 @@ bool selectRow(rt::Id table, long section, long row) {
 bool flipSwitch(rt::Id table, long section, long row, bool on) {
   if (!rowExists(table, section, row)) return false;
   // The switch the user touches is the one on screen.
-  Id cell = loadSection(table, section).cells[std::size_t(row)];
+  Id cell = cellAt(table, section, row);
   CellState* c = findExtra<CellState>(cell);
   Id sw = c ? c->spec.accessoryView : nullptr;
   if (!sw || !rt::isKindOf(sw, "UISwitch")) return false;
@@ -394,7 +454,7 @@ void reloadSection(rt::Id table, long section, RowAnimation) {
   sim::checkOtherSections(table, section);
   sim::dropSection(t, std::size_t(section));
   t.rowCounts[std::size_t(section)] = sim::askRows(table, section);
-  sim::loadSection(table, section);
+  sim::layoutOnScreen(table);
 }
 
 void deleteRow(rt::Id table, long section, long row, RowAnimation) {
@@ -417,6 +477,7 @@ void deleteRow(rt::Id table, long section, long row, RowAnimation) {
     shown.cells.erase(shown.cells.begin() + row);
     shown.heights.erase(shown.heights.begin() + row);
   }
+  sim::layoutOnScreen(table);  // a row below may move onto the screen
 }
 
 long shownRowCount(rt::Id table, long section) {
