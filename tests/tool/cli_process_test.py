@@ -106,7 +106,7 @@ def repl_on_a_terminal():
     transcript += read_until(fd, "qb> ")
     # Up twice recalls "session alice"... once recalls the expect just typed.
     os.write(fd, b"\x1b[A\r")
-    transcript += read_until(fd, "qb> ")
+    transcript += read_until(fd, "\nqb> ")  # not the prompt Up redraws
     os.write(fd, b"expect main bo\t\r")  # completion of a username that is not there
     transcript += read_until(fd, "qb> ")
     os.write(fd, b"\x04")
@@ -126,7 +126,9 @@ def repl_on_a_terminal():
     for line in ["friend alice", "lanch", "help", "launch", "session alice",
                  "expect main ali\t", "\x1b[A"]:
         os.write(fd, (line + "\r").encode())
-        transcript += read_until(fd, "qb> ")
+        # The prompt after the line's end: Up redraws one before it, and a ^D
+        # typed before the REPL reads again would reach a cooked terminal.
+        transcript += read_until(fd, "\nqb> ")
     os.write(fd, b"\x04")
     transcript += read_until(fd, "\n", 5)
     code = exit_code(pid)

@@ -1,5 +1,6 @@
-// The main chat list: session, message, open main, show main, expect main, and the
-// app switcher's picture of it (show snapshot, expect snapshot).
+// The main chat list: session, message, open main, scroll main, show main,
+// expect main, and the app switcher's picture of it (show snapshot, expect
+// snapshot).
 #include "commands.hpp"
 #include "sim/hostapp/about_page.hpp"
 
@@ -60,6 +61,15 @@ void addMainListCommands(CommandTable& t) {
                    s.host().popToRoot();
                  });
                }};
+  t["scroll"] = {"scroll main", [](Session& s, const Command& c) {
+                   requireWords(c, 2, 2, "scroll main");
+                   if (c.words[1] != "main")
+                     throw ScriptError{"scroll: no list '" + c.words[1] + "' (usage: scroll main)"};
+                   sim::Process& p = s.requireProcess("scroll");
+                   bool scrolled = false;
+                   p.runGuarded([&] { scrolled = s.host().scrollMainList(); });
+                   if (!scrolled) throw ScriptError{"scroll: the main list has not been shown yet"};
+                 }};
   t["show main"] = {"show main", [](Session& s, const Command& c) {
                       requireWords(c, 2, 2, "show main");
                       s.requireProcess("show main");

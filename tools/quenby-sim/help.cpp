@@ -33,6 +33,7 @@ const std::map<std::string, std::string>& summaries() {
       {"call", "an incoming voice or video call, through the host's call and CallKit paths"},
       {"moment", "a new item at the top of the Moments timeline"},
       {"open", "shows a host screen: a list, the About page, a chat, a contact search"},
+      {"scroll", "scrolls the main chat list to its end and back: every row is asked for once"},
       {"shake", "one shake of the device (about 0.3 s)"},
       {"longpress", "a 0.8 s press on the navigation bar of the screen shown"},
       {"tap", "a tap on the About page: its version label, its navigation bar or the page"},

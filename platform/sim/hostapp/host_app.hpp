@@ -138,8 +138,12 @@ class HostApp {
   rt::Id contactsScreen() const { return contactsScreen_; }
   rt::Id tabs() const { return tabs_; }
   // What the main list's screen shows, top to bottom: the chats its table got
-  // at its last reload.
+  // at its last reload (the rows that fit the screen).
   std::vector<std::string> mainListShown() const;
+  // The user scrolls the main list to its end and back, so its table asks
+  // for every row it has not shown since its last reload. False when the
+  // main list has not been built.
+  bool scrollMainList();
   // What the main list's data source answers now for every row, asked as
   // UIKit asks it, without reloading the table; none in a build without the
   // main list's controller.

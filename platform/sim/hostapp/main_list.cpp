@@ -261,6 +261,13 @@ std::vector<std::string> HostApp::mainListShown() const {
   return out;
 }
 
+bool HostApp::scrollMainList() {
+  Id table = mainFrame_ ? rt::ivarNamed(mainFrame_, "m_tableView") : nullptr;
+  if (!table) return false;
+  sim::scrollThrough(table);
+  return true;
+}
+
 std::optional<std::vector<std::string>> HostApp::mainListAnswer() const {
   if (!mainFrame_ || !rt::isKindOf(mainFrame_, "NewMainFrameViewController")) return std::nullopt;
   // The controller is its table's data source; asking it leaves the table as it is.

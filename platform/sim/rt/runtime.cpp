@@ -109,7 +109,7 @@ IMP setImplementation(Method m, IMP imp) {
   IMP old = m->imp;
   m->imp = imp;
   sim::runtime().noteImplementation(imp, m->normalized);
-  sim::runtime().methodsChanged();
+  sim::runtime().implementationsSwapped();
   sim::runtime().implementationChanged();
   return old;
 }
@@ -119,7 +119,7 @@ void exchangeImplementations(Method a, Method b) {
   std::swap(a->imp, b->imp);
   sim::runtime().noteImplementation(a->imp, a->normalized);
   sim::runtime().noteImplementation(b->imp, b->normalized);
-  sim::runtime().methodsChanged();
+  sim::runtime().implementationsSwapped();
   sim::runtime().implementationChanged();
 }
 

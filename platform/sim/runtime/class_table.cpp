@@ -1,5 +1,7 @@
 #include "sim/runtime/class_table.hpp"
 
+#include "sim/runtime/method_table.hpp"
+
 namespace sim {
 
 rt::Class ClassTable::find(std::string_view name) const {
@@ -20,6 +22,9 @@ rt::Class ClassTable::newRecord(std::string_view name, rt::Class super, bool met
   c.super = super;
   c.meta = meta;
   c.serial = serials_++;
+  // A record may reuse a freed one's address: its cache epoch must be new.
+  c.cacheEpoch = newCacheEpoch();
+  if (super) super->subclasses.push_back(&c);
   return &c;
 }
 

@@ -33,6 +33,11 @@ class ClassTable {
   // Makes the class findable; returns false for null or a metaclass.
   bool registerClass(rt::Class cls);
   std::vector<rt::Class> registered() const;
+  // Every class and metaclass record, registered or not.
+  template <typename F>
+  void forEachRecord(F f) {
+    for (rt::ClassData& c : classes_) f(&c);
+  }
 
  private:
   rt::Class newRecord(std::string_view name, rt::Class super, bool meta);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <any>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -26,6 +27,13 @@ struct MethodData {
   std::string types;       // as given; may be empty
   bool hasTypes = false;   // false when added with null types
   std::string normalized;  // rt::normalizedEncoding(types)
+};
+
+// What a class's cache keeps for one selector: the method a send found (null
+// for a miss) and the implementation it had then.
+struct CacheEntry {
+  Method method = nullptr;
+  IMP imp = nullptr;
 };
 
 struct IvarData {
@@ -71,10 +79,12 @@ struct ClassData : Object {
   bool registered = false;
   std::unordered_map<SEL, Method> methods;  // the class's own
   std::vector<Ivar> ownIvars;
-  std::size_t ivarCount = 0;  // slots of an instance, superclasses' included
-  // Lookup cache; dropped whenever any method anywhere is added or changed.
-  std::unordered_map<SEL, Method> cache;
-  std::uint64_t cacheEpoch = 0;
+  std::size_t ivarCount = 0;      // slots of an instance, superclasses' included
+  std::vector<Class> subclasses;  // direct ones, metaclasses too: what a flush reaches
+  // The method cache, filled by sends and flushed by method changes that
+  // could make it stale (sim/method_table.hpp); the epoch changes at every flush.
+  std::unordered_map<SEL, CacheEntry> cache;
+  std::atomic<std::uint64_t> cacheEpoch{0};
 };
 
 }  // namespace rt

@@ -47,9 +47,7 @@ class Runtime {
   rt::Class allocateClass(rt::Class super, std::string_view name) {
     return classes_.allocate(super, name);
   }
-  void registerClass(rt::Class cls) {
-    if (classes_.registerClass(cls)) methods_.changed();
-  }
+  void registerClass(rt::Class cls) { classes_.registerClass(cls); }
   bool addIvar(rt::Class cls, std::string_view name, std::string_view types) {
     return ivars_.add(cls, name, types);
   }
@@ -60,7 +58,8 @@ class Runtime {
     return true;
   }
   rt::Method lookup(rt::Class cls, rt::SEL sel) { return methods_.lookup(cls, sel); }
-  void methodsChanged() { methods_.changed(); }
+  // An implementation was set or exchanged: any class may have cached it.
+  void implementationsSwapped() { methods_.flushAll(); }
   // A phone may switch threads the moment a method's implementation changes
   // (added, set or exchanged), before the changing code takes its next step;
   // a test puts the host's other thread there with `onImplementationChanged`.
@@ -106,7 +105,7 @@ class Runtime {
   std::atomic<std::uint64_t> serials_{1};
   TypeChecks types_;
   ClassTable classes_{serials_};
-  MethodTable methods_{types_};
+  MethodTable methods_{types_, classes_};
   IvarTable ivars_;
   ObjectHeap heap_;
   Lifetimes lifetimes_;

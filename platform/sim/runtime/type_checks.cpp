@@ -11,6 +11,12 @@ void TypeChecks::noteImplementation(rt::IMP imp, const std::string& normalized) 
   for (const auto& t : list)
     if (t == normalized) return;
   list.push_back(normalized);
+  generation_.store(nextGeneration(), std::memory_order_release);
+}
+
+std::uint64_t TypeChecks::nextGeneration() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
 }
 
 bool TypeChecks::implementationAccepts(rt::IMP imp, const std::string& normalized) const {

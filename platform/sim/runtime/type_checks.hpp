@@ -8,6 +8,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -24,6 +25,9 @@ class TypeChecks {
   // (rt::sameCallTypes), or without any types.
   bool implementationAccepts(rt::IMP imp, const std::string& normalized) const;
   bool knowsImplementation(rt::IMP imp) const;
+  // Changes whenever an implementation gains types, to a number no other
+  // runtime's checks have had: answers remembered under it still hold.
+  std::uint64_t generation() const { return generation_.load(std::memory_order_acquire); }
 
   void recordViolation(std::string what);
   std::vector<std::string> violations() const;
@@ -35,6 +39,8 @@ class TypeChecks {
 
  private:
   mutable std::mutex mutex_;
+  std::atomic<std::uint64_t> generation_{nextGeneration()};
+  static std::uint64_t nextGeneration();
   std::atomic<bool> anyRaising_{false};  // most runs inject no fault: skip the lock
   std::unordered_map<rt::IMP, std::vector<std::string>> impTypes_;
   std::unordered_map<rt::IMP, std::string> raising_;

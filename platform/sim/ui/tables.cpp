@@ -67,7 +67,7 @@ void reloadSection(rt::Id table, long section, RowAnimation) {
   sim::checkOtherSections(table, section);
   sim::dropSection(t, std::size_t(section));
   t.rowCounts[std::size_t(section)] = sim::askRows(table, section);
-  sim::loadSection(table, section);
+  sim::layoutOnScreen(table);
 }
 
 void deleteRow(rt::Id table, long section, long row, RowAnimation) {
@@ -90,6 +90,7 @@ void deleteRow(rt::Id table, long section, long row, RowAnimation) {
     shown.cells.erase(shown.cells.begin() + row);
     shown.heights.erase(shown.heights.begin() + row);
   }
+  sim::layoutOnScreen(table);  // a row below may move onto the screen
 }
 
 long shownRowCount(rt::Id table, long section) {

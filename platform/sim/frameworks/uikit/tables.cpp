@@ -1,7 +1,12 @@
-// UITableViewController, UITableView's reload and the rows it shows,
-// UITableViewCell, UISwitch and swipe actions, and the bookkeeping the
-// table's updates (ui/tables) check as UIKit does, so a data source's wrong
-// answer shows as it would on a phone.
+// UITableView's rows, UITableViewController, UITableViewCell, UISwitch and
+// swipe actions, and the bookkeeping the table's updates (ui/tables) check as
+// UIKit does, so a data source's wrong answer shows as it would on a phone.
+// A table asks what UIKit asks: on a reload, the counts, then the cells of the
+// rows that fit its frame; a row further down when it is scrolled to or
+// touched; every row's height only when the delegate answers heights and no
+// estimate is set.
+// Kinder than UIKit, still: a cell scrolled off screen is kept until its
+// section is reloaded instead of being reused, so scrolling back asks nothing.
 #include "sim/frameworks/uikit/tables.hpp"
 
 #include <cstdio>
@@ -47,7 +52,6 @@ Id tableView(Id self, SEL) { return rt::send<Id>(self, "view"); }
 
 void deselectRow(Id, SEL, Id, bool) {}
 
-rt::IMP hostReloadData = nullptr;
 long askSections(Id table) {
   Id ds = rt::send<Id>(table, "dataSource");
   return rt::respondsTo(ds, rt::sel("numberOfSectionsInTableView:"))
@@ -88,15 +92,13 @@ void cellDealloc(Id self, SEL cmd) {
   }
   superDealloc(self, cmd, "UITableViewCell");
 }
-// The layout that follows a reload in the same turn asks for the rows at once.
-void layoutAll(Id table) {
-  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s)
-    loadSection(table, s);
-}
-void reloadData(Id self, SEL cmd) {
-  rt::call<void>(hostReloadData, self, cmd);
+// UIKit asks its data source for the sections, each section's row count, then
+// a cell for each row on screen; the rest wait until they are scrolled to.
+void reloadData(Id self, SEL) {
+  ViewState& v = *viewState(self);
+  ++v.reloads;
   recordCounts(self);
-  layoutAll(self);
+  v.shownRows = layoutOnScreen(self);
 }
 
 bool switchOn(Id self, SEL) { return extra<SwitchState>(self).on; }
@@ -104,12 +106,15 @@ void setSwitchOn(Id self, SEL, bool on) { extra<SwitchState>(self).on = on; }
 
 // A row the user can touch is on screen, and showing the table asked its
 // counts: that is UIKit's basis for the updates that follow.
+// The user scrolls the row on screen to touch it.
 bool rowExists(Id table, long section, long row) {
   ensureCounts(table);
-  layoutAll(table);  // the user touches what is on screen
   const TableState& t = extra<TableState>(table);
-  return section >= 0 && section < long(t.rowCounts.size()) && row >= 0 &&
-         row < t.rowCounts[std::size_t(section)];
+  if (section < 0 || section >= long(t.rowCounts.size()) || row < 0 ||
+      row >= t.rowCounts[std::size_t(section)])
+    return false;
+  cellAt(table, section, row);
+  return true;
 }
 
 Id indexPathOf(long section, long row) { return rt::indexPath(row, section); }
@@ -127,6 +132,7 @@ void dropSection(TableState& t, std::size_t section) {
   if (section >= t.shown.size()) return;
   ShownTableSection& shown = t.shown[section];
   for (Id cell : shown.cells) {
+    if (!cell) continue;  // never asked for
     CellState* c = findExtra<CellState>(cell);
     if (c && !c->reuseIdentifier.empty())
       t.reusable[c->reuseIdentifier].push_back(cell);  // with the table's retain
@@ -140,13 +146,26 @@ void ensureCounts(Id table) {
   if (!extra<TableState>(table).countsKnown) recordCounts(table);
 }
 
-// Asks the data source for a section not shown since its last reload.
+namespace {
+bool answersHeights(Id table) {
+  return rt::respondsTo(rt::send<Id>(table, "delegate"),
+                        rt::sel("tableView:heightForRowAtIndexPath:"));
+}
+double askHeight(Id table, long section, long row) {
+  return rt::send<double>(rt::send<Id>(table, "delegate"),
+                          "tableView:heightForRowAtIndexPath:", table, rt::indexPath(row, section));
+}
+}  // namespace
+
+// Asks the data source for a section's header and footer, and its rows'
+// heights where UIKit needs them before any cell: every row's when the
+// delegate answers heights and no estimate is set; otherwise each row stands
+// at the estimate until it comes on screen.
 ShownTableSection& loadSection(Id table, long section) {
   TableState& t = extra<TableState>(table);
   ShownTableSection& sec = t.shown[std::size_t(section)];
   if (sec.loaded) return sec;
   Id ds = rt::send<Id>(table, "dataSource");
-  Id dl = rt::send<Id>(table, "delegate");
   if (rt::respondsTo(ds, rt::sel("tableView:titleForHeaderInSection:")))
     sec.header =
         rt::asString(rt::send<Id>(ds, "tableView:titleForHeaderInSection:", table, section))
@@ -155,19 +174,54 @@ ShownTableSection& loadSection(Id table, long section) {
     sec.footer =
         rt::asString(rt::send<Id>(ds, "tableView:titleForFooterInSection:", table, section))
             .value_or("");
-  for (long r = 0; r < t.rowCounts[std::size_t(section)]; ++r) {
-    Id ip = rt::indexPath(r, section);
-    sec.heights.push_back(
-        rt::respondsTo(dl, rt::sel("tableView:heightForRowAtIndexPath:"))
-            ? rt::send<double>(dl, "tableView:heightForRowAtIndexPath:", table, ip)
-            : (t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44));
-    Id cell = rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", table, ip);
-    if (!cell)
-      rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
-    sec.cells.push_back(rt::detail::retain(cell));
-  }
+  long rows = t.rowCounts[std::size_t(section)];
+  bool estimated = t.look.estimatedRowHeight > 0;
+  bool heights = answersHeights(table);
+  double fixed = t.look.automaticRowHeight ? t.look.estimatedRowHeight : 44;
+  sec.cells.assign(std::size_t(rows), nullptr);
+  sec.heights.assign(std::size_t(rows), fixed);
+  if (heights && !estimated)
+    for (long r = 0; r < rows; ++r) sec.heights[std::size_t(r)] = askHeight(table, section, r);
   sec.loaded = true;
   return sec;
+}
+
+Id cellAt(Id table, long section, long row) {
+  ShownTableSection& sec = loadSection(table, section);
+  Id& cell = sec.cells[std::size_t(row)];
+  if (cell) return cell;
+  TableState& t = extra<TableState>(table);
+  if (t.look.estimatedRowHeight > 0 && answersHeights(table))
+    sec.heights[std::size_t(row)] = askHeight(table, section, row);
+  Id got = rt::send<Id>(rt::send<Id>(table, "dataSource"),
+                        "tableView:cellForRowAtIndexPath:", table, rt::indexPath(row, section));
+  if (!got)
+    rt::raise("NSInternalInconsistencyException", "UITableView dataSource returned a nil cell");
+  // The data source may have reloaded the table meanwhile: look again.
+  TableState& now = extra<TableState>(table);
+  if (std::size_t(section) >= now.shown.size() ||
+      std::size_t(row) >= now.shown[std::size_t(section)].cells.size())
+    return got;
+  Id& slot = now.shown[std::size_t(section)].cells[std::size_t(row)];
+  if (slot) return slot;
+  slot = rt::detail::retain(got);
+  return slot;
+}
+
+std::vector<std::vector<Id>> layoutOnScreen(Id table) {
+  std::vector<std::vector<Id>> shown;
+  double height = viewState(table)->frame.size.height, y = 0;
+  long sections = long(extra<TableState>(table).rowCounts.size());
+  for (long s = 0; s < sections; ++s) loadSection(table, s);  // the content's height
+  for (long s = 0; s < sections; ++s) {
+    std::vector<Id>& cells = shown.emplace_back();
+    for (long r = 0; r < extra<TableState>(table).rowCounts[std::size_t(s)] && y < height; ++r) {
+      cells.push_back(cellAt(table, s, r));
+      double h = extra<TableState>(table).shown[std::size_t(s)].heights[std::size_t(r)];
+      y += h > 0 ? h : 44;
+    }
+  }
+  return shown;
 }
 
 // UIKit's check after an update: every section other than `changed` answers
@@ -220,8 +274,7 @@ void registerTables() {
   rt::addMethod(table, rt::sel("deselectRowAtIndexPath:animated:"), deselectRow);
   rt::addMethod(table, rt::sel("dequeueReusableCellWithIdentifier:"), dequeueReusable);
   rt::addMethod(table, rt::sel("dealloc"), tableDealloc);
-  rt::Method reload = rt::getInstanceMethod(table, rt::sel("reloadData"));
-  hostReloadData = rt::setImplementation(reload, reinterpret_cast<rt::IMP>(&reloadData));
+  rt::addMethod(table, rt::sel("reloadData"), reloadData);
 }
 
 ui::Color avatarTint(const std::string& person) {
@@ -271,12 +324,19 @@ rt::Id tableOf(rt::Id controller) {
   return rt::send<Id>(controller, "tableView");
 }
 
+void scrollThrough(rt::Id table) {
+  if (!rt::send<Id>(table, "dataSource")) return;
+  ensureCounts(table);
+  for (long s = 0; s < long(extra<TableState>(table).rowCounts.size()); ++s)
+    for (long r = 0; r < extra<TableState>(table).rowCounts[std::size_t(s)]; ++r)
+      cellAt(table, s, r);
+}
+
 std::vector<ShownSection> showTable(rt::Id table) {
   std::vector<ShownSection> out;
   if (!rt::send<Id>(table, "dataSource")) return out;
-  ensureCounts(table);
-  for (long s = 0, n = long(extra<TableState>(table).rowCounts.size()); s < n; ++s) {
-    const ShownTableSection& shown = loadSection(table, s);
+  scrollThrough(table);
+  for (const ShownTableSection& shown : extra<TableState>(table).shown) {
     ShownSection sec;
     sec.header = shown.header;
     sec.footer = shown.footer;
@@ -309,7 +369,7 @@ bool selectRow(rt::Id table, long section, long row) {
 bool flipSwitch(rt::Id table, long section, long row, bool on) {
   if (!rowExists(table, section, row)) return false;
   // The switch the user touches is the one on screen.
-  Id cell = loadSection(table, section).cells[std::size_t(row)];
+  Id cell = cellAt(table, section, row);
   CellState* c = findExtra<CellState>(cell);
   Id sw = c ? c->spec.accessoryView : nullptr;
   if (!sw || !rt::isKindOf(sw, "UISwitch")) return false;

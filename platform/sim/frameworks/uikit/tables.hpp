@@ -49,13 +49,14 @@ struct SwipeState {
   std::string title;
   ui::SwipeHandler handler;
 };
-// A section as the table shows it: asked from the data source once, then
-// kept (its cells retained) until the section or the whole table is reloaded.
+// A section as the table shows it: its header, footer and heights asked once,
+// and each row's cell asked when the row first comes on screen, then kept
+// (retained) until the section or the whole table is reloaded.
 struct ShownTableSection {
   bool loaded = false;
   std::string header, footer;
-  std::vector<rt::Id> cells;
-  std::vector<double> heights;
+  std::vector<rt::Id> cells;    // one per row; nil until the row is on screen
+  std::vector<double> heights;  // one per row; the estimate until asked
 };
 struct TableState {
   long style = 0;
@@ -119,9 +120,13 @@ struct ShownSection {
   std::string header, footer;
   std::vector<ShownRow> rows;
 };
-// Every section and row the table shows. A section is asked from the data
-// source as UIKit asks it the first time it is shown and after it (or the
-// table) is reloaded; otherwise it shows what it was configured with.
+// The user scrolls from the top to the end and back: every row not yet on
+// screen since the last reload is asked for, once.
+void scrollThrough(rt::Id table);
+// Every section and row of the table, read as a person scrolling through it
+// reads them (scrollThrough). A row is asked from the data source as UIKit
+// asks it the first time it comes on screen after a reload of its section or
+// the table; otherwise it shows what it was configured with.
 std::vector<ShownSection> showTable(rt::Id table);
 // The table of a table view controller (nil for any other screen).
 rt::Id tableOf(rt::Id controller);
@@ -159,6 +164,12 @@ long askRows(rt::Id table, long section);
 void ensureCounts(rt::Id table);
 void dropSection(TableState& t, std::size_t section);
 ShownTableSection& loadSection(rt::Id table, long section);
+// The cell of a row coming on screen, asked once until the row is reloaded.
+rt::Id cellAt(rt::Id table, long section, long row);
+// The layout that follows a reload in the same turn: the cells of the rows
+// on screen, from the top, stacked by their heights until the frame is full,
+// by section.
+std::vector<std::vector<rt::Id>> layoutOnScreen(rt::Id table);
 void checkOtherSections(rt::Id table, long changed);
 std::string mismatch(long section, long before, long after, long deleted);
 

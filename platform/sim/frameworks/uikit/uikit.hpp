@@ -37,9 +37,10 @@ struct ViewState {
   bool dragging = false;
   bool decelerating = false;
   long reloads = 0;
-  double rowHeight = 44;  // UIKit's default; what fits the frame is what a reload asks for
-  // What the table showed at its last reloadData: the data source's answers,
-  // asked the way UIKit asks (sections, rows per section, then each row).
+  double rowHeight = 44;  // UIKit's default
+  // What the table showed at its last reloadData: the cells of the rows that
+  // fit the frame, by section, asked the way UIKit asks (sections, rows per
+  // section, then each row on screen).
   std::vector<std::vector<rt::Id>> shownRows;
 };
 

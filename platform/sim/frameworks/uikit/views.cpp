@@ -1,7 +1,6 @@
 // UIView and the views built on it: UILabel, UINavigationBar, UIWindow and
-// UITableView.
+// UITableView (whose rows are tables.cpp's).
 #include <algorithm>
-#include <cmath>
 
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
@@ -100,28 +99,6 @@ void setTableDelegate(Id self, SEL, Id d) { v(self).delegate = d; }
 bool isDragging(Id self, SEL) { return v(self).dragging; }
 bool isDecelerating(Id self, SEL) { return v(self).decelerating; }
 
-// UIKit asks its data source for the sections, then each section's row
-// count, then a cell for each row that fits on screen.
-void reloadData(Id self, SEL) {
-  ViewState& t = v(self);
-  ++t.reloads;
-  t.shownRows.clear();
-  Id ds = t.dataSource;
-  if (!ds) return;
-  long sections = rt::respondsTo(ds, rt::sel("numberOfSectionsInTableView:"))
-                      ? rt::send<long>(ds, "numberOfSectionsInTableView:", self)
-                      : 1;
-  long onScreen = long(std::ceil(t.frame.size.height / (t.rowHeight > 0 ? t.rowHeight : 44)));
-  for (long s = 0; s < sections; ++s) {
-    long rows = rt::send<long>(ds, "tableView:numberOfRowsInSection:", self, s);
-    std::vector<Id> shown;
-    for (long r = 0; r < rows && onScreen > 0; ++r, --onScreen)
-      shown.push_back(
-          rt::send<Id>(ds, "tableView:cellForRowAtIndexPath:", self, rt::indexPath(r, s)));
-    t.shownRows.push_back(std::move(shown));
-  }
-}
-
 }  // namespace
 
 void registerViews(Runtime&) {
@@ -164,7 +141,6 @@ void registerViews(Runtime&) {
       .method("setDataSource:", setDataSource)
       .method("delegate", tableDelegate)
       .method("setDelegate:", setTableDelegate)
-      .method("reloadData", reloadData)
       .build();
 }
 
