@@ -130,6 +130,20 @@ const std::vector<Chapter>& demoChapters() {
              "expect spotlight Carol", "foreground"},
             "removed 1 delivered notification"},
        }},
+      {"A new phone",
+       {
+           {"A password of the user's own, then a backup as iOS takes it. The phone is wiped "
+            "and restored from it: the app starts cold, the secrets hidden and the password "
+            "kept.",
+            {"setting password 2468", "device backup", "device restore", "launch",
+             "expect hidden", "expect file secrets [team@chatroom carol]", "shake", "type 2468",
+             "press 确定", "wait 1", "expect revealed", "shake", "wait 1", "expect hidden"},
+            "show auth from shake"},
+           {"Scrolling the whole chat list to the end and back asks the host for every row: "
+            "none is a secret's.",
+            {"scroll main", "expect hidden", "show main"},
+            ""},
+       }},
   };
   return chapters;
 }
