@@ -102,11 +102,17 @@ sim::LaunchHooks HostApp::launchHooks() {
   hooks.defineHostClasses = [this] { defineClasses(); };
   hooks.hostDidFinishLaunching = [this] { buildFirstScreen(); };
   hooks.appSwitcherSnapshot = [this] { takeSnapshot(); };
+  // Back from a suspension, the host fetches what came meanwhile.
+  hooks.hostDidResume = [this] { sessionsChanged(); };
+  // CallKit keeps an app with a call on screen running.
+  hooks.hostBusy = [] { return sim::currentProcess().device().notices().anyRinging(); };
   return hooks;
 }
 
 void HostApp::defineClasses() {
-  sim::currentProcess().setHostApp(this);
+  sim::Process& p = sim::currentProcess();
+  p.setHostApp(this);
+  p.platform().bundleInfo["CFBundleIdentifier"] = p.device().appBundleIdentifier();
   originals_.clear();
   defineContextClasses(*this);
   defineContactClasses(*this);
