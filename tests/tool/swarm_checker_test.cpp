@@ -408,3 +408,98 @@ TEST(SwarmChecker, TheKeptLogNamingASecretAsAWordBreaksTheEighthPromise) {
 }
 
 }  // namespace
+
+namespace {
+
+// The app asleep (suspended or not running): SpringBoard alone presents.
+Observation asleep(Looks& l, double t, std::vector<std::string> lockscreen, long minute = 720) {
+  Observation o = withLockScreen(l, t, std::move(lockscreen));
+  o.asleep = true;
+  o.active = false;
+  o.minuteOfDay = minute;
+  return o;
+}
+
+sim::Announcement messageFrom(const std::string& who, bool sound) {
+  sim::Announcement a;
+  a.from = who;
+  a.kind = "message";
+  a.banner = "system";
+  a.sound = sound;
+  return a;
+}
+
+TEST(SwarmChecker, AsleepInManualModeASecretsMessageMustShowNothingInModeZero) {
+  Checker c(withBob(), std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  breachOf(c, l.at(1, {"alice"}));
+  c.credential(2);  // revealed in the app: SpringBoard still hides once it sleeps
+  c.background(3, false);
+  EXPECT_EQ(breachOf(c, asleep(l, 10, {})), 0);
+  Observation o = asleep(l, 11, {});
+  o.announcements = {messageFrom("alice", true)};
+  o.announcedAt = {11};
+  EXPECT_EQ(breachOf(c, o), 0) << "a friend's shows";
+  o = asleep(l, 12, {"bob"});
+  o.announcements = {messageFrom("bob", true)};
+  o.announcedAt = {12};
+  EXPECT_EQ(breachOf(c, o), 2);
+}
+
+TEST(SwarmChecker, AsleepInScheduleModeTheWindowsDecide) {
+  Settings s = withBob();
+  s.manual = false;
+  s.windowsKnown = true;
+  s.windows = {{12 * 60, 13 * 60, /*hide=*/false}};
+  Checker c(s, std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  EXPECT_EQ(breachOf(c, asleep(l, 10, {})), 0);
+  Observation inside = asleep(l, 11, {"bob"}, 12 * 60 + 30);
+  inside.announcements = {messageFrom("bob", true)};
+  inside.announcedAt = {11};
+  EXPECT_EQ(breachOf(c, inside), 0) << "inside a show window";
+  Observation after = asleep(l, 12, {"bob"}, 13 * 60 + 1);
+  EXPECT_EQ(breachOf(c, after), 0) << "what came while shown may stay while the app sleeps";
+  after.now = 13;
+  after.lockscreen.push_back({"late", "bob"});
+  after.announcements = {messageFrom("bob", false)};
+  after.announcedAt = {13};
+  EXPECT_EQ(breachOf(c, after), 2) << "after the window: no banner";
+}
+
+TEST(SwarmChecker, AsleepTheLockScreenKeepsWhatItHadUntilTheAppRunsAgain) {
+  // Bob's message is there from before he was made secret, which happens
+  // while the app sleeps: nothing can sweep it then.
+  Checker c(Settings{}, std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  breachOf(c, l.at(1, {"alice"}));
+  EXPECT_NE(breachOf(c, asleep(l, 10, {"bob"})), 6);
+  c.saved(withBob(), 11);
+  EXPECT_NE(breachOf(c, asleep(l, 20, {"bob"})), 6) << "nothing sweeps while asleep";
+  Observation more = asleep(l, 21, {"bob"});
+  more.lockscreen.push_back({"new", "bob"});
+  EXPECT_EQ(breachOf(c, more), 6) << "but nothing new of a secret's may come";
+  // Awake again: the app sweeps, after the usual moment.
+  EXPECT_NE(breachOf(c, withLockScreen(l, 30, {"bob"})), 6);
+  EXPECT_EQ(breachOf(c, withLockScreen(l, 31, {"bob"})), 6);
+}
+
+TEST(SwarmChecker, MadeSecretWhileAsleepTheOutsideRecordsWaitForTheAppToRun) {
+  Checker c(Settings{}, std::nullopt, false, 0);
+  Looks l;
+  c.launched(0);
+  breachOf(c, l.at(1, {"alice"}));
+  breachOf(c, asleep(l, 10, {}));
+  c.saved(withBob(), 11);
+  Observation o = asleep(l, 12, {});
+  o.suggestions = {"bob"};
+  EXPECT_NE(breachOf(c, o), 7) << "the clean-up waits in the suspended app";
+  Observation awake = l.at(20, {"alice"});
+  awake.suggestions = {"bob"};
+  EXPECT_EQ(breachOf(c, awake), 7);
+}
+
+}  // namespace

@@ -5,6 +5,7 @@
 
 #include "hiding/session_hooks.hpp"
 #include "panel/panel_controller.hpp"
+#include "sim/process.hpp"
 #include "triggers/auth.hpp"
 #include "triggers/auto_lock.hpp"
 #include "triggers/entry_hooks.hpp"
@@ -18,11 +19,11 @@ namespace {
 // Named where the system defines them, so a changed value moves the probes
 // with it. Several share a value; each value is probed once.
 constexpr double kNamed[] = {
-    triggers::kPasswordResultDelay_s, hiding::kCountCacheLife_s,   panel::kBusyRetry_s,
-    triggers::kLongPressDuration_s,   triggers::kShakeSpacing_s,   hiding::kSoftReloadThrottle_s,
-    triggers::kAutoLockDebounce_s,    triggers::kRevealDebounce_s, hiding::kAppearanceThrottle_s,
-    hiding::kForceApplyThrottle_s,    triggers::kEntryTapGap,      triggers::kRevealSettle_s,
-    triggers::kScheduleInterval_s,
+    triggers::kPasswordResultDelay_s, hiding::kCountCacheLife_s,     panel::kBusyRetry_s,
+    triggers::kLongPressDuration_s,   triggers::kShakeSpacing_s,     hiding::kSoftReloadThrottle_s,
+    triggers::kAutoLockDebounce_s,    triggers::kRevealDebounce_s,   hiding::kAppearanceThrottle_s,
+    hiding::kForceApplyThrottle_s,    triggers::kEntryTapGap,        triggers::kRevealSettle_s,
+    triggers::kScheduleInterval_s,    sim::Process::kSuspendGrace_s,
 };
 
 constexpr auto kAscending = [] {

@@ -78,7 +78,8 @@ void Checker::credential(double now) {
 void Checker::saved(const Settings& now, double at) {
   if (now.notifyMode == 0 && settings_.notifyMode != 0) modeZeroChosen_ = true;
   for (const auto& u : now.secrets)
-    if (!settings_.secrets.count(u) && !running_) secretWhileAway_.insert(u);
+    if (!settings_.secrets.count(u) && (!running_ || asleep_)) secretWhileAway_.insert(u);
+  if (asleep_) keptWhileAsleep_.insert(lastLockscreen_.begin(), lastLockscreen_.end());
   if (now.manual != settings_.manual) {
     unsure(at);
     modeSince_ = at;
@@ -124,6 +125,12 @@ bool Checker::scheduleVisible(long minute) const {
   return false;
 }
 
+bool Checker::hiddenAsleep(const Observation& o) const {
+  if (!launchedOnce_ || settings_.secrets.empty()) return false;
+  if (settings_.manual) return true;
+  return settings_.windowsKnown && !scheduleVisible(o.minuteOfDay);
+}
+
 bool Checker::hiddenForSure(const Observation& o) const {
   if (!running_ || !o.running || settings_.secrets.empty()) return false;
   if (settings_.manual) return !credited_;
@@ -144,6 +151,20 @@ std::optional<Breach> Checker::check(const Observation& o) {
   }
   if (!settings_.manual && (!settings_.windowsKnown || scheduleVisible(o.minuteOfDay)))
     lastScheduleShowAt_ = o.now;
+
+  bool slept = asleep_ && o.asleep;  // the whole step, so SpringBoard alone presented
+  if (o.asleep && !asleep_) {
+    for (const auto& d : o.lockscreen) keptWhileAsleep_.insert(d.identifier);
+  } else if (!o.asleep && asleep_) {
+    // Awake again: what was queued while asleep runs now, and what the
+    // lock screen kept is the app's to sweep, after the usual moment.
+    keptWhileAsleep_.clear();
+    if (running_) secretWhileAway_.clear();
+    quiet_ = false;
+  }
+  asleep_ = o.asleep;
+  lastLockscreen_.clear();
+  for (const auto& d : o.lockscreen) lastLockscreen_.push_back(d.identifier);
 
   Key k;
   k.hidden = hiddenForSure(o);
@@ -167,8 +188,17 @@ std::optional<Breach> Checker::check(const Observation& o) {
     if (k.hidden)
       if (auto b = judgeScreens(o, k)) return b;
   }
-  if (auto b = judgeAnnouncements(o, k.hidden)) return b;
-  if (auto b = judgeLockScreen(o, k.hidden)) return b;
+  if (slept) {
+    bool hidden = hiddenAsleep(o);
+    // SpringBoard reads the gate afresh: no moment to settle.
+    if (auto b = judgeAnnouncements(o, hidden, false)) return b;
+    if (!hidden || settings_.notifyMode != 0)
+      for (const auto& d : o.lockscreen) keptWhileAsleep_.insert(d.identifier);
+    if (auto b = judgeLockScreenAsleep(o, hidden)) return b;
+  } else {
+    if (auto b = judgeAnnouncements(o, k.hidden)) return b;
+    if (auto b = judgeLockScreen(o, k.hidden)) return b;
+  }
   if (auto b = judgeOutside(o)) return b;
   return judgeFile(o);
 }
@@ -240,13 +270,14 @@ std::optional<Breach> Checker::judgeDrawn(const Observation& o) {
   return std::nullopt;
 }
 
-std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hiddenNow) {
+std::optional<Breach> Checker::judgeAnnouncements(const Observation& o, bool hiddenNow,
+                                                  bool settles) {
   for (std::size_t i = 0; i < o.announcements.size(); ++i) {
     const sim::Announcement& a = o.announcements[i];
     if (!settings_.secrets.count(a.from)) continue;
     // Judged by when it came: a sheet still closing, 0.3 s, was the state before.
     double at = i < o.announcedAt.size() ? o.announcedAt[i] : o.now;
-    bool hidden = hiddenNow && at - changedAt_ >= kSettle;
+    bool hidden = hiddenNow && (!settles || at - changedAt_ >= kSettle);
     std::string what = a.kind + " from " + a.from + ": banner '" + a.banner + "', sound " +
                        std::to_string(a.sound) + ", vibrations " + std::to_string(a.vibrations) +
                        ", ringing " + std::to_string(a.ringing);
@@ -279,6 +310,20 @@ std::optional<Breach> Checker::judgeLockScreen(const Observation& o, bool hidden
   for (const auto& d : o.lockscreen)
     if (settings_.secrets.count(d.from) && !keptWhenChosen_.count(d.identifier))
       return Breach{6, "hidden in notify mode 0, the lock screen still lists " + d.from};
+  return std::nullopt;
+}
+
+// 6, while the app sleeps: SpringBoard drops what a hidden secret sends in
+// mode 0, so nothing new of a secret's reaches the lock screen.
+std::optional<Breach> Checker::judgeLockScreenAsleep(const Observation& o, bool hidden) {
+  if (modeZeroChosen_)
+    for (const auto& d : o.lockscreen) keptWhenChosen_.insert(d.identifier);
+  modeZeroChosen_ = false;
+  if (!hidden || settings_.notifyMode != 0) return std::nullopt;
+  for (const auto& d : o.lockscreen)
+    if (settings_.secrets.count(d.from) && !keptWhileAsleep_.count(d.identifier) &&
+        !keptWhenChosen_.count(d.identifier))
+      return Breach{6, "asleep, hidden in notify mode 0, the lock screen got " + d.from + "'s"};
   return std::nullopt;
 }
 

@@ -17,6 +17,7 @@ namespace qbsim::swarm {
 // What a person could see after a step, gathered by the world from the host.
 struct Observation {
   bool running = false;
+  bool asleep = false;  // the app is suspended or not running: SpringBoard alone presents
   bool active = false;
   double now = 0;
   long minuteOfDay = 0;
@@ -75,6 +76,9 @@ class Checker {
   // Judges a step; the model's view of the state is updated first.
   std::optional<Breach> check(const Observation& o);
   bool hiddenForSure(const Observation& o) const;
+  // What SpringBoard's guard sees while the app sleeps: hidden in manual
+  // mode (the app is not in front), by the windows in schedule mode.
+  bool hiddenAsleep(const Observation& o) const;
 
  private:
   struct Key {
@@ -88,10 +92,12 @@ class Checker {
   std::optional<Breach> judgeDrawn(const Observation& o);
   std::optional<Breach> judgeSnapshot(const Observation& o);
   std::optional<Breach> judgeKeptLog(const Observation& o) const;
-  std::optional<Breach> judgeAnnouncements(const Observation& o, bool hiddenNow);
+  std::optional<Breach> judgeAnnouncements(const Observation& o, bool hiddenNow,
+                                           bool settles = true);
   std::optional<Breach> judgeFile(const Observation& o);
   std::optional<Breach> judgeKeptAside(const Observation& o) const;
   std::optional<Breach> judgeLockScreen(const Observation& o, bool hidden);
+  std::optional<Breach> judgeLockScreenAsleep(const Observation& o, bool hidden);
   std::optional<Breach> judgeOutside(const Observation& o);
   void unsure(double now) { credited_ = true, lastUnsureAt_ = now; }
 
@@ -123,6 +129,12 @@ class Checker {
   // outside it can): the library cleans for them when it next starts.
   std::set<std::string> secretWhileAway_;
   std::set<std::string> keptWhenChosen_;
+  // While the app sleeps nothing sweeps Notification Center: what it held
+  // when the app fell asleep, when a setting changed meanwhile, or got while
+  // the secrets showed, stays until the app runs again.
+  bool asleep_ = false;
+  std::set<std::string> keptWhileAsleep_;
+  std::vector<std::string> lastLockscreen_;
 
   Key last_;
   long mainAtChange_ = 0, contactsAtChange_ = 0;

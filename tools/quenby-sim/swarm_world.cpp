@@ -121,6 +121,7 @@ Observation World::observe(const Before& before, bool left) {
   sim::Device& device = session_.device();
   sim::Process* p = session_.process();
   o.running = p != nullptr;
+  o.asleep = !p || p->suspended();
   o.now = device.elapsed();
   o.minuteOfDay = long(device.localSecondOfDay() / 60) % 1440;
   o.file = readFile(session_.settingsPath());

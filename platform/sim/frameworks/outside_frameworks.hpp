@@ -15,9 +15,11 @@ namespace sim {
 class Runtime;
 class SystemRecords;
 
-// A write of the frameworks: applied to the device's records after the
-// caller's turn of the main queue, then success reported to `completion`
-// (a block, may be nil) on the framework's queue.
+// A write of the frameworks: the request reaches the system's daemon at once,
+// which applies it to the device's records whatever becomes of the app; then
+// success is reported to `completion` (a block, may be nil) on the
+// framework's queue, after the caller's turn, and not while the app is
+// suspended.
 void writeLater(std::function<void(SystemRecords&)> write, rt::Id completion);
 
 void registerIntents(Runtime& rtm);

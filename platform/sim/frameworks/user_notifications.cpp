@@ -119,11 +119,13 @@ void getDelivered(Id, SEL, Id handler) {
   });
 }
 
-// Removal happens asynchronously; identifiers match exactly.
+// The request leaves the app at once for the system's daemon, which removes
+// them whatever becomes of the app (suspended or ended the next moment);
+// identifiers match exactly.
 void removeDelivered(Id, SEL, Id identifiers) {
   std::vector<std::string> ids;
   for (Id i : rt::elements(identifiers)) ids.push_back(text(i));
-  sys::async([ids] { records().removeDelivered(ids); });
+  records().removeDelivered(ids);
 }
 
 }  // namespace
@@ -133,7 +135,7 @@ void onSystemQueue(std::function<void()> work) {
 }
 
 void writeLater(std::function<void(SystemRecords&)> write, Id completion) {
-  sys::async([write = std::move(write)] { write(records()); });
+  write(records());
   sys::callCompletionLater(completion);
 }
 
