@@ -107,6 +107,9 @@ sim::LaunchHooks HostApp::launchHooks() {
 
 void HostApp::defineClasses() {
   sim::currentProcess().setHostApp(this);
+  // The main bundle is the one the device installed the app's container for.
+  sim::currentProcess().platform().bundleInfo["CFBundleIdentifier"] =
+      sim::currentProcess().device().bundleIdentifier();
   originals_.clear();
   defineContextClasses(*this);
   defineContactClasses(*this);
