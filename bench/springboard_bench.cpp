@@ -1,0 +1,109 @@
+// The lock-screen guard's cost per notification request in SpringBoard: a
+// request of the host's bundle from a non-secret (presented as it came), from
+// a secret in mode 0 (dropped) and in mode 1 (a silent copy presented, one
+// vibration), the gate holding 201 hashed secrets and stamped on every
+// request. Each is measured beside a dispatcher of the same implementation
+// that is not hooked, reported as "vs_host".
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <memory>
+
+#include "core/gate_file.hpp"
+#include "notify/springboard_classes.hpp"  // tests/notify
+#include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
+#include "rt/send.hpp"
+#include "sim/device/device.hpp"
+#include "sim/process.hpp"
+#include "startup/startup.hpp"
+#include "sys/files.hpp"
+
+namespace {
+
+using rt::Id;
+namespace springboard = qbtest::springboard;
+
+struct World {
+  sim::Device device;
+  std::unique_ptr<sim::Process> springBoard;
+  rt::Strong hooked, plain;
+  explicit World(long mode) {
+    {
+      sim::Process app(device);
+      core::GateRecord r;
+      r.salt = core::newGateSalt();
+      for (int i = 0; i < 200; ++i)
+        r.hashes.insert(core::gateHash(r.salt, "wxid_secret_" + std::to_string(i)));
+      r.hashes.insert(core::gateHash(r.salt, "bob"));
+      r.notifyMode = mode;
+      sys::createDirectories(device.documentsPath() + "/Quenby");
+      sys::writePropertyList(core::gateFilePath(), core::gateValue(r), sys::PlistFormat::Xml,
+                             nullptr, sys::FileProtection::None);
+    }
+    springBoard = std::make_unique<sim::Process>(device);
+    sim::LaunchHooks hooks;
+    hooks.defineHostClasses = [] {
+      springboard::defineClasses(qbtest::SpringBoardBuild::Full);
+      sim::ClassBuilder("PlainDispatcher")
+          .method("postNotificationWithRequest:", springboard::post)
+          .build();
+    };
+    hooks.libraryEntry = core::libraryEntry;
+    springBoard->launch(hooks);
+    hooked = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationDispatcher"), "new"));
+    plain = rt::Strong::adopt(rt::send<Id>(rt::getClass("PlainDispatcher"), "new"));
+  }
+  ~World() {
+    hooked.reset();
+    plain.reset();
+  }
+};
+
+rt::Strong request(const char* from) {
+  rt::Strong r = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationRequest"), "new"));
+  rt::setIvarNamed(r.get(), springboard::kSection, rt::str("com.example.messenger"));
+  rt::setIvarNamed(r.get(), springboard::kIdentifier, rt::str("n1"));
+  rt::setIvarNamed(r.get(), springboard::kThread, rt::str(from));
+  rt::setIvarNamed(r.get(), springboard::kSound,
+                   sim::autorelease(rt::send<Id>(rt::getClass("NCNotificationSound"), "new")));
+  Id userInfo = rt::dictionary({{rt::str("fromUserName"), rt::str(from)},
+                                {rt::str("msgType"), rt::number(1)}});
+  rt::setIvarNamed(r.get(), springboard::kContext,
+                   rt::dictionary({{rt::str("userInfo"), userInfo}}));
+  return r;
+}
+
+template <typename F>
+double secondsPerCall(F&& call) {
+  constexpr int kCalls = 20000;
+  auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < kCalls; ++i) call();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / kCalls;
+}
+
+// Arg 0: a non-secret's request; 1: a secret's, mode 0 (dropped); 2: a
+// secret's, mode 1 (silent copy and a vibration).
+void BM_SpringBoardRequest(benchmark::State& state) {
+  long arg = state.range(0);
+  World w(arg == 2 ? 1 : 0);
+  rt::Strong req = request(arg ? "bob" : "alice");
+  const char* sel = "postNotificationWithRequest:";
+  auto turn = [&](Id dispatcher) {
+    w.springBoard->runGuarded([&] { rt::send<void>(dispatcher, sel, req.get()); });
+  };
+  double plainPerCall = secondsPerCall([&] { turn(w.plain.get()); });
+  auto start = std::chrono::steady_clock::now();
+  for (auto _ : state) turn(w.hooked.get());
+  double perCall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() /
+                   double(state.iterations());
+  state.counters["vs_host"] = perCall / plainPerCall;
+  state.counters["unhooked_ns"] = plainPerCall * 1e9;
+  state.SetLabel(arg == 2 ? "secret, mode 1" : arg ? "secret, mode 0 (dropped)" : "non-secret");
+}
+
+BENCHMARK(BM_SpringBoardRequest)->Arg(0)->Arg(1)->Arg(2);
+
+}  // namespace
+
+BENCHMARK_MAIN();
