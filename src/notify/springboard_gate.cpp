@@ -66,9 +66,11 @@ SpringBoardGate::Host* SpringBoardGate::find(std::string_view bundleIdentifier) 
   return nullptr;
 }
 
-bool SpringBoardGate::refresh(Host& host) {
+bool SpringBoardGate::refresh(Host& host, double now) {
+  if (host.checkedAt && now - *host.checkedAt < kGateRecheckInterval_s) return true;
   std::optional<sys::FileStamp> stamp = sys::fileStamp(host.gatePath);
   if (!stamp) return false;
+  host.checkedAt = now;
   if (host.stamp == stamp) return true;
   // The stamp before the read: a write in between is caught by the next request.
   host.stamp = stamp;
@@ -90,14 +92,15 @@ SpringBoardGate::Host* SpringBoardGate::gateFor(std::string_view bundleIdentifie
   if (!scanned_ || (hosts_.empty() && now - lastScan_ >= kContainerRescanInterval_s)) scan(now);
   Host* host = find(bundleIdentifier);
   if (!host) return nullptr;
-  if (!refresh(*host)) {
+  if (!refresh(*host, now)) {
     if (!sys::fileExists(host->container)) {
       // Gone (the app deleted, or moved to a new container): look again now.
       scan(now);
       host = find(bundleIdentifier);
-      if (!host || !refresh(*host)) return nullptr;
+      if (!host || !refresh(*host, now)) return nullptr;
     } else {
       host->stamp = std::nullopt;
+      host->checkedAt = now;  // looked for again after the same pause
       host->record = std::nullopt;
       host->answers.clear();
       if (!host->reportedUnusable)

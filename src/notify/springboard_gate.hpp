@@ -2,7 +2,10 @@
 // notification requests: where the hosts' containers are, looked up at the
 // first request and again when none was found (at most once a minute) or when
 // one vanished, and each gate as last read, read again whenever its stamp
-// changes. One caller at a time.
+// changes. The stamp is looked at no more than twice a second: a stat(2) of
+// the gate's path costs more than the whole decision may, and a setting
+// changed in the app reaches SpringBoard that much later. One caller at a
+// time.
 #pragma once
 
 #include <optional>
@@ -17,6 +20,7 @@
 namespace notify {
 
 inline constexpr double kContainerRescanInterval_s = 60;
+inline constexpr double kGateRecheckInterval_s = 0.5;
 
 class SpringBoardGate {
  public:
@@ -25,6 +29,7 @@ class SpringBoardGate {
     std::string bundleIdentifier;
     std::string gatePath;
     std::optional<sys::FileStamp> stamp;     // of the gate as last read
+    std::optional<double> checkedAt;         // media time of the last look at the stamp
     std::optional<core::GateRecord> record;  // nullopt: missing, unreadable or damaged
     bool reportedUnusable = false;
     // Answers by username for this version of the gate.
@@ -41,7 +46,7 @@ class SpringBoardGate {
   void scan(double now);
   Host* find(std::string_view bundleIdentifier);
   // Reads the gate again when its stamp changed; false when it is gone.
-  bool refresh(Host& host);
+  bool refresh(Host& host, double now);
 
   std::vector<Host> hosts_;
   bool scanned_ = false;

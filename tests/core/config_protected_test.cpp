@@ -268,12 +268,12 @@ TEST(GateRecord, OlderFilesReadAndMalformedVisibilityKeysAreRefused) {
   EXPECT_FALSE(with("dailyWindows", base::Value("08:00")));
   EXPECT_FALSE(with("dailyWindows", base::Value(base::Array{})));
   EXPECT_FALSE(with("dailyWindows", core::windowsValue({QBConfig::QBWindow(480, 1320, 0),
-                                                  QBConfig::QBWindow(600, 700, 1)})))
+                                                        QBConfig::QBWindow(600, 700, 1)})))
       << "overlapping";
   // Stored unsorted, read sorted.
-  std::optional<core::GateRecord> sorted = with(
-      "dailyWindows",
-      core::windowsValue({QBConfig::QBWindow(600, 700, 1), QBConfig::QBWindow(60, 120, 0)}));
+  std::optional<core::GateRecord> sorted =
+      with("dailyWindows",
+           core::windowsValue({QBConfig::QBWindow(600, 700, 1), QBConfig::QBWindow(60, 120, 0)}));
   ASSERT_TRUE(sorted);
   EXPECT_EQ(sorted->windows.front().start, 60);
 }

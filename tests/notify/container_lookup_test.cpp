@@ -51,7 +51,11 @@ TEST_F(Lookup, TheGateIsReadAgainWhenItChanges) {
   writeGate(0, {"alice"});
   EXPECT_TRUE(post(kHost, "bob")) << "cached answers belong to the old version";
   EXPECT_FALSE(post(kHost, "alice"));
-  writeGate(2, {"alice"});
+  // A change is seen once the pause since the last look has passed.
+  writeGateValue(core::gateValue(core::GateRecord{"00", {}, 2}));
+  springBoard->advance(notify::kGateRecheckInterval_s * 0.9);
+  EXPECT_FALSE(post(kHost, "alice")) << "not looked at again yet";
+  springBoard->advance(notify::kGateRecheckInterval_s * 0.2);
   EXPECT_TRUE(post(kHost, "alice"));
   EXPECT_EQ(countLog("[QB] lock-screen guard: host container of com.example.messenger"), 1)
       << "looked up once";
@@ -74,10 +78,12 @@ TEST_F(Lookup, AVanishedContainerIsLookedForAgainAtOnce) {
   // The app reinstalled: its data in a container of a new name.
   std::string moved = root() + "/0000-MOVED";
   fs::rename(device.containerPath(), moved);
+  settle();
   EXPECT_FALSE(post(kHost, "bob"));
   EXPECT_EQ(countLog("[QB] lock-screen guard: host container of"), 2);
   // Deleted: everything passes, and the next look waits its minute.
   fs::remove_all(moved);
+  settle();
   EXPECT_TRUE(post(kHost, "bob"));
   EXPECT_EQ(countLog("[QB] lock-screen guard: no host container"), 1);
 }

@@ -148,13 +148,19 @@ TEST_F(Guard, WithoutAUsableGateEverythingPassesWithOneLine) {
   base::Dictionary bad = *core::gateValue(core::GateRecord{"00", {}, 0}).asDictionary();
   bad.emplace_back("visibilityControl", base::Value(7L));
   writeGateValue(base::Value(bad));
+  settle();
   EXPECT_TRUE(post(kHost, "bob"));
 
   writeGate(0, {"bob"});
   EXPECT_FALSE(post(kHost, "bob"));
   std::filesystem::remove(gatePath());
-  for (int i = 0; i < 3; ++i) EXPECT_TRUE(post(kHost, "bob"));
+  for (int i = 0; i < 3; ++i) {
+    settle();
+    EXPECT_TRUE(post(kHost, "bob"));
+  }
   EXPECT_EQ(countLog("[QB] lock-screen guard: gate missing, everything passes"), 1);
+  writeGate(0, {"bob"});
+  EXPECT_FALSE(post(kHost, "bob")) << "back";
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/gate_file.hpp"
+#include "notify/springboard_gate.hpp"
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
@@ -72,6 +73,11 @@ class SpringBoardWorld : public ::testing::Test {
     r.visibilityControl = visibility;
     r.windows = std::move(windows);
     writeGateValue(core::gateValue(r));
+    settle();
+  }
+  // Past the pause after which SpringBoard looks at the gate's stamp again.
+  void settle() {
+    if (springBoard) springBoard->advance(notify::kGateRecheckInterval_s);
   }
   void writeGateValue(const base::Value& v) {
     sys::createDirectories(device.documentsPath() + "/Quenby");
