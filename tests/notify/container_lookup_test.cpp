@@ -64,8 +64,11 @@ TEST_F(Lookup, TheGateIsReadAgainWhenItChanges) {
 TEST_F(Lookup, NothingFoundIsLookedForAgainAtMostOnceAMinute) {
   startSpringBoard();
   EXPECT_TRUE(post(kHost, "bob"));
+  springBoard->advance(notify::kContainerRescanInterval_s + 1);
+  EXPECT_TRUE(post(kHost, "bob"));
+  EXPECT_EQ(countLog("[QB] lock-screen guard: no host container"), 1) << "said once, looked twice";
   writeGate(0, {"bob"});
-  springBoard->advance(notify::kContainerRescanInterval_s - 1);
+  springBoard->advance(notify::kContainerRescanInterval_s - 2);
   EXPECT_TRUE(post(kHost, "bob")) << "too soon to look again";
   springBoard->advance(2);
   EXPECT_FALSE(post(kHost, "bob"));
