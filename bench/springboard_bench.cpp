@@ -2,8 +2,8 @@
 // request of the host's bundle from a non-secret (presented as it came), from
 // a secret in mode 0 (dropped) and in mode 1 (a silent copy presented, one
 // vibration), the gate holding 201 hashed secrets and stamped on every
-// request. Each is measured beside a dispatcher of the same implementation
-// that is not hooked, reported as "vs_host"; mode 1 also beside the unhooked
+// request. Each is measured beside a second SpringBoard without the library,
+// its dispatcher unhooked, reported as "vs_host"; mode 1 also beside the unhooked
 // dispatcher presenting a silent copy made the same way. No virtual time
 // passes, so the gate's stamp is looked at once: on this machine a stat(2) of
 // its path costs about 2 us, paid at most twice a second.
@@ -13,7 +13,8 @@
 #include <memory>
 
 #include "core/gate_file.hpp"
-#include "notify/springboard_classes.hpp"  // tests/notify
+#include "sim/runtime/lifetimes.hpp"
+#include "sim/springboard/springboard.hpp"
 #include "rt/foundation.hpp"
 #include "rt/ownership.hpp"
 #include "rt/send.hpp"
@@ -25,13 +26,13 @@
 namespace {
 
 using rt::Id;
-namespace springboard = qbtest::springboard;
 
+// Two SpringBoards on one device: one with the library, one without.
 struct World {
   sim::Device device;
-  std::unique_ptr<sim::Process> springBoard;
-  rt::Strong hooked, plain;
-  explicit World(long mode) {
+  std::unique_ptr<sim::Process> plainSB, guardedSB;
+  rt::Strong plain, hooked, plainRequest, hookedRequest;
+  World(long mode, const char* from) {
     {
       sim::Process app(device);
       core::GateRecord r;
@@ -44,38 +45,47 @@ struct World {
       sys::writePropertyList(core::gateFilePath(), core::gateValue(r), sys::PlistFormat::Xml,
                              nullptr, sys::FileProtection::None);
     }
-    springBoard = std::make_unique<sim::Process>(device);
-    sim::LaunchHooks hooks;
-    hooks.defineHostClasses = [] {
-      springboard::defineClasses(qbtest::SpringBoardBuild::Full);
-      sim::ClassBuilder("PlainDispatcher")
-          .method("postNotificationWithRequest:", springboard::post)
-          .build();
-    };
-    hooks.libraryEntry = core::libraryEntry;
-    springBoard->launch(hooks);
+    auto none = [](const std::string&, const std::string&) { return false; };
+    plainSB = std::make_unique<sim::Process>(device, sim::ProcessKind::SpringBoard);
+    springboard::boot(*plainSB, none, nullptr);
+    guardedSB = std::make_unique<sim::Process>(device, sim::ProcessKind::SpringBoard);
+    springboard::boot(*guardedSB, none, core::libraryEntry);
+    {
+      sim::InProcess here(*plainSB);
+      plain = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationDispatcher"), "new"));
+      plainRequest = request(from);
+    }
+    sim::InProcess here(*guardedSB);
     hooked = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationDispatcher"), "new"));
-    plain = rt::Strong::adopt(rt::send<Id>(rt::getClass("PlainDispatcher"), "new"));
+    hookedRequest = request(from);
   }
   ~World() {
+    {
+      sim::InProcess here(*plainSB);
+      plain.reset();
+      plainRequest.reset();
+    }
+    sim::InProcess here(*guardedSB);
     hooked.reset();
-    plain.reset();
+    hookedRequest.reset();
+  }
+  // As NCNotificationRequest's own getters read it back.
+  static rt::Strong request(const char* from) {
+    rt::Strong r =
+        rt::Strong::adopt(rt::send<Id>(rt::getClass("NCMutableNotificationRequest"), "new"));
+    Id content = sim::autorelease(rt::send<Id>(rt::getClass("NCNotificationContent"), "new"));
+    rt::send<void>(r.get(), "setSectionIdentifier:", rt::str("com.example.messenger"));
+    rt::send<void>(r.get(), "setNotificationIdentifier:", rt::str("n1"));
+    rt::send<void>(r.get(), "setThreadIdentifier:", rt::str(from));
+    rt::send<void>(r.get(), "setContent:", content);
+    rt::send<void>(r.get(), "setSound:",
+                   sim::autorelease(rt::send<Id>(rt::getClass("NCNotificationSound"), "new")));
+    Id userInfo = rt::dictionary(
+        {{rt::str("fromUserName"), rt::str(from)}, {rt::str("msgType"), rt::number(1)}});
+    rt::send<void>(r.get(), "setContext:", rt::dictionary({{rt::str("userInfo"), userInfo}}));
+    return r;
   }
 };
-
-rt::Strong request(const char* from) {
-  rt::Strong r = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationRequest"), "new"));
-  rt::setIvarNamed(r.get(), springboard::kSection, rt::str("com.example.messenger"));
-  rt::setIvarNamed(r.get(), springboard::kIdentifier, rt::str("n1"));
-  rt::setIvarNamed(r.get(), springboard::kThread, rt::str(from));
-  rt::setIvarNamed(r.get(), springboard::kSound,
-                   sim::autorelease(rt::send<Id>(rt::getClass("NCNotificationSound"), "new")));
-  Id userInfo = rt::dictionary(
-      {{rt::str("fromUserName"), rt::str(from)}, {rt::str("msgType"), rt::number(1)}});
-  rt::setIvarNamed(r.get(), springboard::kContext,
-                   rt::dictionary({{rt::str("userInfo"), userInfo}}));
-  return r;
-}
 
 template <typename F>
 double secondsPerCall(F&& call) {
@@ -89,15 +99,16 @@ double secondsPerCall(F&& call) {
 // secret's, mode 1 (silent copy and a vibration).
 void BM_SpringBoardRequest(benchmark::State& state) {
   long arg = state.range(0);
-  World w(arg == 2 ? 1 : 0);
-  rt::Strong req = request(arg ? "bob" : "alice");
+  World w(arg == 2 ? 1 : 0, arg ? "bob" : "alice");
   const char* sel = "postNotificationWithRequest:";
-  auto turn = [&](Id dispatcher) {
-    w.springBoard->runGuarded([&] { rt::send<void>(dispatcher, sel, req.get()); });
-  };
-  double plainPerCall = secondsPerCall([&] { turn(w.plain.get()); });
+  double plainPerCall = secondsPerCall([&] {
+    sim::InProcess here(*w.plainSB);
+    w.plainSB->runGuarded([&] { rt::send<void>(w.plain.get(), sel, w.plainRequest.get()); });
+  });
+  sim::InProcess here(*w.guardedSB);
   auto start = std::chrono::steady_clock::now();
-  for (auto _ : state) turn(w.hooked.get());
+  for (auto _ : state)
+    w.guardedSB->runGuarded([&] { rt::send<void>(w.hooked.get(), sel, w.hookedRequest.get()); });
   double perCall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() /
                    double(state.iterations());
   state.counters["vs_host"] = perCall / plainPerCall;
@@ -106,8 +117,9 @@ void BM_SpringBoardRequest(benchmark::State& state) {
     // What presenting a silent copy costs without the guard: in the
     // simulation mostly the copy's allocation, which records its call stack.
     double copyPerCall = secondsPerCall([&] {
-      w.springBoard->runGuarded([&] {
-        rt::Strong quiet = rt::Strong::adopt(rt::send<Id>(req.get(), "mutableCopy"));
+      sim::InProcess there(*w.plainSB);
+      w.plainSB->runGuarded([&] {
+        rt::Strong quiet = rt::Strong::adopt(rt::send<Id>(w.plainRequest.get(), "mutableCopy"));
         rt::send<void>(quiet.get(), "setSound:", Id{nullptr});
         rt::send<void>(w.plain.get(), sel, quiet.get());
       });

@@ -18,6 +18,7 @@ set(QUENBY_SIM_LAYER_process codec device events runtime process)
 set(QUENBY_SIM_LAYER_frameworks ${QUENBY_SIM_LAYER_process} frameworks)
 set(QUENBY_SIM_LAYER_facades ${QUENBY_SIM_LAYER_frameworks} rt sys ui)
 set(QUENBY_SIM_LAYER_hostapp ${QUENBY_SIM_LAYER_frameworks} hostapp)
+set(QUENBY_SIM_LAYER_springboard ${QUENBY_SIM_LAYER_frameworks} springboard)
 set(QUENBY_SIM_LAYER_picture ${QUENBY_SIM_LAYER_frameworks} picture)
 
 set(QUENBY_SIM_DIR ${CMAKE_CURRENT_LIST_DIR}/../platform/sim)

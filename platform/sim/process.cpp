@@ -1,5 +1,6 @@
 #include "sim/process.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +16,12 @@ namespace {
 // Atomic because the host calls some hooks from its other threads, which read
 // it while the main thread owns the process.
 std::atomic<Process*> gCurrent{nullptr};
+// Every process alive, oldest first: when the current one ends, the newest
+// left takes its place.
+std::mutex gLiveMutex;
+std::vector<Process*> gLive;
+// A thread inside another process (InProcess).
+thread_local Process* tEntered = nullptr;
 
 }  // namespace
 
@@ -33,7 +40,7 @@ const char* appStateName(AppState s) {
 }
 
 Process& currentProcess() {
-  Process* current = gCurrent.load(std::memory_order_acquire);
+  Process* current = tEntered ? tEntered : gCurrent.load(std::memory_order_acquire);
   if (!current) {
     std::fprintf(stderr, "quenby: the runtime was used with no simulated process running\n");
     std::abort();
@@ -41,16 +48,24 @@ Process& currentProcess() {
   return *current;
 }
 
-bool hasCurrentProcess() { return gCurrent.load(std::memory_order_acquire) != nullptr; }
+bool hasCurrentProcess() { return tEntered || gCurrent.load(std::memory_order_acquire) != nullptr; }
+
+InProcess::InProcess(Process& process) : saved_(tEntered) { tEntered = &process; }
+InProcess::~InProcess() { tEntered = saved_; }
 
 Runtime& runtime() { return currentProcess().runtime(); }
 
-Process::Process(Device& device)
+Process::Process(Device& device, ProcessKind kind)
     : device_(device),
-      previous_(gCurrent),
+      kind_(kind),
       runtime_(std::make_unique<Runtime>()),
       mainThread_(std::this_thread::get_id()) {
-  gCurrent = this;
+  {
+    std::lock_guard lock(gLiveMutex);
+    gLive.push_back(this);
+    gCurrent = this;
+  }
+  InProcess here(*this);
   registerFrameworks(*runtime_);
 }
 
@@ -59,12 +74,30 @@ Process::~Process() {
   // process; then pending blocks; the runtime and its objects last. Nothing
   // is deallocated one by one on the way.
   runtime_->lifetimes().tearingDown = true;
-  state_ptr_.reset();
-  queue_.clear();
-  notifications_ = NotificationCenter();
-  platform_ = PlatformState();
-  runtime_.reset();
-  gCurrent = previous_;
+  {
+    InProcess here(*this);
+    state_ptr_.reset();
+    queue_.clear();
+    notifications_ = NotificationCenter();
+    platform_ = PlatformState();
+    runtime_.reset();
+  }
+  if (kind_ == ProcessKind::App && device_.frontmostApp() == device_.appBundleIdentifier())
+    device_.setFrontmostApp("");
+  std::lock_guard lock(gLiveMutex);
+  gLive.erase(std::remove(gLive.begin(), gLive.end(), this), gLive.end());
+  if (gCurrent == this) gCurrent = gLive.empty() ? nullptr : gLive.back();
+}
+
+void Process::setState(AppState state) {
+  state_ = state;
+  if (kind_ != ProcessKind::App) return;
+  bool front = state == AppState::Active || state == AppState::Inactive;
+  const std::string& mine = device_.appBundleIdentifier();
+  if (front)
+    device_.setFrontmostApp(mine);
+  else if (device_.frontmostApp() == mine)
+    device_.setFrontmostApp("");
 }
 
 void Process::runGuarded(const std::function<void()>& work) {
@@ -85,8 +118,10 @@ void Process::post(const std::string& name) {
 }
 
 void Process::launch(const LaunchHooks& hooks) {
-  state_ = AppState::Inactive;
+  setState(AppState::Inactive);
   snapshot_ = hooks.appSwitcherSnapshot;
+  resumed_ = hooks.hostDidResume;
+  busy_ = hooks.hostBusy;
   if (hooks.defineHostClasses) hooks.defineHostClasses();
   if (hooks.libraryEntry) runGuarded(hooks.libraryEntry);
   if (hooks.hostDidFinishLaunching) runGuarded(hooks.hostDidFinishLaunching);
@@ -94,11 +129,38 @@ void Process::launch(const LaunchHooks& hooks) {
   post(sys::kSceneWillConnect);
   post(sys::kSceneWillEnterForeground);
   runDue();
-  state_ = AppState::Active;
+  setState(AppState::Active);
   post(sys::kSceneDidActivate);
   post(sys::kDidBecomeActive);
   if (hooks.hostDidBecomeActive) runGuarded(hooks.hostDidBecomeActive);
   runDue();
+}
+
+void Process::launchInBackground(const LaunchHooks& hooks) {
+  setState(AppState::Background);
+  snapshot_ = hooks.appSwitcherSnapshot;
+  resumed_ = hooks.hostDidResume;
+  busy_ = hooks.hostBusy;
+  suspendAt_ = device_.elapsed() + kSuspendGrace_s;
+  if (hooks.defineHostClasses) hooks.defineHostClasses();
+  if (hooks.libraryEntry) runGuarded(hooks.libraryEntry);
+  if (hooks.hostDidFinishLaunching) runGuarded(hooks.hostDidFinishLaunching);
+  post(sys::kDidFinishLaunching);
+  runDue();
+}
+
+void Process::resume() {
+  if (!suspended_) return;
+  suspended_ = false;
+  if (resumed_) runGuarded(resumed_);
+}
+
+bool Process::wake() {
+  if (state_ != AppState::Background) return false;
+  resume();
+  suspendAt_ = device_.elapsed() + kSuspendGrace_s;
+  runDue();
+  return true;
 }
 
 bool Process::enterBackground() {
@@ -107,7 +169,8 @@ bool Process::enterBackground() {
     post(sys::kSceneWillDeactivate);
     post(sys::kWillResignActive);
   }
-  state_ = AppState::Background;
+  setState(AppState::Background);
+  suspendAt_ = device_.elapsed() + kSuspendGrace_s;
   post(sys::kSceneDidEnterBackground);
   post(sys::kDidEnterBackground);
   if (snapshot_) runGuarded(snapshot_);
@@ -123,7 +186,7 @@ void Process::systemPromptAppeared() {
   if (state_ != AppState::Active || !platform_.biometricReply) return;
   post(sys::kWillResignActive);
   post(sys::kSceneWillDeactivate);
-  state_ = AppState::Inactive;
+  setState(AppState::Inactive);
 }
 
 bool Process::answerSystemPrompt(bool success) {
@@ -132,7 +195,7 @@ bool Process::answerSystemPrompt(bool success) {
   if (!reply) return false;
   runGuarded([&] { reply(success); });
   if (state_ == AppState::Inactive) {
-    state_ = AppState::Active;
+    setState(AppState::Active);
     post(sys::kDidBecomeActive);
     post(sys::kSceneDidActivate);
   }
@@ -142,27 +205,74 @@ bool Process::answerSystemPrompt(bool success) {
 
 bool Process::enterForeground() {
   if (state_ != AppState::Background) return false;
+  suspendAt_ = -1;
+  resume();
   post(sys::kSceneWillEnterForeground);
   post(sys::kWillEnterForeground);
-  state_ = AppState::Active;
+  setState(AppState::Active);
   post(sys::kSceneDidActivate);
   post(sys::kDidBecomeActive);
   runDue();
   return true;
 }
 
-void Process::runDue() { advance(0); }
+void Process::runDue() { runUntil(device_.elapsed()); }
 
-void Process::advance(double seconds) {
-  double until = device_.elapsed() + (seconds > 0 ? seconds : 0);
-  double due;
-  sys::Block block;
-  while (!crashed() && queue_.takeNext(until, due, block)) {
-    if (due > device_.elapsed()) device_.setElapsed(due);
-    runGuarded(block);
-    block = nullptr;  // what the block held goes with its turn
+void Process::advance(double seconds) { runUntil(device_.elapsed() + (seconds > 0 ? seconds : 0)); }
+
+void Process::runUntil(double until) {
+  if (until < device_.elapsed()) until = device_.elapsed();
+  for (;;) {
+    bool suspending = !suspended_ && suspendAt_ >= 0 && suspendAt_ <= until;
+    double runTo = suspending ? std::max(suspendAt_, device_.elapsed()) : until;
+    double due;
+    sys::Block block;
+    while (!suspended_ && !crashed() && queue_.takeNext(runTo, device_.elapsed(), due, block)) {
+      if (due > device_.elapsed()) device_.setElapsed(due);
+      runGuarded(block);
+      block = nullptr;  // what the block held goes with its turn
+    }
+    if (!suspending || suspended_ || crashed() || suspendAt_ < 0 || suspendAt_ > until) break;
+    if (runTo > device_.elapsed()) device_.setElapsed(runTo);
+    // An app with a call in progress is kept running, as CallKit keeps it.
+    if (busy_ && busy_()) {
+      suspendAt_ += kSuspendGrace_s;
+      continue;
+    }
+    suspended_ = true;
+    suspendAt_ = -1;
+    break;
   }
   device_.setElapsed(until);
+}
+
+bool Process::nextEvent(double& at) const {
+  if (suspended_ || crashed()) return false;
+  bool any = queue_.nextDue(at);
+  if (suspendAt_ >= 0 && (!any || suspendAt_ < at)) {
+    at = suspendAt_;
+    any = true;
+  }
+  return any;
+}
+
+void advanceProcesses(const std::vector<Process*>& processes, double until) {
+  for (;;) {
+    double next = until;
+    bool found = false;
+    for (Process* p : processes) {
+      double at;
+      if (p && p->nextEvent(at) && at <= until && (!found || at < next)) {
+        next = at;
+        found = true;
+      }
+    }
+    if (!found) break;
+    for (Process* p : processes)
+      if (p) p->runUntil(next);
+  }
+  for (Process* p : processes)
+    if (p) p->runUntil(until);
 }
 
 void* Process::stateSlot(std::shared_ptr<void> (*make)()) {

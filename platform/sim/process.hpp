@@ -1,8 +1,18 @@
-// A simulated process of the host app on a simulated device. Each one starts
-// with a fresh runtime (Foundation registered, nothing hooked), a fresh main
-// queue and notification centre, and fresh library state, so every test and
-// every `launch` is a cold start. Exactly one process is current at a time:
-// the facades of rt and sys act on it.
+// A simulated process on a simulated device: the host app's, or SpringBoard's.
+// Each one starts with a fresh runtime (Foundation registered, nothing
+// hooked), a fresh main queue and notification centre, and fresh library
+// state, so every test and every `launch` is a cold start. The facades of rt
+// and sys act on the current process: the newest one alive, unless a thread
+// has entered another with InProcess (the system handing SpringBoard a
+// notification request).
+//
+// The app's life is run as iOS runs it: a few seconds after it enters the
+// background it is suspended (no main-queue work, no timers, no hooks) until
+// it returns to the foreground or is woken by a VoIP push; its overdue timers
+// then fire once. Kinder than a phone: memory pressure never ends a suspended
+// app by itself (only `quit` does), and work run into the process from outside
+// (the panel's setting edits, checks of what its lists answer) is let in while
+// it is suspended.
 #pragma once
 
 #include <any>
@@ -23,6 +33,7 @@
 namespace sim {
 
 enum class AppState { NotLaunched, Active, Inactive, Background };
+enum class ProcessKind { App, SpringBoard };
 
 // What the simulated frameworks hold for one process beyond its objects: the
 // biometric prompt waiting for the user, the motion updates asked for, the
@@ -57,11 +68,17 @@ struct LaunchHooks {
   // The system's picture of the screen for the app switcher, taken when the
   // app enters the background, once its background notifications are handled.
   std::function<void()> appSwitcherSnapshot;
+  // The app runs again after a suspension: the host fetches what arrived
+  // meanwhile.
+  std::function<void()> hostDidResume;
+  // The app has work the system lets it finish before suspending it (a call
+  // reported to CallKit and not yet ended).
+  std::function<bool()> hostBusy;
 };
 
 class Process {
  public:
-  explicit Process(Device& device);
+  explicit Process(Device& device, ProcessKind kind = ProcessKind::App);
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -79,6 +96,10 @@ class Process {
   // drained, the scene activating and the app becoming active. Does not
   // advance time.
   void launch(const LaunchHooks& hooks);
+  // Launches the app straight into the background, as a VoIP push does for
+  // an app that is not running: didFinishLaunching with no scene coming to
+  // the foreground; suspended after the grace, as after leaving.
+  void launchInBackground(const LaunchHooks& hooks);
   // Resign active and enter the background / come back, with the application
   // and scene notifications in platform order. False when the app is not in
   // the state to do so.
@@ -92,11 +113,29 @@ class Process {
   void systemPromptAppeared();
   bool answerSystemPrompt(bool success);
   AppState appState() const { return state_; }
+  ProcessKind kind() const { return kind_; }
 
+  // iOS suspends an app that leaves the foreground without asking for
+  // background time once its departure is handled; it allows about five
+  // seconds for that (the watchdog's limit on the departure), the grace kept
+  // here. The host asks for no background task, and the library must not
+  // count on one.
+  static constexpr double kSuspendGrace_s = 5.0;
+  bool suspended() const { return suspended_; }
+  // A VoIP push for the app in the background: a suspended app resumes (its
+  // overdue timers fire once) and is suspended again a grace after. False
+  // when the app is not in the background.
+  bool wake();
   // Runs everything due now / advances virtual time, running every block in
-  // order of due time, then of submission.
+  // order of due time, then of submission. A suspended app runs nothing:
+  // its clock moves on.
   void runDue();
   void advance(double seconds);
+  // Advances to the device time `until` (never back).
+  void runUntil(double until);
+  // When this process next has something to do (a block or timer due, or its
+  // suspension); false when nothing, or when it is suspended.
+  bool nextEvent(double& at) const;
 
   // Posts a platform notification now, on the main thread.
   void post(const std::string& name);
@@ -121,12 +160,17 @@ class Process {
   void* stateSlot(std::shared_ptr<void> (*make)());
 
  private:
+  void setState(AppState state);
+  void resume();
+
   Device& device_;
-  Process* previous_;
+  ProcessKind kind_;
   std::unique_ptr<Runtime> runtime_;
   MainQueue queue_;
   NotificationCenter notifications_;
   AppState state_ = AppState::NotLaunched;
+  bool suspended_ = false;
+  double suspendAt_ = -1;  // device time of the coming suspension; -1 none
   std::string crash_;
   int guardDepth_ = 0;
   std::thread::id mainThread_;
@@ -135,7 +179,26 @@ class Process {
   void* hostApp_ = nullptr;
   PlatformState platform_;
   std::function<void()> snapshot_;
+  std::function<void()> resumed_;
+  std::function<bool()> busy_;
 };
+
+// Runs `work`'s thread in another process: the facades act on `process`
+// until the scope ends. Scopes nest.
+class InProcess {
+ public:
+  explicit InProcess(Process& process);
+  ~InProcess();
+  InProcess(const InProcess&) = delete;
+  InProcess& operator=(const InProcess&) = delete;
+
+ private:
+  Process* saved_;
+};
+
+// Moves device time to `until`, running every process's due work in order of
+// time across processes (each process in its own order).
+void advanceProcesses(const std::vector<Process*>& processes, double until);
 
 // Defines the simulated system frameworks' classes in a fresh runtime. Declared
 // here, below the frameworks, and defined by them (frameworks/frameworks.cpp),

@@ -52,7 +52,10 @@ TEST_F(Lookup, TheGateIsReadAgainWhenItChanges) {
   EXPECT_TRUE(post(kHost, "bob")) << "cached answers belong to the old version";
   EXPECT_FALSE(post(kHost, "alice"));
   // A change is seen once the pause since the last look has passed.
-  writeGateValue(core::gateValue(core::GateRecord{"00", {}, 2}));
+  core::GateRecord open;
+  open.salt = "00";
+  open.notifyMode = 2;
+  writeGateValue(core::gateValue(open));
   springBoard->advance(notify::kGateRecheckInterval_s * 0.9);
   EXPECT_FALSE(post(kHost, "alice")) << "not looked at again yet";
   springBoard->advance(notify::kGateRecheckInterval_s * 0.2);

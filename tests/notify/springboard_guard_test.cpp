@@ -7,13 +7,14 @@
 #include <fstream>
 
 #include "notify/springboard_gate.hpp"
+#include "rt/runtime.hpp"
+#include "sim/runtime/runtime.hpp"
 
 #include "springboard_world.hpp"
 
 namespace {
 
 using qbtest::SpringBoardBuild;
-namespace springboard = qbtest::springboard;
 
 constexpr char kHost[] = "com.example.messenger";
 
@@ -66,9 +67,9 @@ TEST_F(Guard, ModeTwoAndTheAppInFrontPassEverythingUnchanged) {
   EXPECT_EQ(vibrations(), 0);
 
   writeGate(0, {"bob"});
-  springboard::frontmost = kHost;
+  front(kHost);
   EXPECT_TRUE(post(kHost, "bob")) << "in front: the app's own paths decide";
-  springboard::frontmost = "com.example.notes";
+  front("com.example.notes");
   EXPECT_FALSE(post(kHost, "bob")) << "another app in front: the host is away";
 }
 
@@ -117,6 +118,7 @@ TEST_F(Guard, AnEntryPointMissingLeavesSpringBoardUnchangedWithOneLine) {
 TEST_F(Guard, AnExceptionInARequestsGetterPassesItAsItCame) {
   writeGate(1, {"bob"});
   startSpringBoard();
+  sim::InProcess here(*springBoard);
   springBoard->runtime().makeRaising(
       rt::methodImplementation(
           rt::getInstanceMethod(rt::getClass("NCNotificationRequest"), rt::sel("context"))),
@@ -145,7 +147,9 @@ TEST_F(Guard, WithoutAUsableGateEverythingPassesWithOneLine) {
   EXPECT_TRUE(post(kHost, "bob"));
   writeGate(0, {"bob"});
   EXPECT_FALSE(post(kHost, "bob"));
-  base::Dictionary bad = *core::gateValue(core::GateRecord{"00", {}, 0}).asDictionary();
+  core::GateRecord none;
+  none.salt = "00";
+  base::Dictionary bad = *core::gateValue(none).asDictionary();
   bad.emplace_back("visibilityControl", base::Value(7L));
   writeGateValue(base::Value(bad));
   settle();

@@ -1,6 +1,6 @@
-// SpringBoard as a second process on the device, with the classes the
-// lock-screen guard hooks, the library loaded. Helpers write the host's gate
-// file into its container and post requests.
+// SpringBoard as a second process on the device, with the library loaded.
+// Helpers write the host's gate file into its container and hand SpringBoard
+// notifications as the system does.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,54 +12,49 @@
 
 #include "core/gate_file.hpp"
 #include "notify/springboard_gate.hpp"
-#include "rt/foundation.hpp"
-#include "rt/ownership.hpp"
-#include "rt/runtime.hpp"
-#include "rt/send.hpp"
 #include "sim/device/device.hpp"
-#include "springboard_classes.hpp"
-#include "sim/frameworks/ivar_property.hpp"
 #include "sim/process.hpp"
-#include "sim/runtime/class_builder.hpp"
-#include "sim/runtime/runtime.hpp"
+#include "sim/springboard/springboard.hpp"
 #include "startup/startup.hpp"
 #include "sys/files.hpp"
 
 namespace qbtest {
 
+struct Presented {
+  std::string identifier;
+  bool sound = false;
+};
+
+// What a SpringBoard build has of the dispatcher.
+enum class SpringBoardBuild { Full, LacksDispatcher, LacksPostMethod };
+
 class SpringBoardWorld : public ::testing::Test {
  protected:
   sim::Device device;
   std::unique_ptr<sim::Process> springBoard;
-  std::vector<Presented> presented;
-  rt::Strong dispatcher;
 
-  SpringBoardWorld() {
-    springboard::presented = &presented;
-    springboard::frontmost.clear();
-  }
   void TearDown() override {
     if (springBoard) {
       EXPECT_FALSE(springBoard->crashed()) << springBoard->crashReason();
       for (const auto& v : springBoard->runtime().violations())
         ADD_FAILURE() << "runtime violation: " << v;
     }
-    dispatcher.reset();
-    springBoard.reset();
-    springboard::presented = nullptr;
   }
 
   // Starts SpringBoard with the library loaded (a running one ends first).
   void startSpringBoard(SpringBoardBuild build = SpringBoardBuild::Full) {
-    dispatcher.reset();
     springBoard.reset();
-    springBoard = std::make_unique<sim::Process>(device);
-    sim::LaunchHooks hooks;
-    hooks.defineHostClasses = [build] { springboard::defineClasses(build); };
-    hooks.libraryEntry = core::libraryEntry;
-    springBoard->launch(hooks);
-    if (rt::Class cls = rt::getClass("NCNotificationDispatcher"))
-      dispatcher = rt::Strong::adopt(rt::send<rt::Id>(cls, "new"));
+    springBoard = std::make_unique<sim::Process>(device, sim::ProcessKind::SpringBoard);
+    springboard::boot(
+        *springBoard,
+        [build](const std::string& cls, const std::string& sel) {
+          if (cls != "NCNotificationDispatcher") return false;
+          return build == SpringBoardBuild::LacksDispatcher
+                     ? sel.empty()
+                     : build == SpringBoardBuild::LacksPostMethod &&
+                           sel == "postNotificationWithRequest:";
+        },
+        core::libraryEntry);
   }
 
   std::string gatePath() const { return core::gateFilePathIn(device.containerPath()); }
@@ -75,48 +70,41 @@ class SpringBoardWorld : public ::testing::Test {
     writeGateValue(core::gateValue(r));
     settle();
   }
-  // Past the pause after which SpringBoard looks at the gate's stamp again.
-  void settle() {
-    if (springBoard) springBoard->advance(notify::kGateRecheckInterval_s);
-  }
   void writeGateValue(const base::Value& v) {
+    sim::Process writer(device);  // the app, writing it
     sys::createDirectories(device.documentsPath() + "/Quenby");
     ASSERT_TRUE(sys::writePropertyList(gatePath(), v, sys::PlistFormat::Xml, nullptr,
                                        sys::FileProtection::None));
   }
+  // Past the pause after which SpringBoard looks at the gate's stamp again.
+  void settle() {
+    if (springBoard) springBoard->advance(notify::kGateRecheckInterval_s);
+  }
+  // The app in front ("" for the home or lock screen).
+  void front(const std::string& bundle) { device.setFrontmostApp(bundle); }
 
-  // A request of `section` as the system hands it to SpringBoard; the record
-  // of what the user noticed is opened first, as the system does on arrival.
-  // Returns whether it was presented, and with its sound.
-  std::optional<Presented> post(const std::string& section, const std::string& thread,
+  // A notification of `bundle` handed to SpringBoard as the system does, the
+  // record of what the user noticed opened first, as on its arrival. Whether
+  // it was presented (in Notification Center), and with its sound.
+  std::optional<Presented> post(const std::string& bundle, const std::string& thread,
                                 base::Value userInfo = base::Value(base::Dictionary{}),
                                 bool sound = true) {
     static int serial = 0;
-    std::string id = "n" + std::to_string(++serial);
+    sim::SystemNotification n;
+    n.bundleIdentifier = bundle;
+    n.identifier = "n" + std::to_string(++serial);
+    n.title = "Someone";
+    n.body = "hi";
+    n.threadIdentifier = thread;
+    n.userInfo = std::move(userInfo);
+    n.sound = sound;
     device.notices().begin(thread.empty() ? "?" : thread, "message", "hi", 0);
-    std::size_t before = presented.size();
-    springBoard->runGuarded([&] {
-      rt::Id r = sim::autorelease(rt::send<rt::Id>(rt::getClass("NCNotificationRequest"), "new"));
-      rt::setIvarNamed(r, springboard::kSection, rt::str(section));
-      rt::setIvarNamed(r, springboard::kIdentifier, rt::str(id));
-      if (!thread.empty()) rt::setIvarNamed(r, springboard::kThread, rt::str(thread));
-      rt::Id content =
-          sim::autorelease(rt::send<rt::Id>(rt::getClass("NCNotificationContent"), "new"));
-      rt::setIvarNamed(content, springboard::kTitle, rt::str("Someone"));
-      rt::setIvarNamed(content, springboard::kMessage, rt::str("hi"));
-      rt::setIvarNamed(r, springboard::kContent, content);
-      if (sound)
-        rt::setIvarNamed(
-            r, springboard::kSound,
-            sim::autorelease(rt::send<rt::Id>(rt::getClass("NCNotificationSound"), "new")));
-      rt::setIvarNamed(r, springboard::kContext,
-                       rt::dictionary({{rt::str("userInfo"), rt::fromValue(userInfo)}}));
-      rt::send<void>(dispatcher.get(), "postNotificationWithRequest:", r);
-    });
-    springBoard->runDue();
-    if (presented.size() == before) return std::nullopt;
-    EXPECT_EQ(presented.back().identifier, id);
-    return presented.back();
+    springboard::present(*springBoard, n);
+    for (const auto& d : device.records().delivered())
+      if (d.identifier == n.identifier)
+        return Presented{d.identifier, device.notices().all().back().sound};
+    EXPECT_EQ(device.notices().all().back().banner, "") << "a banner without an entry";
+    return std::nullopt;
   }
   int vibrations() const {
     auto all = const_cast<sim::Device&>(device).notices().all();

@@ -23,15 +23,23 @@ message alice "lunch?"
 message carol "hi"
 expect lockscreen carol alice bob
 
-# The window ends while the app is in the background: bob's goes, the others stay.
+# The window ends with the app open: bob's goes, the others stay.
+foreground
 wait 120
 expect hidden
 expect lockscreen carol alice
 expect log "[QB] removed 1 delivered notification(s)"
 
-# While hidden in mode 0, a secret's message never reaches it.
+# While hidden in mode 0, a secret's message never reaches it, whether the
+# app is awake or asleep.
+background
 message bob "still up?"
 expect lockscreen carol alice
+wait 10
+expect app suspended
+message bob "asleep?"
+expect lockscreen carol alice
+foreground
 
 # A contact made secret after its notifications came.
 secret carol

@@ -25,7 +25,8 @@ TEST(NotifyCommands, ScriptErrors) {
       << out;
   EXPECT_EQ(runLines("launch\nhost variant push-3arg\n", out), 2)
       << "variants are chosen before launch";
-  EXPECT_EQ(runLines("call voice bob\n", out), 2) << "no app to call";
+  EXPECT_EQ(runLines("call voice bob\ncall voice bob\n", out), 0)
+      << "a call launches the app in the background, then wakes it";
   EXPECT_EQ(runLines("launch\ncall audio bob\n", out), 2);
   EXPECT_EQ(runLines("launch\ncall voice\n", out), 2);
   EXPECT_EQ(runLines("launch\nexpect banner\n", out), 2);

@@ -1,7 +1,9 @@
 // The host app's data and build: me, friend, room, host lacks, host raises.
+#include <algorithm>
 #include <set>
 
 #include "commands.hpp"
+#include "sim/springboard/springboard.hpp"
 
 namespace qbsim {
 namespace {
@@ -88,6 +90,17 @@ void addHostCommands(CommandTable& t) {
       "host lacks CLASS [SELECTOR] | host raises CLASS SELECTOR | host variant NAME",
       [](Session& s, const Command& c) {
         if (c.words.size() >= 3 && c.words[1] == "lacks" && c.words.size() <= 4) {
+          const auto& sb = springboard::classNames();
+          if (std::find(sb.begin(), sb.end(), c.words[2]) != sb.end()) {
+            // SpringBoard's own classes: a SpringBoard build without them.
+            s.changeSpringBoard("host lacks", [&] {
+              if (c.words.size() == 3)
+                s.host().build.lackingClasses.insert(c.words[2]);
+              else
+                s.host().build.lackingMethods.insert({c.words[2], c.words[3]});
+            });
+            return;
+          }
           requireNotRunning(s, "host lacks");
           if (!hostClassNames().count(c.words[2]))
             throw ScriptError{"host lacks: the host has no class '" + c.words[2] + "'"};

@@ -10,9 +10,10 @@ namespace {
 const char* kOpenUsage =
     "open main|contacts|moments|about|forward | open chat USER | open search TEXT";
 
+// A suspended app learns of it when it resumes.
 void moveToTop(Session& s, const std::string& username) {
   s.host().model.bringSessionToTop(username);
-  if (sim::Process* p = s.process()) p->runGuarded([&] { s.host().sessionsChanged(); });
+  if (s.appAwake()) s.process()->runGuarded([&] { s.host().sessionsChanged(); });
 }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -34,9 +35,12 @@ void addMainListCommands(CommandTable& t) {
                     std::string text = c.words.size() == 3 ? c.words[2] : "[消息]";
                     s.host().model.lastMessages[c.words[1]] = text;
                     moveToTop(s, c.words[1]);
-                    // Then the host announces it, the way its state allows.
-                    if (sim::Process* p = s.process())
-                      p->runGuarded([&] { s.host().deliverMessage(c.words[1], text); });
+                    // Then the host announces it, the way its state allows;
+                    // an app that cannot run gets it as a remote notification.
+                    if (s.appAwake())
+                      s.process()->runGuarded([&] { s.host().deliverMessage(c.words[1], text); });
+                    else
+                      s.remoteMessage(c.words[1], text);
                   }};
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
                  requireWords(c, 2, 3, kOpenUsage);

@@ -52,13 +52,15 @@ void addExpectation(CommandTable& t, const std::string& what,
 }  // namespace
 
 void addNotifyCommands(CommandTable& t) {
-  t["call"] = {"call voice|video FROM", [](Session& s, const Command& c) {
-                 requireWords(c, 3, 3, "call voice|video FROM");
-                 if (c.words[1] != "voice" && c.words[1] != "video")
-                   throw ScriptError{"usage: call voice|video FROM"};
-                 sim::Process& p = s.requireProcess("call");
-                 p.runGuarded([&] { s.host().deliverCall(c.words[2], c.words[1] == "video"); });
-               }};
+  t["call"] = {
+      "call voice|video FROM", [](Session& s, const Command& c) {
+        requireWords(c, 3, 3, "call voice|video FROM");
+        if (c.words[1] != "voice" && c.words[1] != "video")
+          throw ScriptError{"usage: call voice|video FROM"};
+        // The call's VoIP push wakes the app, or launches it in the background.
+        s.voipPush();
+        s.process()->runGuarded([&] { s.host().deliverCall(c.words[2], c.words[1] == "video"); });
+      }};
   t["show notices"] = {"show notices", [](Session& s, const Command& c) {
                          requireWords(c, 2, 2, "show notices");
                          auto all = s.device().notices().all();

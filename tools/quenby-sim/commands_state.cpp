@@ -142,7 +142,11 @@ void addStateCommands(CommandTable& t) {
   t["show state"] = {
       "show state", [](Session& s, const Command& c) {
         requireWords(c, 2, 2, "show state");
-        s.requireProcess("show state");
+        sim::Process* p = s.process();
+        s.out() << "app: " << s.runState();
+        if (p && !p->suspended()) s.out() << " (" << sim::appStateName(p->appState()) << ")";
+        s.out() << "\n";
+        if (!p) return;
         QBConfig& q = QBConfig::shared();
         s.out() << "secrets: "
                 << (q.shouldHideSecrets() ? "hidden"

@@ -135,13 +135,29 @@ const std::vector<Chapter>& demoChapters() {
            {"A password of the user's own, then a backup as iOS takes it. The phone is wiped "
             "and restored from it: the app starts cold, the secrets hidden and the password "
             "kept.",
-            {"setting password 2468", "device backup", "device restore", "launch",
-             "expect hidden", "expect file secrets [team@chatroom carol]", "shake", "type 2468",
-             "press 确定", "wait 1", "expect revealed", "shake", "wait 1", "expect hidden"},
+            {"setting password 2468", "device backup", "device restore", "launch", "expect hidden",
+             "expect file secrets [team@chatroom carol]", "shake", "type 2468", "press 确定",
+             "wait 1", "expect revealed", "shake", "wait 1", "expect hidden"},
             "show auth from shake"},
            {"Scrolling the whole chat list to the end and back asks the host for every row: "
             "none is a secret's.",
             {"scroll main", "expect hidden", "show main"},
+            ""},
+       }},
+      {"While the app sleeps",
+       {
+           {"Five seconds after leaving, iOS suspends the app. A message now comes as a remote "
+            "notification that SpringBoard shows by itself; the library there keeps Carol's "
+            "silent and off the lock screen, while Alice's shows as always.",
+            {"background", "wait 6", "expect app suspended", "message carol \"still up?\"",
+             "expect no-banner carol", "message alice \"good night\"", "expect banner alice",
+             "expect lockscreen alice"},
+            ""},
+           {"Even with the app not running at all, Carol's next message shows nothing; a call "
+            "wakes the app in the background, where its own paths decide as before.",
+            {"quit", "expect app not-running", "message carol \"?\"", "expect no-banner carol",
+             "call voice alice", "expect app running", "expect ringing alice", "wait 31",
+             "expect app suspended", "foreground", "expect hidden", "show state"},
             ""},
        }},
   };

@@ -4,6 +4,8 @@
 #include <cstdio>
 
 #include "launch_hooks.hpp"
+#include "sim/springboard/springboard.hpp"
+#include "startup/startup.hpp"
 
 namespace qbsim {
 
@@ -29,7 +31,66 @@ Session::Session(const SimOptions& options, std::ostream& out) : options_(option
 
 Session::~Session() {
   process_.reset();
+  device_->setPresenter(nullptr);
+  springboard_.reset();
   device_.reset();
+}
+
+sim::Process& Session::springboard() {
+  if (springboard_) return *springboard_;
+  springboard_ = std::make_unique<sim::Process>(*device_, sim::ProcessKind::SpringBoard);
+  const hostapp::HostBuild& build = host_.build;
+  springboard::Lacks lacks = [&build](const std::string& cls, const std::string& sel) {
+    return sel.empty() ? build.lacksClass(cls) : build.lacksMethod(cls, sel);
+  };
+  std::function<void()> entry;
+  if (jailbreak_ && !options_.withoutLibrary) entry = core::libraryEntry;
+  springboard::boot(*springboard_, lacks, entry);
+  sim::Process* sb = springboard_.get();
+  device_->setPresenter([sb](const sim::SystemNotification& n) { springboard::present(*sb, n); });
+  return *springboard_;
+}
+
+void Session::changeSpringBoard(const std::string& command, const std::function<void()>& change) {
+  if (launchedOnce_) throw ScriptError{command + ": only before the first launch"};
+  change();
+  if (springboard_) {
+    device_->setPresenter(nullptr);
+    springboard_.reset();
+    springboard();
+  }
+}
+
+void Session::install(bool jailbreak) {
+  changeSpringBoard("install", [&] { jailbreak_ = jailbreak; });
+}
+
+std::string Session::runState() const {
+  if (!process_) return "not-running";
+  return process_->suspended() ? "suspended" : "running";
+}
+
+void Session::voipPush() {
+  if (!process_) {
+    springboard();
+    process_ = std::make_unique<sim::Process>(*device_);
+    violationsSeen_ = 0;
+    launchedOnce_ = true;
+    sim::LaunchHooks hooks = launchHooks(*this);
+    if (options_.withoutLibrary) hooks.libraryEntry = nullptr;
+    process_->launchInBackground(hooks);
+  } else {
+    process_->wake();
+  }
+  settle();
+}
+
+void Session::remoteMessage(const std::string& from, const std::string& text) {
+  springboard();
+  device_->notices().begin(from, "message", text, device_->localSecondOfDay());
+  sim::SystemNotification n = host_.remoteNotification(from, text, device_->appBundleIdentifier());
+  device_->present(n);
+  settle();
 }
 
 sim::Process& Session::requireProcess(std::string_view command) {
@@ -39,6 +100,8 @@ sim::Process& Session::requireProcess(std::string_view command) {
 
 void Session::launch() {
   if (process_) throw ScriptError{"launch: the app is already running"};
+  springboard();
+  launchedOnce_ = true;
   process_ = std::make_unique<sim::Process>(*device_);
   violationsSeen_ = 0;
   sim::LaunchHooks hooks = launchHooks(*this);
@@ -53,6 +116,11 @@ void Session::quit() {
 }
 
 void Session::settle() {
+  if (springboard_) {
+    springboard_->runDue();
+    if (springboard_->crashed())
+      throw ExpectFailure{"SpringBoard crashed: " + springboard_->crashReason()};
+  }
   if (!process_) return;
   process_->runDue();
   if (process_->crashed()) {
@@ -69,11 +137,8 @@ void Session::settle() {
 }
 
 void Session::advance(double seconds) {
-  if (process_) {
-    process_->advance(seconds);
-  } else {
-    device_->setElapsed(device_->elapsed() + seconds);
-  }
+  double until = device_->elapsed() + (seconds > 0 ? seconds : 0);
+  sim::advanceProcesses({process_.get(), springboard_.get()}, until);
   settle();
 }
 

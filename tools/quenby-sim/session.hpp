@@ -51,6 +51,25 @@ class Session {
 
   void launch();
   void quit();
+  // How the library reached the phone: on a jailbroken install the package
+  // also loads it into SpringBoard. Only before the first launch.
+  void install(bool jailbreak);
+  // Changes how SpringBoard is built (what it lacks): only before the first
+  // launch; a SpringBoard already started for an early message starts again.
+  void changeSpringBoard(const std::string& command, const std::function<void()>& change);
+  // The app as iOS sees it: "running" (foreground or background),
+  // "suspended" or "not-running".
+  std::string runState() const;
+  // A VoIP push for the app: wakes a suspended app, launches one that is not
+  // running straight into the background; the app runs then.
+  void voipPush();
+  // A message the app cannot take now (suspended or not running): the host's
+  // server sends it as a remote notification, which the system presents.
+  void remoteMessage(const std::string& from, const std::string& text);
+  // Whether the running app may run code now (not suspended).
+  bool appAwake() const { return process_ && !process_->suspended(); }
+  // SpringBoard's process, started with the device on first need.
+  sim::Process& springboard();
   // Runs what is due now, then fails if the app crashed or a call broke the
   // runtime's type rules.
   void settle();
@@ -75,6 +94,9 @@ class Session {
   std::unique_ptr<sim::Device> device_;
   hostapp::HostApp host_;
   std::unique_ptr<sim::Process> process_;
+  std::unique_ptr<sim::Process> springboard_;
+  bool jailbreak_ = true;
+  bool launchedOnce_ = false;
   std::size_t violationsSeen_ = 0;
 };
 

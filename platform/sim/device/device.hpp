@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "sim/device/notices.hpp"
+#include "sim/device/presentation.hpp"
 #include "sim/device/system_records.hpp"
 #include "sys/files.hpp"
 
@@ -81,7 +82,6 @@ class Device {
   // The folder of every app's data container
   // (Containers/Data/Application on a phone).
   const std::string& dataContainersPath() const { return dataContainers_; }
-  const std::string& bundleIdentifier() const { return options_.bundleIdentifier; }
 
   // --- The log every NSLog line reaches.
   // A line whose parts are public and private in turn (the first public).
@@ -124,6 +124,27 @@ class Device {
   // --- What the system keeps about the app outside it (lock screen,
   // suggestions, search).
   SystemRecords& records() { return records_; }
+
+  // --- The app on this device and what the system shows of it.
+  // The app's bundle identifier.
+  const std::string& appBundleIdentifier() const { return options_.bundleIdentifier; }
+  // The bundle identifier of the app in the foreground; "" for the home or
+  // lock screen.
+  std::string frontmostApp() const {
+    std::lock_guard lock(logMutex_);
+    return frontmost_;
+  }
+  void setFrontmostApp(std::string bundleIdentifier) {
+    std::lock_guard lock(logMutex_);
+    frontmost_ = std::move(bundleIdentifier);
+  }
+  // Shows a notification as the system does: through SpringBoard once it has
+  // started (its presenter), else straight onto the notices and
+  // Notification Center.
+  void present(const SystemNotification& n);
+  void setPresenter(std::function<void(const SystemNotification&)> presenter) {
+    presenter_ = std::move(presenter);
+  }
 
   // --- Data protection. Locked since a restart (`device locked`), no file of
   // the container can be read or written with a protection class, whatever
@@ -177,6 +198,8 @@ class Device {
   std::map<std::string, sys::FileProtection> protection_;
   Notices notices_;
   SystemRecords records_;
+  std::string frontmost_;  // under logMutex_
+  std::function<void(const SystemNotification&)> presenter_;
 };
 
 }  // namespace sim

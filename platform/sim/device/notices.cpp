@@ -59,6 +59,13 @@ bool Notices::ringing(const std::string& from) const {
   return call && call->ringing;
 }
 
+bool Notices::anyRinging() const {
+  std::lock_guard lock(mutex_);
+  for (const Announcement& a : list_)
+    if (a.ringing) return true;
+  return false;
+}
+
 std::optional<Announcement> Notices::latest(const std::string& from) const {
   std::lock_guard lock(mutex_);
   for (auto it = list_.rbegin(); it != list_.rend(); ++it)

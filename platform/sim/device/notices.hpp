@@ -37,6 +37,8 @@ class Notices {
   // Ends the latest ringing call (of `from`, when given). False when none rings.
   bool endCall(const std::string& from = "");
   bool ringing(const std::string& from) const;
+  // Whether any call's screen is ringing.
+  bool anyRinging() const;
 
   // Who the open record is from ("" when none is open).
   std::string openFrom() const;

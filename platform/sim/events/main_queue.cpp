@@ -1,5 +1,7 @@
 #include "sim/events/main_queue.hpp"
 
+#include <cmath>
+
 namespace sim {
 
 void MainQueue::submit(double due, sys::Block block) {
@@ -20,7 +22,7 @@ void MainQueue::cancelTimer(std::uint64_t id) {
   timers_.erase(id);
 }
 
-bool MainQueue::takeNext(double until, double& due, sys::Block& block) {
+bool MainQueue::takeNext(double until, double now, double& due, sys::Block& block) {
   std::lock_guard lock(mutex_);
   while (!items_.empty() && items_.top().due <= until) {
     Item item = std::move(const_cast<Item&>(items_.top()));
@@ -33,11 +35,22 @@ bool MainQueue::takeNext(double until, double& due, sys::Block& block) {
     auto it = timers_.find(item.timer);
     if (it == timers_.end()) continue;  // invalidated
     double interval = it->second.interval > 0 ? it->second.interval : 0.0001;
-    items_.push(Item{item.due + interval, nextSeq_++, nullptr, item.timer});
+    double next = item.due + interval;
+    if (next <= now) next += interval * std::floor((now - next) / interval + 1);
+    items_.push(Item{next, nextSeq_++, nullptr, item.timer});
     block = it->second.tick;
     return true;
   }
   return false;
+}
+
+bool MainQueue::nextDue(double& due) const {
+  std::lock_guard lock(mutex_);
+  // An invalidated timer's item may be on top; it runs nothing but is harmless
+  // to report: the caller only learns when to look again.
+  if (items_.empty()) return false;
+  due = items_.top().due;
+  return true;
 }
 
 void MainQueue::clear() {

@@ -19,8 +19,12 @@ class MainQueue {
   void cancelTimer(std::uint64_t id);
 
   // Takes the earliest item due at or before `until`. Returns false when none.
-  // For a timer tick the timer is re-armed one interval later first.
-  bool takeNext(double until, double& due, sys::Block& block);
+  // For a timer tick the timer is re-armed first, at its next fire time after
+  // `now`: a timer that fell behind (its process was suspended) fires once
+  // for all the ticks it missed, as a run loop fires an NSTimer.
+  bool takeNext(double until, double now, double& due, sys::Block& block);
+  // When the earliest item is due; false when nothing is pending.
+  bool nextDue(double& due) const;
   std::size_t pending() const;
   // Drops every pending block and timer (the process ended).
   void clear();

@@ -24,7 +24,6 @@ struct CompletionBlock {
   std::function<void(Id)> body;
 };
 
-Notices& notices() { return currentProcess().device().notices(); }
 SystemRecords& records() { return currentProcess().device().records(); }
 
 // --- UNNotificationContent / UNMutableNotificationContent: properties kept
@@ -67,17 +66,24 @@ Id currentCenter(Id, SEL) {
 }
 std::string text(Id s) { return rt::asString(s).value_or(""); }
 
-// An added request is shown, and stays in Notification Center until the app
-// removes it: the system never clears one by itself.
+// An added request goes to the system, which shows it (through SpringBoard
+// once it runs) and keeps it in Notification Center until the app removes
+// it: the system never clears one by itself.
 void addRequest(Id, SEL, Id request, Id completion) {
   Id content = rt::send<Id>(request, "content");
   if (content) {
-    notices().banner("system");
-    if (rt::send<Id>(content, "sound")) notices().sound();
-    records().deliver({text(rt::send<Id>(request, "identifier")), notices().openFrom(),
-                       text(rt::send<Id>(content, "title")), text(rt::send<Id>(content, "body")),
-                       text(rt::send<Id>(content, "threadIdentifier")),
-                       rt::toValue(rt::send<Id>(content, "userInfo")).value_or(base::Value())});
+    Process& p = currentProcess();
+    auto bundle = p.platform().bundleInfo.find("CFBundleIdentifier");
+    SystemNotification n;
+    n.bundleIdentifier =
+        bundle != p.platform().bundleInfo.end() ? bundle->second : p.device().appBundleIdentifier();
+    n.identifier = text(rt::send<Id>(request, "identifier"));
+    n.title = text(rt::send<Id>(content, "title"));
+    n.body = text(rt::send<Id>(content, "body"));
+    n.threadIdentifier = text(rt::send<Id>(content, "threadIdentifier"));
+    n.userInfo = rt::toValue(rt::send<Id>(content, "userInfo")).value_or(base::Value());
+    n.sound = rt::send<Id>(content, "sound") != nullptr;
+    p.device().present(n);
   }
   sys::callNotificationCompletion(completion, nullptr);
 }

@@ -102,14 +102,17 @@ sim::LaunchHooks HostApp::launchHooks() {
   hooks.defineHostClasses = [this] { defineClasses(); };
   hooks.hostDidFinishLaunching = [this] { buildFirstScreen(); };
   hooks.appSwitcherSnapshot = [this] { takeSnapshot(); };
+  // Back from a suspension, the host fetches what came meanwhile.
+  hooks.hostDidResume = [this] { sessionsChanged(); };
+  // CallKit keeps an app with a call on screen running.
+  hooks.hostBusy = [] { return sim::currentProcess().device().notices().anyRinging(); };
   return hooks;
 }
 
 void HostApp::defineClasses() {
-  sim::currentProcess().setHostApp(this);
-  // The main bundle is the one the device installed the app's container for.
-  sim::currentProcess().platform().bundleInfo["CFBundleIdentifier"] =
-      sim::currentProcess().device().bundleIdentifier();
+  sim::Process& p = sim::currentProcess();
+  p.setHostApp(this);
+  p.platform().bundleInfo["CFBundleIdentifier"] = p.device().appBundleIdentifier();
   originals_.clear();
   defineContextClasses(*this);
   defineContactClasses(*this);

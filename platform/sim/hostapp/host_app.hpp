@@ -171,6 +171,12 @@ class HostApp {
   // call-message type; `video` says of which call).
   void deliverMessage(const std::string& from, const std::string& text, bool missedCall = false,
                       bool video = false);
+  // What the host's server sends for a message while the app is suspended or
+  // not running, for the system to present by itself: the chat's display
+  // name, the text, the chat as thread, the user info of the host's own
+  // notifications and the default sound.
+  sim::SystemNotification remoteNotification(const std::string& from, const std::string& text,
+                                             const std::string& bundleIdentifier);
   // An incoming call through the host's call and CallKit paths; unanswered,
   // it ends after 30 s and leaves a missed-call message.
   void deliverCall(const std::string& from, bool video);

@@ -266,6 +266,21 @@ std::string HostApp::openChatUsername() const {
   return rt::asString(name).value_or("");
 }
 
+sim::SystemNotification HostApp::remoteNotification(const std::string& from,
+                                                    const std::string& text,
+                                                    const std::string& bundleIdentifier) {
+  sim::SystemNotification n;
+  n.bundleIdentifier = bundleIdentifier;
+  n.identifier = "push-" + std::to_string(++model.lastMessageId);
+  n.title = displayName(from);
+  n.body = text;
+  n.threadIdentifier = from;
+  n.userInfo = base::Value(
+      base::Dictionary{{"fromUserName", base::Value(from)}, {"msgType", base::Value(kTextType)}});
+  n.sound = true;
+  return n;
+}
+
 void HostApp::deliverMessage(const std::string& from, const std::string& text, bool missedCall,
                              bool video) {
   sim::Process& p = sim::currentProcess();
