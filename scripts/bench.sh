@@ -10,9 +10,9 @@ scripts/setup.sh
 out=${1:-build/bench-results}
 mkdir -p "$out"
 cmake --preset default >/dev/null
-cmake --build --preset default --target main_list_bench contacts_bench surfaces_bench notify_bench background_bench outside_bench
+cmake --build --preset default --target main_list_bench contacts_bench surfaces_bench notify_bench background_bench outside_bench springboard_bench
 
-for b in main_list_bench contacts_bench surfaces_bench notify_bench background_bench outside_bench; do
+for b in main_list_bench contacts_bench surfaces_bench notify_bench background_bench outside_bench springboard_bench; do
   echo "== $b" >&2
   "build/default/bench/$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
     --benchmark_format=json --benchmark_out="$out/$b.json" --benchmark_out_format=json >/dev/null
@@ -32,7 +32,8 @@ for f in sorted(os.listdir(out)):
         name = b["run_name"].split("/iterations:")[0]  # a fixed count is not part of the name
         scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}[b["time_unit"]]
         median[name] = b["cpu_time"] * scale
-        counters[name] = {k: v for k, v in b.items() if k in ("vs_host", "vs_system")}
+        counters[name] = {k: v for k, v in b.items()
+                          if k in ("vs_host", "vs_system", "unhooked_ns", "silent_copy_unhooked_ns")}
 
 def fmt(seconds):
     for unit, s in (("s", 1.0), ("ms", 1e-3), ("us", 1e-6)):
@@ -71,6 +72,14 @@ for arg, who in (("0", "non-secret"), ("1", "secret"), ("2", "secret (mode 0, dr
         if n in median:
             vs = counters.get(n, {}).get("vs_host")
             absolute(f"{bench[3:]} decision, {who} sender", n, "<= 0.5 us", f"{vs:.1f}x of the host's method" if vs else "")
+for arg, who in (("0", "non-secret"), ("1", "secret, mode 0 (dropped)"), ("2", "secret, mode 1 (silent copy)")):
+    n = f"BM_SpringBoardRequest/{arg}"
+    if n in median:
+        c = counters.get(n, {})
+        extra = f"{c['vs_host']:.1f}x of the unhooked dispatcher ({c['unhooked_ns']:.0f} ns)" if "vs_host" in c else ""
+        if "silent_copy_unhooked_ns" in c:
+            extra += f"; unhooked with the same silent copy {c['silent_copy_unhooked_ns']:.0f} ns"
+        absolute(f"SpringBoard request, {who}", n, "<= 2 us", extra)
 ratio("leaving the app, 1000 chats, vs one host reload", "BM_Background_Hooked", "BM_Background_HostReload", "<= 2x")
 for n, what in (("BM_Donate/0", "donation, non-secret"), ("BM_Donate/1", "donation, secret"),
                 ("BM_Index/0", "index 10 chats, no secret"), ("BM_Index/1", "index 10 chats, one secret")):

@@ -117,9 +117,11 @@ case "$mode" in
     mkdir -p "$libdir" "$root/DEBIAN"
     cp "$dylib" "$libdir/Quenby.dylib"
     sign "$libdir/Quenby.dylib"
-    # The processes the loader puts the library into, one a line.
+    # The processes the loader puts the library into, one a line: the host,
+    # and SpringBoard for the lock-screen guard.
     filter_bundles=(
       "$bundle_id"
+      "com.apple.springboard"
     )
     {
       cat <<'PLIST'

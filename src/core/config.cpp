@@ -2,6 +2,8 @@
 // finds there, and the 17 keys save writes.
 #include "core/config.hpp"
 
+#include <algorithm>
+
 #include "core/gate_file.hpp"
 #include "core/kept_aside.hpp"
 #include "sys/files.hpp"
@@ -159,6 +161,13 @@ GateRecord QBConfig::gateRecordLocked(const std::optional<GateRecord>& old) {
   record.notifyMode = secretNotifyMode();
   record.voipVoice = voipVoiceNotifyEnabled();
   record.voipVideo = voipVideoNotifyEnabled();
+  record.visibilityControl = visibilityControlMode();
+  // normalizedDailyWindows() takes the lock this caller holds.
+  record.windows = validateDailyWindows(windowsValue(dailyWindows_), nullptr)
+                       ? dailyWindows_
+                       : defaultDailyWindows();
+  std::stable_sort(record.windows.begin(), record.windows.end(),
+                   [](const DailyWindow& a, const DailyWindow& b) { return a.start < b.start; });
   if (gateSalt_.empty()) gateSalt_ = old ? old->salt : newGateSalt();
   record.salt = gateSalt_;
   for (const std::string& name : secrets_) record.hashes.insert(gateHash(gateSalt_, name));

@@ -23,6 +23,11 @@ using DailyWindows = std::vector<DailyWindow>;
 
 base::Value windowsValue(const DailyWindows& windows);
 
+// Whether `windows` (a valid list) show the secrets at `minute` of the day:
+// the first window holding the minute decides; outside every window they are
+// hidden.
+bool windowsShowAt(const DailyWindows& windows, long minute);
+
 inline constexpr long kMaxDailyWindows = 3;
 
 // The user-facing messages of the window rules.

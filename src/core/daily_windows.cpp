@@ -137,10 +137,14 @@ DailyWindows QBConfig::normalizedDailyWindows() const {
   return stored;
 }
 
-bool QBConfig::scheduleShowsAt(long minute) const {
-  for (const DailyWindow& w : normalizedDailyWindows())
-    if (isMinuteInWindow(minute, w.start, w.end)) return w.mode == 0;
+bool windowsShowAt(const DailyWindows& windows, long minute) {
+  for (const DailyWindow& w : windows)
+    if (QBConfig::isMinuteInWindow(minute, w.start, w.end)) return w.mode == 0;
   return false;  // outside every window the secrets stay hidden
+}
+
+bool QBConfig::scheduleShowsAt(long minute) const {
+  return windowsShowAt(normalizedDailyWindows(), minute);
 }
 
 bool QBConfig::setDailyWindows(const base::Value& windows, std::string* errorMessage) {

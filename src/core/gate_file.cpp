@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/sha256.hpp"
+#include "core/config.hpp"
 #include "sys/files.hpp"
 #include "sys/random.hpp"
 
@@ -16,9 +17,19 @@ bool isHash(const std::string& s) {
   return true;
 }
 
+// As the window rules read a key: missing or not a number is 0.
+long field(const base::Value& window, const char* key) {
+  const base::Value* v = window.find(key);
+  return v ? v->integerValue().value_or(0) : 0;
+}
+
 }  // namespace
 
 std::string gateFilePath() { return sys::documentsDirectory() + "/Quenby/" + kGateFileName; }
+
+std::string gateFilePathIn(std::string_view container) {
+  return std::string(container) + "/Documents/Quenby/" + kGateFileName;
+}
 
 std::string gateHash(std::string_view salt, std::string_view username) {
   std::string input;
@@ -36,13 +47,17 @@ base::Value gateValue(const GateRecord& record) {
   std::sort(hashes.begin(), hashes.end(), [](const base::Value& a, const base::Value& b) {
     return *a.asString() < *b.asString();
   });
-  return base::Value(base::Dictionary{
+  base::Dictionary d{
       {"salt", base::Value(record.salt)},
       {"secretHashes", base::Value(std::move(hashes))},
       {"secretNotifyMode", base::Value(record.notifyMode)},
       {"voipVoiceNotify", base::Value(record.voipVoice)},
       {"voipVideoNotify", base::Value(record.voipVideo)},
-  });
+      {"visibilityControl", base::Value(record.visibilityControl)},
+  };
+  // No list is ever empty: a record without windows has no key for them.
+  if (!record.windows.empty()) d.emplace_back("dailyWindows", windowsValue(record.windows));
+  return base::Value(std::move(d));
 }
 
 std::optional<GateRecord> gateFromValue(const base::Value& root) {
@@ -65,6 +80,20 @@ std::optional<GateRecord> gateFromValue(const base::Value& root) {
   r.notifyMode = *m;
   r.voipVoice = voice->boolValue().value_or(false);
   r.voipVideo = video->boolValue().value_or(false);
+  // Absent in a file an older app wrote: manual mode, no windows.
+  if (const base::Value* control = root.find("visibilityControl")) {
+    std::optional<long> c = control->integerValue();
+    if (!c || static_cast<unsigned long>(*c) > 1) return std::nullopt;
+    r.visibilityControl = *c;
+  }
+  if (const base::Value* windows = root.find("dailyWindows")) {
+    if (!QBConfig::validateDailyWindows(*windows, nullptr)) return std::nullopt;
+    for (const base::Value& w : *windows->asArray())
+      r.windows.push_back(
+          QBConfig::QBWindow(field(w, "start"), field(w, "end"), QBConfig::modeFromWindow(w)));
+    std::sort(r.windows.begin(), r.windows.end(),
+              [](const DailyWindow& a, const DailyWindow& b) { return a.start < b.start; });
+  }
   return r;
 }
 

@@ -187,7 +187,7 @@ bool contentNamesSecret(rt::Id content) {
 }
 
 bool partsNameSecret(rt::Id userInfo, const std::string& threadIdentifier) {
-  return isSecret(threadIdentifier) || userInfoHoldsSecret(userInfo);
+  return partsName(userInfo, threadIdentifier, isSecret);
 }
 
 }  // namespace notify

@@ -47,16 +47,16 @@ std::string senderAt(rt::Id m, int depth) {
 // The user info's named keys (fromUserName, username, …) are among its
 // values, and every string value is asked: asking the keys first would only
 // ask them twice. The first secret ends the search.
-bool holdsSecret(rt::Id info, int depth) {
+bool holds(rt::Id info, const NameTest& named, int depth) {
   if (!rt::isDictionary(info) || depth > kMaxNesting) return false;
   std::vector<rt::Id> nested;
   for (rt::Id key : rt::allKeys(info)) {
     rt::Id value = rt::objectForKey(info, key);
-    if (isSecret(rt::asString(value).value_or(""))) return true;
+    if (std::optional<std::string> s = rt::nonEmptyString(value); s && named(*s)) return true;
     if (rt::isDictionary(value)) nested.push_back(value);
   }
   for (rt::Id n : nested)
-    if (holdsSecret(n, depth + 1)) return true;
+    if (holds(n, named, depth + 1)) return true;
   return false;
 }
 
@@ -106,6 +106,12 @@ std::string voipPushCaller(rt::Id obj) {
 
 std::string inviteCaller(rt::Id obj) { return inviteCallerAt(obj, 0); }
 
-bool userInfoHoldsSecret(rt::Id userInfo) { return holdsSecret(userInfo, 0); }
+bool userInfoHolds(rt::Id userInfo, const NameTest& named) { return holds(userInfo, named, 0); }
+
+bool userInfoHoldsSecret(rt::Id userInfo) { return userInfoHolds(userInfo, isSecret); }
+
+bool partsName(rt::Id userInfo, std::string_view threadIdentifier, const NameTest& named) {
+  return (!threadIdentifier.empty() && named(threadIdentifier)) || userInfoHolds(userInfo, named);
+}
 
 }  // namespace notify

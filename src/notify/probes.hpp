@@ -5,6 +5,7 @@
 // cannot answer is skipped.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -27,9 +28,17 @@ std::string voipPushCaller(rt::Id obj);
 // The caller of a call invitation, nested invitations and caller contacts
 // included.
 std::string inviteCaller(rt::Id obj);
+// A test of one non-empty string: is it a secret's username?
+using NameTest = std::function<bool(std::string_view)>;
+// Whether a user-info dictionary, or one nested in it, holds a string value
+// (under any key) that `named` accepts.
+bool userInfoHolds(rt::Id userInfo, const NameTest& named);
 // Whether a user-info dictionary, or one nested in it, holds a secret
 // username under one of its keys or as any string value.
 bool userInfoHoldsSecret(rt::Id userInfo);
+// The rule for a notification's identifiers: its thread identifier, or any
+// string of its user info, named.
+bool partsName(rt::Id userInfo, std::string_view threadIdentifier, const NameTest& named);
 // The first non-empty string of `keys` on `obj`; "" when none.
 std::string firstString(rt::Id obj, std::initializer_list<const char*> keys);
 

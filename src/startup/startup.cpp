@@ -1,5 +1,9 @@
 #include "startup/startup.hpp"
 
+#include "startup/process_role.hpp"
+#include "sys/bundle.hpp"
+#include "notify/springboard_guard.hpp"
+
 #include "core/config.hpp"
 #include "sys/process_state.hpp"
 #include "hiding/contact_hooks.hpp"
@@ -88,6 +92,20 @@ void runStartupSteps(void (*early)(), void (*rest)()) {
   sys::async([rest] { sys::guarded("[QB] init FATAL: %@", rest); });
 }
 
-void libraryEntry() { runStartupSteps(stepA, stepB); }
+void libraryEntry() {
+  switch (processRole()) {
+    case ProcessRole::Host:
+      runStartupSteps(stepA, stepB);
+      return;
+    case ProcessRole::SpringBoard:
+      sys::log("[QB] SpringBoard: lock-screen guard only");
+      sys::guarded("[QB] early FATAL: %@", notify::QBSpringBoardGuard::install);
+      return;
+    case ProcessRole::Other:
+      sys::log("[QB] not the host (%@): nothing installed",
+               sys::mainBundleString("CFBundleIdentifier"));
+      return;
+  }
+}
 
 }  // namespace core

@@ -10,6 +10,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/value.hpp"
 
@@ -24,6 +25,34 @@ bool createDirectories(const std::string& path);
 
 // fileExistsAtPath: (a symbolic link is followed).
 bool fileExists(const std::string& path);
+
+// The folder that holds every app's data container, one folder per app named
+// by a UUID (/var/mobile/Containers/Data/Application on a phone). Readable
+// from SpringBoard, not from inside an app's sandbox.
+std::string dataContainersDirectory();
+// The container manager's metadata file at the top of each data container,
+// and its key naming the bundle the container belongs to.
+inline constexpr const char* kContainerMetadataFile =
+    ".com.apple.mobile_container_manager.metadata.plist";
+inline constexpr const char* kContainerMetadataIdentifier = "MCMMetadataIdentifier";
+
+// contentsOfDirectoryAtPath:error: — the names (not paths) of the folder's
+// entries, hidden ones included, in no particular order; empty when it
+// cannot be listed.
+std::vector<std::string> directoryEntries(const std::string& path);
+
+// What changes whenever a file is written again: stat(2)'s modification
+// time, file number and size. An atomic write gives a new file number, so a
+// rewrite within the clock's granularity is still told apart.
+struct FileStamp {
+  long long modified = 0;  // seconds
+  long long modifiedNanoseconds = 0;
+  unsigned long long fileNumber = 0;
+  long long size = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+// stat(2) of `path` (a link is followed); nullopt when nothing is there.
+std::optional<FileStamp> fileStamp(const std::string& path);
 
 enum class ReadStatus {
   Missing,     // nothing at the path

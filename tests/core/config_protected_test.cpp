@@ -218,3 +218,64 @@ TEST(GateRecord, MalformedRecordsAreRefused) {
 }
 
 }  // namespace
+
+namespace {
+
+// SpringBoard reads the visibility mode and the windows from the gate: a
+// change of either writes it again, and a file from before they were kept
+// still reads (manual mode, no windows).
+TEST_F(Protected, TheGateFollowsTheVisibilityModeAndTheWindows) {
+  savedBefore();
+  auto gate = [] { return core::gateFromValue(*sys::readPropertyList(core::gateFilePath())); };
+  ASSERT_TRUE(gate());
+  EXPECT_EQ(gate()->visibilityControl, 0);
+  EXPECT_EQ(gate()->windows, QBConfig::defaultDailyWindows());
+  QBConfig c;
+  c.load();
+  c.setVisibilityControlMode(1);
+  c.save();
+  EXPECT_EQ(gate()->visibilityControl, 1);
+  std::string error;
+  ASSERT_TRUE(c.addDailyWindowWithStart(60, 120, 1, &error)) << error;
+  EXPECT_EQ(gate()->windows,
+            (core::DailyWindows{QBConfig::QBWindow(60, 120, 1), QBConfig::QBWindow(480, 1320, 0)}))
+      << "sorted by start";
+  EXPECT_NE(bytes("gate.plist").find("dailyWindows"), std::string::npos);
+}
+
+TEST(GateRecord, OlderFilesReadAndMalformedVisibilityKeysAreRefused) {
+  core::GateRecord r;
+  r.salt = "00ff";
+  r.visibilityControl = 1;
+  r.windows = {QBConfig::QBWindow(480, 1320, 0)};
+  base::Value good = core::gateValue(r);
+  EXPECT_EQ(core::gateFromValue(good), r);
+  auto with = [&](const char* key, std::optional<base::Value> value) {
+    base::Dictionary d;
+    for (const auto& [k, v] : *good.asDictionary())
+      if (k != key) d.emplace_back(k, v);
+    if (value) d.emplace_back(key, *value);
+    return core::gateFromValue(base::Value(d));
+  };
+  std::optional<core::GateRecord> old = with("visibilityControl", std::nullopt);
+  ASSERT_TRUE(old);
+  EXPECT_EQ(old->visibilityControl, 0);
+  old = with("dailyWindows", std::nullopt);
+  ASSERT_TRUE(old);
+  EXPECT_TRUE(old->windows.empty());
+  EXPECT_FALSE(with("visibilityControl", base::Value(2L)));
+  EXPECT_FALSE(with("visibilityControl", base::Value(base::Array{})));
+  EXPECT_FALSE(with("dailyWindows", base::Value("08:00")));
+  EXPECT_FALSE(with("dailyWindows", base::Value(base::Array{})));
+  EXPECT_FALSE(with("dailyWindows", core::windowsValue({QBConfig::QBWindow(480, 1320, 0),
+                                                        QBConfig::QBWindow(600, 700, 1)})))
+      << "overlapping";
+  // Stored unsorted, read sorted.
+  std::optional<core::GateRecord> sorted =
+      with("dailyWindows",
+           core::windowsValue({QBConfig::QBWindow(600, 700, 1), QBConfig::QBWindow(60, 120, 0)}));
+  ASSERT_TRUE(sorted);
+  EXPECT_EQ(sorted->windows.front().start, 60);
+}
+
+}  // namespace

@@ -7,6 +7,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "support/sim_world.hpp"
+#include "sys/files.hpp"
 
 namespace {
 
@@ -107,6 +108,39 @@ TEST(StartupProcesses, EachProcessStartsFromScratch) {
   second.launch(hooks);
   EXPECT_FALSE(QBConfig::shared().unlocked());
   EXPECT_TRUE(QBConfig::shared().isSecretUser("alice")) << "from the file the first process saved";
+}
+
+}  // namespace
+
+namespace {
+
+// The package loads the library into the host and into SpringBoard; what it
+// installs depends on which one it finds itself in.
+TEST_F(Startup, SpringBoardGetsOnlyTheGuardAndAnyOtherProcessNothing) {
+  process.platform().bundleInfo["CFBundleIdentifier"] = "com.apple.springboard";
+  core::libraryEntry();
+  process.advance(2);
+  EXPECT_EQ(logged(device, "[QB] SpringBoard: lock-screen guard only"), 1);
+  EXPECT_EQ(logged(device, "[QB] session hooks READY (early, default secret)"), 0);
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 0);
+  EXPECT_FALSE(sys::fileExists(device.documentsPath() + "/Quenby")) << "no settings touched";
+
+  sim::Process other(device);
+  other.platform().bundleInfo["CFBundleIdentifier"] = "com.example.notes";
+  core::libraryEntry();
+  other.advance(2);
+  EXPECT_EQ(logged(device, "[QB] not the host (com.example.notes): nothing installed"), 1);
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 0);
+  EXPECT_EQ(rt::getClass("QBShakeHooks"), nullptr);
+}
+
+// Any one of the host's classes is enough: a build lacking some is still the host.
+TEST_F(Startup, TheHostIsKnownByAnyOfItsClasses) {
+  process.platform().bundleInfo["CFBundleIdentifier"] = "com.example.messenger";
+  rt::registerClassPair(rt::allocateClassPair(rt::getClass("NSObject"), "CContactMgr"));
+  core::libraryEntry();
+  process.advance(2);
+  EXPECT_EQ(logged(device, "[QB] auto-lock OK"), 1);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The jailbreak packages, rootful and rootless, read back as a device would
 # get them: dpkg-deb's listing and control fields, the filter naming exactly
-# the bundle identifier given, and the packaged dylib's load commands (its
+# the bundle identifier given and SpringBoard, and the packaged dylib's load commands (its
 # install name, the linker's signature kept, iOS 14 as its minimum, and the
 # libraries it loads: the product's frameworks and the system's libraries,
 # nothing else). No package without an identifier, none for one that is not.
@@ -57,10 +57,10 @@ check_package() {
 
   dpkg-deb -x "$deb" "$out/unpacked"
   cmp -s "$dylib" "$out/unpacked/$dir/Quenby.dylib" || fail "$kind: the packaged dylib is not the one built"
-  python3 - "$out/unpacked/$dir/Quenby.plist" <<'PY' || fail "$kind: the filter does not name exactly the host"
+  python3 - "$out/unpacked/$dir/Quenby.plist" <<'PY' || fail "$kind: the filter does not name exactly the host and SpringBoard"
 import plistlib, sys
 filt = plistlib.load(open(sys.argv[1], "rb"))
-sys.exit(0 if filt == {"Filter": {"Bundles": ["com.example.Host"]}} else 1)
+sys.exit(0 if filt == {"Filter": {"Bundles": ["com.example.Host", "com.apple.springboard"]}} else 1)
 PY
 
   headers=$("$objdump" --macho --private-headers "$out/unpacked/$dir/Quenby.dylib")

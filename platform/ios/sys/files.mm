@@ -1,6 +1,6 @@
 // The app container on iOS: NSFileManager for the Documents folder, folders,
-// an item's type and moves; open(2) and fstat(2) to read only a regular file
-// without blocking; NSPropertyListSerialization for the XML and binary
+// a folder's entries, an item's type and moves; stat(2) for a file's stamp; open(2) and fstat(2) to
+// read only a regular file without blocking; NSPropertyListSerialization for the XML and binary
 // codecs, and an atomic NSData write (a temporary file, then a rename) with
 // the protection class asked for. A file closed by data protection (the phone
 // not unlocked since it started) is told apart from one that cannot be read.
@@ -69,6 +69,28 @@ std::string documentsDirectory() {
   if (urls.count == 0) return "";
   NSURL* url = [urls objectAtIndex:0];
   return ios::utf8(url.path);
+}
+
+std::string dataContainersDirectory() { return "/var/mobile/Containers/Data/Application"; }
+
+std::vector<std::string> directoryEntries(const std::string& path) {
+  std::vector<std::string> names;
+  @autoreleasepool {
+    NSArray* entries = [[NSFileManager defaultManager] contentsOfDirectoryAtPath:ios::ns(path)
+                                                                           error:nil];
+    for (NSUInteger i = 0; i < entries.count; ++i)
+      names.push_back(ios::utf8([entries objectAtIndex:i]));
+  }
+  return names;
+}
+
+std::optional<FileStamp> fileStamp(const std::string& path) {
+  struct stat st {};
+  if (stat(path.c_str(), &st) != 0) return std::nullopt;
+  // Whole seconds only: the nanoseconds' field is named differently by each
+  // C library, and the file number already tells an atomic rewrite apart.
+  return FileStamp{static_cast<long long>(st.st_mtime), 0,
+                   static_cast<unsigned long long>(st.st_ino), static_cast<long long>(st.st_size)};
 }
 
 bool createDirectories(const std::string& path) {

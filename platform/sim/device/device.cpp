@@ -8,13 +8,16 @@
 #include <iterator>
 #include <system_error>
 
+#include "sim/codec/atomic_file.hpp"
+#include "sim/codec/plist_codec.hpp"
+
 namespace sim {
 namespace {
 
 // 2026-11-23 12:00:00 UTC in seconds since 2001-01-01.
 constexpr double kStartAbsolute = 817128000.0;
 
-std::string makeTemporaryContainer() {
+std::string makeTemporaryRoot() {
   std::string pattern = (std::filesystem::temp_directory_path() / "quenby-device-XXXXXX").string();
   if (!mkdtemp(pattern.data())) {
     std::perror("mkdtemp");
@@ -23,26 +26,79 @@ std::string makeTemporaryContainer() {
   return pattern;
 }
 
+// An upper-case UUID, as the container manager names containers.
+std::string makeUuid(std::mt19937_64& random) {
+  unsigned long long hi = random(), lo = random();
+  char text[40];
+  std::snprintf(text, sizeof text, "%08llX-%04llX-%04llX-%04llX-%012llX", hi >> 32,
+                (hi >> 16) & 0xffff, hi & 0xffff, lo >> 48, lo & 0xffffffffffffULL);
+  return text;
+}
+
+bool isMetadata(const std::filesystem::path& p) {
+  return p.filename() == sys::kContainerMetadataFile;
+}
+
 }  // namespace
 
 Device::Device(DeviceOptions options)
     : options_(std::move(options)), wallOffset_(kStartAbsolute), random_(options_.seed) {
+  std::error_code ec;
   if (options_.container.empty()) {
-    container_ = makeTemporaryContainer();
-    ownsContainer_ = true;
+    makeContainers();
   } else {
     container_ = std::filesystem::absolute(options_.container).lexically_normal().string();
     if (container_.size() > 1 && container_.back() == '/') container_.pop_back();
+    dataContainers_ = std::filesystem::path(container_).parent_path().string();
+    std::filesystem::create_directories(documentsPath(), ec);
+    writeMetadata(container_, options_.bundleIdentifier);
   }
-  std::error_code ec;
   std::filesystem::create_directories(documentsPath(), ec);
 }
 
 Device::~Device() {
-  if (ownsContainer_) {
+  if (!ownedRoot_.empty()) {
     std::error_code ec;
-    std::filesystem::remove_all(container_, ec);
+    std::filesystem::remove_all(ownedRoot_, ec);
   }
+}
+
+void Device::makeContainers() {
+  ownedRoot_ = makeTemporaryRoot();
+  dataContainers_ = ownedRoot_ + "/Containers/Data/Application";
+  // Names of their own, so the device's random source gives what it gave before.
+  std::mt19937_64 names(options_.seed ^ 0x9e3779b97f4a7c15ULL);
+  std::error_code ec;
+  auto make = [&](const std::string& bundleIdentifier) {
+    std::string at = dataContainers_ + "/" + makeUuid(names);
+    std::filesystem::create_directories(at + "/Documents", ec);
+    std::filesystem::create_directories(at + "/Library/Preferences", ec);
+    writeMetadata(at, bundleIdentifier);
+    return at;
+  };
+  make("com.example.notes");
+  container_ = make(options_.bundleIdentifier);
+  // Another app that keeps a folder of the same name, without the gate.
+  std::string mail = make("com.example.mail");
+  std::filesystem::create_directories(mail + "/Documents/Quenby", ec);
+}
+
+void Device::writeMetadata(const std::string& container, const std::string& bundleIdentifier) {
+  std::string path = container + "/" + sys::kContainerMetadataFile;
+  std::error_code ec;
+  if (!std::filesystem::exists(path, ec)) {
+    base::Value metadata(base::Dictionary{
+        {sys::kContainerMetadataIdentifier, base::Value(bundleIdentifier)},
+        {"MCMMetadataContentClass", base::Value(2L)},
+        {"MCMMetadataUUID", base::Value(std::filesystem::path(container).filename().string())},
+    });
+    std::string error;
+    if (!writeFileAtomically(path, encodePlist(metadata, sys::PlistFormat::Binary),
+                             WriteFault::None, &error))
+      std::fprintf(stderr, "container metadata: %s\n", error.c_str());
+  }
+  // The system's file: readable before the first unlock, whenever it was written.
+  noteProtection(path, sys::FileProtection::None);
 }
 
 double Device::absoluteTime() const { return wallOffset_ + elapsed_; }
@@ -80,7 +136,8 @@ void Device::takeBackup() {
   for (auto it = fs::recursive_directory_iterator(root, ec); !ec && it != fs::end(it);
        it.increment(ec)) {
     std::string relative = it->path().lexically_relative(root).generic_string();
-    bool neverBackedUp = relative == "tmp" || relative == "Library/Caches";
+    bool neverBackedUp =
+        relative == "tmp" || relative == "Library/Caches" || isMetadata(it->path());
     if (neverBackedUp || excludedFromBackup(it->path().string())) {
       it.disable_recursion_pending();
       continue;
@@ -108,7 +165,8 @@ bool Device::restoreBackup() {
   if (!backup_) return false;
   std::error_code ec;
   std::vector<fs::path> wiped;
-  for (const auto& entry : fs::directory_iterator(container_, ec)) wiped.push_back(entry.path());
+  for (const auto& entry : fs::directory_iterator(container_, ec))
+    if (!isMetadata(entry.path())) wiped.push_back(entry.path());
   for (const fs::path& p : wiped) fs::remove_all(p, ec);
   {
     std::lock_guard lock(logMutex_);
@@ -126,6 +184,9 @@ bool Device::restoreBackup() {
     if (item.protection) protection[at.string()] = *item.protection;
   }
   fs::create_directories(documentsPath(), ec);
+  std::string metadata = container_ + "/" + sys::kContainerMetadataFile;
+  if (std::optional<sys::FileProtection> kept = protectionOf(metadata))
+    protection[metadata] = *kept;
   std::lock_guard lock(protectionMutex_);
   protection_ = std::move(protection);
   return true;

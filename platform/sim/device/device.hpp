@@ -1,7 +1,8 @@
 // A simulated device: what outlives one run of the app. Its virtual clock,
-// the app container on disk, the log, the locale, the seeded random source,
-// the named fault options, and what the system keeps about the app outside
-// it. Processes come and go on it.
+// the data containers on disk (the app's and a few other apps', each with the
+// container manager's metadata file naming its bundle), the log, the locale, the seeded random
+// source, the named fault options, and what the system keeps about the app outside it. Processes
+// come and go on it.
 #pragma once
 
 #include <cstdint>
@@ -35,8 +36,12 @@ enum class Biometrics { FaceID, TouchID, None };
 enum class MotionSensors { Full, Accelerometer, None };
 
 struct DeviceOptions {
-  // The app container; empty makes a fresh temporary one, removed with the device.
+  // The app container; empty makes a fresh temporary folder of data containers
+  // (the app's among others'), removed with the device. A given folder's
+  // parent holds the data containers.
   std::string container;
+  // The app's bundle identifier: its main bundle's and its container metadata's.
+  std::string bundleIdentifier = "com.example.messenger";
   std::uint64_t seed = 1;
   std::string locale = "zh_CN";
 };
@@ -74,6 +79,9 @@ class Device {
   // --- The container.
   const std::string& containerPath() const { return container_; }
   std::string documentsPath() const { return container_ + "/Documents"; }
+  // The folder of every app's data container
+  // (Containers/Data/Application on a phone).
+  const std::string& dataContainersPath() const { return dataContainers_; }
 
   // --- The log every NSLog line reaches.
   // A line whose parts are public and private in turn (the first public).
@@ -101,12 +109,14 @@ class Device {
 
   // --- Backups, as the phone takes them: the container's folders and regular
   // files with their protection classes, less what is marked excluded (and
-  // what it holds), tmp/ and Library/Caches/, which no backup holds. A new
-  // backup replaces the last one.
+  // what it holds), tmp/ and Library/Caches/, which no backup holds, and the
+  // container manager's metadata, which is the system's. A new backup
+  // replaces the last one.
   void takeBackup();
   bool hasBackup() const { return backup_.has_value(); }
-  // Wipes the container and puts the last backup in its place; false (and
-  // nothing touched) when none was taken. The app must not be running.
+  // Wipes the container (all but its metadata) and puts the last backup in
+  // its place; false (and nothing touched) when none was taken. The app must
+  // not be running.
   bool restoreBackup();
 
   // --- What the user saw, heard and felt of each message and call.
@@ -117,7 +127,7 @@ class Device {
 
   // --- The app on this device and what the system shows of it.
   // The app's bundle identifier.
-  const std::string& appBundleIdentifier() const { return appBundleIdentifier_; }
+  const std::string& appBundleIdentifier() const { return options_.bundleIdentifier; }
   // The bundle identifier of the app in the foreground; "" for the home or
   // lock screen.
   std::string frontmostApp() const {
@@ -158,9 +168,16 @@ class Device {
   static constexpr double kBootUptime = 86400.0 * 3 + 1234.5;
 
  private:
+  // Lays out the fresh device's data containers: the app's and two others'.
+  void makeContainers();
+  // Writes the container manager's metadata file into `container` when it
+  // has none; readable at any time, as the system's own file is.
+  void writeMetadata(const std::string& container, const std::string& bundleIdentifier);
+
   DeviceOptions options_;
   std::string container_;
-  bool ownsContainer_ = false;
+  std::string dataContainers_;
+  std::string ownedRoot_;  // removed with the device when set
   double elapsed_ = 0;
   double wallOffset_;            // absolute time at elapsed 0
   mutable std::mutex logMutex_;  // lines may come from any thread
@@ -181,7 +198,6 @@ class Device {
   std::map<std::string, sys::FileProtection> protection_;
   Notices notices_;
   SystemRecords records_;
-  std::string appBundleIdentifier_ = "com.example.messenger";
   std::string frontmost_;  // under logMutex_
   std::function<void(const SystemNotification&)> presenter_;
 };

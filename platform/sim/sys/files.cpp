@@ -4,6 +4,8 @@
 // faults make read-only refuses every change, as the phone's volume would.
 // While the device is locked since a restart, files with data protection can
 // neither be read nor written, as on the phone.
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -33,6 +35,25 @@ void describe(std::string* error, const std::string& path, int code) {
 }  // namespace
 
 std::string documentsDirectory() { return sim::currentProcess().device().documentsPath(); }
+
+std::string dataContainersDirectory() {
+  return sim::currentProcess().device().dataContainersPath();
+}
+
+std::vector<std::string> directoryEntries(const std::string& path) {
+  std::vector<std::string> names;
+  std::error_code ec;
+  for (auto it = std::filesystem::directory_iterator(path, ec);
+       !ec && it != std::filesystem::directory_iterator(); it.increment(ec))
+    names.push_back(it->path().filename().string());
+  return names;
+}
+
+std::optional<FileStamp> fileStamp(const std::string& path) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0) return std::nullopt;
+  return FileStamp{st.st_mtim.tv_sec, st.st_mtim.tv_nsec, st.st_ino, st.st_size};
+}
 
 bool createDirectories(const std::string& path) {
   std::error_code ec;

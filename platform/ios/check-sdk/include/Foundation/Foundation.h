@@ -239,6 +239,7 @@ extern "C" NSFileAttributeType const NSFileTypeRegular;
 - (BOOL)fileExistsAtPath:(NSString *)path;
 - (BOOL)fileExistsAtPath:(NSString *)path isDirectory:(BOOL *)isDirectory;
 - (NSDictionary *)attributesOfItemAtPath:(NSString *)path error:(NSError **)error;
+- (NSArray *)contentsOfDirectoryAtPath:(NSString *)path error:(NSError **)error;
 - (BOOL)moveItemAtPath:(NSString *)srcPath toPath:(NSString *)dstPath error:(NSError **)error;
 @end
 
