@@ -59,6 +59,7 @@ Process::~Process() {
   // process; then pending blocks; the runtime and its objects last. Nothing
   // is deallocated one by one on the way.
   runtime_->lifetimes().tearingDown = true;
+  statePublished_ = nullptr;
   state_ptr_.reset();
   queue_.clear();
   notifications_ = NotificationCenter();
@@ -166,8 +167,11 @@ void Process::advance(double seconds) {
 }
 
 void* Process::stateSlot(std::shared_ptr<void> (*make)()) {
+  // Read on every hooked call: once made, without the lock.
+  if (void* made = statePublished_.load(std::memory_order_acquire)) return made;
   std::lock_guard lock(stateMutex_);
   if (!state_ptr_) state_ptr_ = make();
+  statePublished_.store(state_ptr_.get(), std::memory_order_release);
   return state_ptr_.get();
 }
 

@@ -97,7 +97,9 @@ TEST_F(Protected, BeforeTheFirstUnlockTheGatingKnowsTheSecretsByHashAndNothingIs
   EXPECT_EQ(c.password(), "2468");
   EXPECT_EQ(c.secretSnapshot(), (std::unordered_set<std::string>{"bob", "team@chatroom"}));
   EXPECT_FALSE(c.isSecretUser("carol"));
+  EXPECT_EQ(c.secretCount(), 2);
   c.addSecretUser("carol");
+  EXPECT_EQ(c.secretCount(), 3);
   QBConfig again;
   again.load();
   EXPECT_EQ(again.secretCount(), 3);
