@@ -133,7 +133,6 @@ void QBConfig::applyGateLocked() {
   gateSalt_ = gate->salt;
   gateHashes_ = std::move(gate->hashes);
   gateAnswers_.clear();
-  recountLocked();
   changed();
 }
 
