@@ -33,7 +33,8 @@ for f in sorted(os.listdir(out)):
         scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}[b["time_unit"]]
         median[name] = b["cpu_time"] * scale
         counters[name] = {k: v for k, v in b.items()
-                          if k in ("vs_host", "vs_system", "unhooked_ns", "silent_copy_unhooked_ns")}
+                          if k in ("vs_host", "vs_system", "unhooked_ns", "silent_copy_unhooked_ns",
+                                   "added_s")}
 
 def fmt(seconds):
     for unit, s in (("s", 1.0), ("ms", 1e-3), ("us", 1e-6)):
@@ -66,12 +67,27 @@ ratio("main list full pass (every row), 1000 chats, locked",
 absolute("listNormalContactItems, 5000 friends", "BM_ListNormalContactItems/5000", "<= 50 ms")
 ratio("Moments screen, 1000 items, hooked", "BM_MomentsScreen_hooked", "BM_MomentsScreen_unhooked", "<= 2x")
 ratio("contacts load, 5000 friends, hooked", "BM_ContactsLoad_hooked", "BM_ContactsLoad_unhooked")
-for arg, who in (("0", "non-secret"), ("1", "secret"), ("2", "secret (mode 0, dropped)")):
-    for bench in ("BM_CanShowPush", "BM_SystemRequest"):
-        n = f"{bench}/{arg}"
-        if n in median:
-            vs = counters.get(n, {}).get("vs_host")
-            absolute(f"{bench[3:]} decision, {who} sender", n, "<= 0.5 us", f"{vs:.1f}x of the host's method" if vs else "")
+# A gating hook decides, then the call goes on to the host's method (or is
+# dropped). "decision" is what the hook adds to the host's method measured
+# beside it; "whole call" is the hooked call with the host's method in it.
+# A secret in mode 1 goes on as a silent copy: that row is the decision plus
+# the copy; its decision alone is the mode 0 row's (the same steps up to the
+# mode).
+for bench, arg, who in (("BM_CanShowPush", "0", "non-secret sender"),
+                        ("BM_CanShowPush", "1", "secret sender (mode 1)"),
+                        ("BM_SystemRequest", "0", "non-secret sender"),
+                        ("BM_SystemRequest", "2", "secret sender (mode 0, dropped; mode 1's too)"),
+                        ("BM_SystemRequest", "1", "secret sender (mode 1) + silent copy")):
+    n = f"{bench}/{arg}"
+    if n not in median:
+        continue
+    c = counters.get(n, {})
+    vs = c.get("vs_host")
+    if "added_s" in c:
+        rows.append((f"{bench[3:]} decision, {who}", fmt(c["added_s"]), "",
+                     "" if arg == "1" and bench == "BM_SystemRequest" else "<= 0.5 us"))
+    absolute(f"{bench[3:]} whole call, {who}", n, "",
+             f"{vs:.1f}x of the host's method" if vs else "")
 for arg, who in (("0", "non-secret"), ("1", "secret, mode 0 (dropped)"), ("2", "secret, mode 1 (silent copy)")):
     n = f"BM_SpringBoardRequest/{arg}"
     if n in median:

@@ -76,6 +76,7 @@ Process::~Process() {
   runtime_->lifetimes().tearingDown = true;
   {
     InProcess here(*this);
+    statePublished_ = nullptr;
     state_ptr_.reset();
     queue_.clear();
     notifications_ = NotificationCenter();
@@ -276,8 +277,11 @@ void advanceProcesses(const std::vector<Process*>& processes, double until) {
 }
 
 void* Process::stateSlot(std::shared_ptr<void> (*make)()) {
+  // Read on every hooked call: once made, without the lock.
+  if (void* made = statePublished_.load(std::memory_order_acquire)) return made;
   std::lock_guard lock(stateMutex_);
   if (!state_ptr_) state_ptr_ = make();
+  statePublished_.store(state_ptr_.get(), std::memory_order_release);
   return state_ptr_.get();
 }
 

@@ -16,6 +16,7 @@
 #pragma once
 
 #include <any>
+#include <atomic>
 #include <functional>
 #include <map>
 #include <optional>
@@ -176,6 +177,7 @@ class Process {
   std::thread::id mainThread_;
   std::mutex stateMutex_;
   std::shared_ptr<void> state_ptr_;
+  std::atomic<void*> statePublished_{nullptr};
   void* hostApp_ = nullptr;
   PlatformState platform_;
   std::function<void()> snapshot_;

@@ -17,6 +17,7 @@ namespace {
 struct ConfigSlot {
   std::once_flag once;
   std::unique_ptr<QBConfig> config;
+  std::atomic<QBConfig*> loaded{nullptr};  // set once load has finished
 };
 
 bool boolOr(const base::Value& root, const char* key, bool fallback) {
@@ -53,9 +54,12 @@ void storeGate(const GateRecord& record, const std::optional<GateRecord>& old) {
 
 QBConfig& QBConfig::shared() {
   ConfigSlot& slot = sys::state<ConfigSlot>();
+  // Every hooked call asks: after the first, one atomic read.
+  if (QBConfig* c = slot.loaded.load(std::memory_order_acquire)) return *c;
   std::call_once(slot.once, [&] {
     slot.config = std::make_unique<QBConfig>();
     slot.config->load();
+    slot.loaded.store(slot.config.get(), std::memory_order_release);
   });
   return *slot.config;
 }
@@ -96,6 +100,7 @@ void QBConfig::load() {
     applySettingsLocked(base::Value());
     applyGateLocked();
     waitingForFile_ = true;
+    recountLocked();
     sys::log("[QB] config protected until first unlock");
   }
   // Outside the lock: the centre may call its observers under a lock of its own.
@@ -149,6 +154,7 @@ void QBConfig::readAfterUnlock() {
     waitingForFile_ = false;
     gateHashes_.clear();
     gateAnswers_.clear();
+    recountLocked();
   }
   changed();
   sys::removeObserver(sys::ObserverToken{unlockObserver_});
@@ -259,6 +265,7 @@ void QBConfig::applySettingsLocked(const base::Value& file) {
       if (const std::string* name = e.asString(); name && !name->empty()) secrets.insert(*name);
   }
   secrets_ = std::move(secrets);
+  recountLocked();
   changed();
 }
 

@@ -163,6 +163,12 @@ class QBConfig {
   void writeGate();
   void writeGateLocked();
   void changed() { revision_.fetch_add(1, std::memory_order_acq_rel); }
+  // After every change of the set, the gate or which of them answers: the
+  // count is read on every hooked call, without the lock.
+  void recountLocked() {
+    secretCount_.store(long(waitingForFile_ ? gateHashes_.size() : secrets_.size()),
+                       std::memory_order_release);
+  }
 
   // The secret set, the two non-scalar settings, load and save. Not
   // recursive: nothing that holds it may call a member that takes it.
@@ -182,7 +188,8 @@ class QBConfig {
   // refused and the secret set is known only by gateHashes_.
   std::atomic<bool> waitingForFile_{false};
   std::unordered_set<std::string> gateHashes_;  // under lock_
-  std::string gateSalt_;                        // under lock_
+  std::atomic<long> secretCount_{0};
+  std::string gateSalt_;  // under lock_
   // The gate's answer by username, so a list reloaded while the phone is
   // locked hashes each name once; under lock_.
   mutable std::unordered_map<std::string, bool> gateAnswers_;

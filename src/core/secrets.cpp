@@ -40,6 +40,7 @@ void QBConfig::addSecretUser(std::string_view username) {
   {
     std::lock_guard lock(lock_);
     secrets_.insert(std::string(username));
+    recountLocked();
   }
   changed();
   save();
@@ -50,6 +51,7 @@ void QBConfig::removeSecretUser(std::string_view username) {
   {
     std::lock_guard lock(lock_);
     secrets_.erase(std::string(username));
+    recountLocked();
   }
   changed();
   save();
@@ -59,6 +61,7 @@ void QBConfig::clearAllSecretUsers() {
   {
     std::lock_guard lock(lock_);
     secrets_.clear();
+    recountLocked();
   }
   changed();
   save();
@@ -69,10 +72,7 @@ std::unordered_set<std::string> QBConfig::secretSnapshot() const {
   return secrets_;
 }
 
-long QBConfig::secretCount() const {
-  std::lock_guard lock(lock_);
-  return long(waitingForFile_ ? gateHashes_.size() : secrets_.size());
-}
+long QBConfig::secretCount() const { return secretCount_.load(std::memory_order_acquire); }
 
 bool QBConfig::shouldHideSecrets() const { return secretCount() > 0 && !unlocked(); }
 

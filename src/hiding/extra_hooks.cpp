@@ -186,15 +186,16 @@ Id hostItemAt(const ExtraHooksState& s, Id facade, long index) {
                                                index);
 }
 
-RowMapKey momentsKey(const ExtraHooksState& s, Id facade, unsigned long n) {
+RowMapKey momentsKey(const ExtraHooksState& s, Id facade, unsigned long n, const core::QBConfig& c,
+                     const SessionHooksState& session) {
   long scan = long(std::min<unsigned long>(n, kMomentsScanCap));
   return {&s.getTimelineDataItemOfIndex,
           facade,
           0,
           long(std::min<unsigned long>(n, std::numeric_limits<long>::max())),
           scan,
-          sessionState().rowMapFlushes,
-          core::QBConfig::shared().revision()};
+          session.rowMapFlushes,
+          c.revision()};
 }
 
 unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
@@ -204,9 +205,11 @@ unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
       "[QB] WCFacade countOfTimelineDataItem ex: %@",
       [&](Hook::Original& original) -> unsigned long {
         unsigned long n = original();
-        if (!hiding() || !s.getTimelineDataItemOfIndex.installed()) return n;
+        const core::QBConfig& c = core::QBConfig::shared();
+        const SessionHooksState& session = sessionState();
+        if (!listsHideSecrets(c, session) || !s.getTimelineDataItemOfIndex.installed()) return n;
         return (unsigned long)s.moments.shownCount(
-            momentsKey(s, self, n), sys::mediaTime(),
+            momentsKey(s, self, n, c, session), sys::mediaTime(),
             [&](long i) { return hostItemAt(s, self, i); }, QBExtraHooks::isSecretEntry);
       },
       self, cmd);
@@ -219,12 +222,14 @@ Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
       "[QB] WCFacade getTimelineDataItemOfIndex: ex: %@",
       [&](Hook::Original& original) -> Id {
         if (!original.available()) return nullptr;
-        if (!hiding()) return original(index);
+        const core::QBConfig& c = core::QBConfig::shared();
+        const SessionHooksState& session = sessionState();
+        if (!listsHideSecrets(c, session)) return original(index);
         if (!s.countOfTimelineDataItem.installed()) return nullptr;
         unsigned long n =
             s.countOfTimelineDataItem.original(self, s.countOfTimelineDataItem.selector());
         long i = s.moments.hostRow(
-            momentsKey(s, self, n), sys::mediaTime(), index,
+            momentsKey(s, self, n, c, session), sys::mediaTime(), index,
             [&](long k) { return hostItemAt(s, self, k); }, QBExtraHooks::isSecretEntry);
         return i < 0 ? nullptr : s.moments.entryAt(i);
       },

@@ -184,8 +184,7 @@ void QBSessionHooks::install() {
 }
 
 bool QBSessionHooks::listsHideSecrets() {
-  QBConfig& c = QBConfig::shared();
-  return c.shouldHideSecrets() || (sessionState().away && c.secretCount() > 0);
+  return hiding::listsHideSecrets(QBConfig::shared(), sessionState());
 }
 
 void QBSessionHooks::softReloadMainFrame() { softReloadMainFrameForce(false); }

@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/config.hpp"
 #include "hiding/row_map.hpp"
 #include "hiding/session_hooks.hpp"
 #include "host/hook.hpp"
@@ -70,6 +71,11 @@ struct SessionHooksState {
 };
 
 inline SessionHooksState& sessionState() { return sys::state<SessionHooksState>(); }
+
+// QBSessionHooks::listsHideSecrets for a caller that already holds both.
+inline bool listsHideSecrets(const core::QBConfig& c, const SessionHooksState& s) {
+  return c.shouldHideSecrets() || (s.away && c.secretCount() > 0);
+}
 
 // For a reader off the main thread.
 inline std::shared_ptr<const Filter> currentFilter() {

@@ -150,8 +150,12 @@ std::string QBContactInfo::displayNameFromContact(rt::Id contact, std::string_vi
 }
 
 std::string QBContactInfo::displayNameForUsername(std::string_view username) {
-  QBContactInfo info = infoForUsername(username);
-  return info.displayName.empty() ? std::string(username) : info.displayName;
+  // infoForUsername's names without its avatar, which the caller would throw away.
+  std::string display = guarded(
+      "[QB] contactInfo ex: %@",
+      [&] { return recordNames(contactForUsername(username), username).display; },
+      std::string(username));
+  return display.empty() ? std::string(username) : display;
 }
 
 rt::Id QBContactInfo::asUIImage(rt::Id obj) { return rt::isKindOf(obj, "UIImage") ? obj : nullptr; }

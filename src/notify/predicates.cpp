@@ -39,8 +39,9 @@ bool readsAsVideo(rt::Id v) {
 }
 
 bool anyKeyReadsAsVideo(rt::Id obj, std::initializer_list<const char*> keys) {
+  rt::KeyProbe probe(obj);
   for (const char* key : keys)
-    if (readsAsVideo(rt::probeKey(obj, key))) return true;
+    if (readsAsVideo(probe(key))) return true;
   return false;
 }
 
@@ -49,8 +50,9 @@ constexpr const char* kTextKeys[] = {"m_nsContent", "content", "title", "body", 
 // Whether one of the message's texts holds `word`, folded or not. Texts are
 // searched one by one: no word spans two.
 bool textsHold(rt::Id m, std::string_view word, bool folded) {
+  rt::KeyProbe probe(m);
   for (const char* key : kTextKeys)
-    if (auto s = rt::nonEmptyString(rt::probeKey(m, key)))
+    if (auto s = rt::nonEmptyString(probe(key)))
       if (folded ? containsFolded(*s, word) : contains(*s, word)) return true;
   return false;
 }
@@ -81,16 +83,18 @@ bool callKindBlocks(const std::string& caller, bool video) {
 
 bool isCallMessage(rt::Id m) {
   if (!m || rt::isNull(m)) return false;
+  rt::KeyProbe probe(m);
   for (const char* key : {"m_uiMessageType", "msgType", "messageType"}) {
-    rt::Id v = rt::probeKey(m, key);
+    rt::Id v = probe(key);
     if (v && rt::answersIntegerValue(v) && rt::integerValue(v) == kCallMessageType) return true;
   }
   return false;
 }
 
 bool textReadsLikeCall(rt::Id m) {
+  rt::KeyProbe probe(m);
   for (const char* key : kTextKeys)
-    if (auto s = rt::nonEmptyString(rt::probeKey(m, key)))
+    if (auto s = rt::nonEmptyString(probe(key)))
       for (const char* word : kCallWords)
         if (containsFolded(*s, word)) return true;
   return false;

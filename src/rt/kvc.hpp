@@ -25,4 +25,17 @@ bool keyValueCodingFinds(Id obj, std::string_view key);
 // raises; the way the system probes host objects key by key.
 Id probeKey(Id obj, std::string_view key);
 
+// probeKey for several keys of one object: whether its class answers keys its
+// own way is asked once, not once per key.
+class KeyProbe {
+ public:
+  explicit KeyProbe(Id obj);
+  Id operator()(std::string_view key) const;
+
+ private:
+  bool finds(std::string_view key) const;
+  Id obj_;
+  bool ownWay_ = false;
+};
+
 }  // namespace rt

@@ -42,16 +42,15 @@ bool accessesInstanceVariables(Class cls) {
   return !respondsTo(toId(cls), s) || send<bool>(cls, s);
 }
 
-}  // namespace
-
-bool keyValueCodingFinds(Id obj, std::string_view key) {
-  if (!obj || key.empty()) return false;
+bool answersKeysItsOwnWay(Class cls) {
   static const SEL valueForKeySel = sel("valueForKey:");
   static const SEL undefinedKeySel = sel("valueForUndefinedKey:");
-  Class cls = classOf(obj);
   Class root = rootOf(cls);
-  if (!sameAsRoot(cls, root, valueForKeySel) || !sameAsRoot(cls, root, undefinedKeySel))
-    return true;  // it answers keys its own way: only asking tells
+  return !sameAsRoot(cls, root, valueForKeySel) || !sameAsRoot(cls, root, undefinedKeySel);
+}
+
+// keyValueCodingFinds once the class is known not to answer keys its own way.
+bool findsByAccessorOrIvar(Class cls, std::string_view key) {
   const KeySearch& p = keySearch(key);
   for (SEL s : p.getters)
     if (getInstanceMethod(cls, s)) return true;
@@ -62,8 +61,7 @@ bool keyValueCodingFinds(Id obj, std::string_view key) {
   return false;
 }
 
-Id probeKey(Id obj, std::string_view key) {
-  if (!keyValueCodingFinds(obj, key)) return nullptr;
+Id valueOrNil(Id obj, std::string_view key) {
   try {
     return valueForKey(obj, key);
   } catch (...) {
@@ -72,6 +70,30 @@ Id probeKey(Id obj, std::string_view key) {
     if (!handlingHostException()) reportInternalFailure(describeCurrentException());
     return nullptr;
   }
+}
+
+}  // namespace
+
+bool keyValueCodingFinds(Id obj, std::string_view key) {
+  if (!obj || key.empty()) return false;
+  Class cls = classOf(obj);
+  // One that answers keys its own way: only asking tells.
+  return answersKeysItsOwnWay(cls) || findsByAccessorOrIvar(cls, key);
+}
+
+Id probeKey(Id obj, std::string_view key) {
+  return keyValueCodingFinds(obj, key) ? valueOrNil(obj, key) : nullptr;
+}
+
+KeyProbe::KeyProbe(Id obj) : obj_(obj), ownWay_(obj && answersKeysItsOwnWay(classOf(obj))) {}
+
+bool KeyProbe::finds(std::string_view key) const {
+  if (!obj_ || key.empty()) return false;
+  return ownWay_ || findsByAccessorOrIvar(classOf(obj_), key);
+}
+
+Id KeyProbe::operator()(std::string_view key) const {
+  return finds(key) ? valueOrNil(obj_, key) : nullptr;
 }
 
 }  // namespace rt

@@ -19,13 +19,20 @@ class ProcessState {
   template <typename T>
   T& get() {
     std::size_t slot = slotOf<T>();
+    // Every hook reads its state on every call: once made, a slot is read
+    // without the lock.
+    if (slot < kPublished)
+      if (void* made = published_[slot].load(std::memory_order_acquire))
+        return *static_cast<T*>(made);
     std::lock_guard lock(mutex_);
     if (slots_.size() <= slot) slots_.resize(slot + 1);
     if (!slots_[slot]) slots_[slot] = std::make_shared<T>();
+    if (slot < kPublished) published_[slot].store(slots_[slot].get(), std::memory_order_release);
     return *static_cast<T*>(slots_[slot].get());
   }
 
  private:
+  static constexpr std::size_t kPublished = 64;
   static std::size_t nextSlot();
   template <typename T>
   static std::size_t slotOf() {
@@ -34,7 +41,8 @@ class ProcessState {
   }
 
   std::mutex mutex_;
-  std::vector<std::shared_ptr<void>> slots_;
+  std::vector<std::shared_ptr<void>> slots_;  // owns every slot
+  std::atomic<void*> published_[kPublished] = {};
 };
 
 ProcessState& processState();

@@ -97,11 +97,41 @@ TEST_F(Protected, BeforeTheFirstUnlockTheGatingKnowsTheSecretsByHashAndNothingIs
   EXPECT_EQ(c.password(), "2468");
   EXPECT_EQ(c.secretSnapshot(), (std::unordered_set<std::string>{"bob", "team@chatroom"}));
   EXPECT_FALSE(c.isSecretUser("carol"));
+  EXPECT_EQ(c.secretCount(), 2);
   c.addSecretUser("carol");
+  EXPECT_EQ(c.secretCount(), 3);
   QBConfig again;
   again.load();
   EXPECT_EQ(again.secretCount(), 3);
   EXPECT_EQ(again.password(), "2468");
+}
+
+// A gate file one save did not reach (it still holds the set before) answers
+// until the first unlock; from then on the settings' own set counts.
+TEST_F(Protected, AtTheFirstUnlockTheSettingsSetReplacesAnOlderGate) {
+  {
+    QBConfig first;
+    first.load();
+    first.addSecretUser("bob");
+  }
+  std::string olderGate = bytes("gate.plist");
+  {
+    QBConfig second;
+    second.load();
+    second.addSecretUser("team@chatroom");
+  }
+  ASSERT_TRUE(sim::writeFileAtomically(core::gateFilePath(), olderGate));
+  device.setLockedSinceRestart(true);
+  QBConfig c;
+  c.load();
+  ASSERT_TRUE(c.waitingForProtectedData());
+  EXPECT_EQ(c.secretCount(), 1);
+  EXPECT_FALSE(c.isSecretUser("team@chatroom"));
+  device.setLockedSinceRestart(false);
+  sys::postNotification(sys::kProtectedDataDidBecomeAvailable);
+  ASSERT_FALSE(c.waitingForProtectedData());
+  EXPECT_EQ(c.secretCount(), 2);
+  EXPECT_TRUE(c.isSecretUser("team@chatroom"));
 }
 
 TEST_F(Protected, AnUnlockBeforeTheFileCanBeReadKeepsWaiting) {

@@ -48,6 +48,7 @@ TEST_F(SecretState, TheSetSavesButNeverNotifies) {
   EXPECT_FALSE(c.isSecretUser(""));
   auto snapshot = c.secretSnapshot();
   c.removeSecretUser("alice");
+  EXPECT_EQ(c.secretCount(), 1);
   EXPECT_EQ(snapshot.size(), 2u) << "a snapshot is a copy";
   EXPECT_EQ(secretsOnDisk(), (std::vector<std::string>{"team@chatroom"}));
   c.clearAllSecretUsers();

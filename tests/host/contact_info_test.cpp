@@ -102,6 +102,33 @@ TEST_F(ContactDirectory, ARecordWithANameIsNotReadAgain) {
   EXPECT_EQ(nameless.displayName, "from the database");
 }
 
+long gHeadImageAsks = 0;
+Id countedHeadImage(Id, rt::SEL, Id, unsigned) {
+  ++gHeadImageAsks;
+  return nullptr;
+}
+
+// The name alone is the record's name, found without making a picture.
+TEST_F(ContactDirectory, TheNameAloneIsTheRecordsNameWithoutAPicture) {
+  host.model.findFriend("alice")->cacheComplete = false;
+  addFriend("nameless");
+  start();
+  rt::setImplementation(
+      rt::getInstanceMethod(rt::getClass("MMHeadImageMgr"), rt::sel("getHeadImage:withCategory:")),
+      reinterpret_cast<rt::IMP>(countedHeadImage));
+  const char* names[] = {"alice", "bob", "wxid_zed", "张三", "nameless", "stranger"};
+  gHeadImageAsks = 0;
+  for (const char* u : names) QBContactInfo::displayNameForUsername(u);
+  EXPECT_EQ(gHeadImageAsks, 0);
+  for (const char* u : names)
+    EXPECT_EQ(QBContactInfo::displayNameForUsername(u),
+              QBContactInfo::infoForUsername(u).displayName)
+        << u;
+  EXPECT_GT(gHeadImageAsks, 0) << "the full record does ask";
+  EXPECT_EQ(QBContactInfo::displayNameForUsername("alice"), "Ally");
+  EXPECT_EQ(QBContactInfo::displayNameForUsername("wxid_zed"), "zed_alias");
+}
+
 Id emptyDatabaseRecord(Id, rt::SEL, Id) { return rt::dictionary({}); }
 Id emptyList(Id, rt::SEL, unsigned, unsigned, bool) { return rt::array({}); }
 
@@ -284,6 +311,8 @@ TEST_P(ContactDirectoryFaults, OperationsFallBackAndNeverThrow) {
   });
   EXPECT_EQ(alice.username, "alice");
   EXPECT_FALSE(alice.displayName.empty());
+  EXPECT_EQ(QBContactInfo::displayNameForUsername("alice"), alice.displayName);
+  EXPECT_EQ(QBContactInfo::displayNameForUsername("stranger"), "stranger");
   ASSERT_NE(alice.avatar, nullptr) << "an avatar is never missing";
   EXPECT_EQ(stranger.displayName, "stranger");
   EXPECT_NE(stranger.avatar, nullptr);

@@ -80,8 +80,10 @@ Id raises(Id, SEL) { rt::raise("HostFault", "accessor failed"); }
 class KvcProbe : public qbtest::HostWorld {
  protected:
   void check(Id obj, const std::vector<std::string>& keys) {
+    rt::KeyProbe probe(obj);  // one object's many keys: the same answers
     for (const std::string& key : keys) {
       Id fast = rt::probeKey(obj, key);
+      EXPECT_TRUE(sameAnswer(probe(key), fast)) << rt::className(obj) << " ." << key;
       bool found = false;
       Id plain = reference(obj, key, found);
       // Not finding a key must be known without asking (asking raises).
@@ -118,6 +120,10 @@ TEST_F(KvcProbe, EveryHostAndFoundationClassAnswersAsKeyValueCoding) {
   check(rt::str("wxid"), keys);
   check(rt::number(3), keys);
   check(rt::null(), keys);
+  EXPECT_EQ(rt::KeyProbe(nullptr)("m_nsUsrName"), nullptr);
+  Id emptyKeyed = rt::dictionary({{rt::str(""), rt::str("x")}});
+  EXPECT_EQ(rt::KeyProbe(emptyKeyed)(""), rt::probeKey(emptyKeyed, ""))
+      << "an empty key finds nothing";
   // Live objects carry values, not just the shapes of their classes.
   check(host::QBRuntime::mmContext(), keys);
   check(host::QBRuntime::serviceNamed("MainSessionMgr"), keys);

@@ -10,6 +10,7 @@
 #include "sys/log.hpp"
 #include "sys/notifications.hpp"
 #include "sys/process.hpp"
+#include "sys/process_state.hpp"
 #include "sys/queue.hpp"
 
 namespace {
@@ -115,6 +116,35 @@ TEST(ProcessLifecycle, EveryProcessHasFreshLibraryStateAndTheDeviceKeepsTheLog) 
   EXPECT_EQ(static_cast<Counter*>(sys::processStateSlot(make))->value, 0);
   ASSERT_EQ(device.log().size(), 1u);
   EXPECT_EQ(device.log()[0].text, "[QB] first 1");
+}
+
+struct Other {
+  std::string text;
+};
+
+// Each kind of state has its own slot, the same object on every read, and a
+// new process (which may take the last one's address) starts them all anew.
+TEST(ProcessLifecycle, EachKindOfStateIsOneObjectPerProcess) {
+  sim::Device device;
+  Counter* firstCounter = nullptr;
+  {
+    sim::Process first(device);
+    firstCounter = &sys::state<Counter>();
+    sys::state<Counter>().value = 7;
+    sys::state<Other>().text = "kept";
+    EXPECT_EQ(&sys::state<Counter>(), firstCounter);
+    EXPECT_NE(static_cast<void*>(&sys::state<Other>()), static_cast<void*>(firstCounter));
+    EXPECT_EQ(sys::state<Counter>().value, 7);
+    EXPECT_EQ(sys::state<Other>().text, "kept");
+  }
+  for (int i = 0; i < 3; ++i) {
+    sim::Process next(device);
+    EXPECT_EQ(sys::state<Counter>().value, 0);
+    EXPECT_EQ(sys::state<Other>().text, "");
+    sys::state<Counter>().value = i + 1;
+    sys::state<Other>().text = "changed";
+    EXPECT_EQ(sys::state<Counter>().value, i + 1);
+  }
 }
 
 }  // namespace

@@ -50,8 +50,7 @@ void TypeChecks::makeRaising(rt::IMP imp, std::string what) {
   anyRaising_ = true;
 }
 
-const std::string* TypeChecks::raisingWhat(rt::IMP imp) const {
-  if (!anyRaising_) return nullptr;
+const std::string* TypeChecks::raisingLookup(rt::IMP imp) const {
   std::lock_guard lock(mutex_);
   auto it = raising_.find(imp);
   return it == raising_.end() ? nullptr : &it->second;  // entries are never removed

@@ -35,9 +35,13 @@ class TypeChecks {
   // Calls that reach `imp` raise `what` instead of running it.
   void makeRaising(rt::IMP imp, std::string what);
   // What a call of `imp` raises, or null when it runs normally.
-  const std::string* raisingWhat(rt::IMP imp) const;
+  const std::string* raisingWhat(rt::IMP imp) const {
+    return anyRaising_.load(std::memory_order_acquire) ? raisingLookup(imp) : nullptr;
+  }
 
  private:
+  const std::string* raisingLookup(rt::IMP imp) const;
+
   mutable std::mutex mutex_;
   std::atomic<std::uint64_t> generation_{nextGeneration()};
   static std::uint64_t nextGeneration();

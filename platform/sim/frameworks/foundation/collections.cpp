@@ -132,8 +132,8 @@ Id allValues(Id self, SEL) {
   return rt::array(values);
 }
 Id dictValueForKey(Id self, SEL, Id key) {
-  auto k = rt::asString(key);
-  if (k && !k->empty() && (*k)[0] == '@') {
+  const StringData* k = key ? native<StringData>(key) : nullptr;
+  if (k && !k->utf8.empty() && k->utf8[0] == '@') {
     // "@count" and friends go to NSObject's search, as in Foundation.
     return rt::send<Id>(self, "valueForUndefinedKey:", key);
   }

@@ -30,8 +30,18 @@ bool sameObjectValue(rt::Id a, rt::Id b) {
 }
 
 rt::Id dictionaryLookup(const DictionaryData& d, rt::Id key) {
-  for (const auto& [k, v] : d.entries)
-    if (sameObjectValue(k, key)) return v;
+  // sameObjectValue(k, key) for each entry, with the key's own string read once.
+  const StringData* sk = key ? native<StringData>(key) : nullptr;
+  for (const auto& [k, v] : d.entries) {
+    if (k == key) return v;
+    if (!k || !key) continue;
+    const StringData* s = native<StringData>(k);
+    if (s || sk) {
+      if (s && sk && s->utf8 == sk->utf8) return v;
+      continue;
+    }
+    if (rt::send<bool>(k, "isEqual:", key)) return v;
+  }
   return nullptr;
 }
 
