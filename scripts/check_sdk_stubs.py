@@ -30,6 +30,8 @@ LIBRARIES = {
 }
 # Header folders that are not frameworks; the rest are, by their name.
 FOLDER_LIBRARY = {"objc": "libobjc", "dispatch": "libSystem", "os": "libSystem"}
+# Loose headers of the SDK's own (not stand-ins over the C library's), by library.
+LOOSE_LIBRARY = {"notify.h": "libSystem"}
 # Defined by the linker in every image, exported by no library.
 LINKER_DEFINED = {"___dso_handle"}
 OBJC_CLASS = "_OBJC_CLASS_$_"
@@ -43,7 +45,7 @@ def fail(message):
 def library_of(header):
     parts = header.split("/")
     if len(parts) == 1:
-        return None  # a loose stand-in header over the C library's
+        return LOOSE_LIBRARY.get(parts[0])  # else a loose stand-in over the C library's
     return FOLDER_LIBRARY.get(parts[0], parts[0])
 
 

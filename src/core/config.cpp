@@ -6,6 +6,7 @@
 
 #include "core/gate_file.hpp"
 #include "core/kept_aside.hpp"
+#include "sys/darwin_notify.hpp"
 #include "sys/files.hpp"
 #include "sys/log.hpp"
 #include "sys/notifications.hpp"
@@ -48,6 +49,8 @@ void storeGate(const GateRecord& record, const std::optional<GateRecord>& old) {
   if (!sys::writePropertyList(gateFilePath(), gateValue(record), sys::PlistFormat::Xml, &error,
                               sys::FileProtection::None))
     sys::log("[QB] gate save failed: %@", error);
+  else
+    sys::postDarwinNotification(kGateChangedNotification);
 }
 
 }  // namespace

@@ -31,6 +31,9 @@ struct GateRecord {
 };
 
 inline constexpr const char* kGateFileName = "gate.plist";
+// The Darwin notification posted after every write of the gate file, so that
+// SpringBoard reads it again at once.
+inline constexpr const char* kGateChangedNotification = "org.quenby.gate-changed";
 // Documents/Quenby/gate.plist.
 std::string gateFilePath();
 // The same file inside the app container at `container` (seen from outside the app).

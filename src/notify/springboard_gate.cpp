@@ -4,6 +4,7 @@
 
 #include "notify/container_lookup.hpp"
 #include "sys/clock.hpp"
+#include "sys/darwin_notify.hpp"
 #include "sys/log.hpp"
 
 namespace notify {
@@ -89,6 +90,10 @@ bool SpringBoardGate::refresh(Host& host, double now) {
 
 SpringBoardGate::Host* SpringBoardGate::gateFor(std::string_view bundleIdentifier) {
   double now = sys::mediaTime();
+  if (!changeWatch_) changeWatch_ = sys::watchDarwinNotification(core::kGateChangedNotification);
+  // Checked for every request, whichever bundle: a post is seen once.
+  if (sys::darwinNotificationPosted(*changeWatch_))
+    for (Host& h : hosts_) h.checkedAt = std::nullopt;
   if (!scanned_ || (hosts_.empty() && now - lastScan_ >= kContainerRescanInterval_s)) scan(now);
   Host* host = find(bundleIdentifier);
   if (!host) return nullptr;

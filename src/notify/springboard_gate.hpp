@@ -2,9 +2,9 @@
 // notification requests: where the hosts' containers are, looked up at the
 // first request and again when none was found (at most once a minute) or when
 // one vanished, and each gate as last read, read again whenever its stamp
-// changes. The stamp is looked at no more than twice a second: a stat(2) of
-// the gate's path costs more than the whole decision may, and a setting
-// changed in the app reaches SpringBoard that much later. One caller at a
+// changes. The stamp is looked at when the app says it wrote the gate (a
+// Darwin notification), and otherwise no more than twice a second: a stat(2)
+// of the gate's path costs more than the whole decision may. One caller at a
 // time.
 #pragma once
 
@@ -52,6 +52,7 @@ class SpringBoardGate {
   bool scanned_ = false;
   double lastScan_ = 0;
   bool reportedNone_ = false;
+  std::optional<int> changeWatch_;  // the gate-changed notification's token
 };
 
 }  // namespace notify

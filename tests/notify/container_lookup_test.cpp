@@ -64,6 +64,23 @@ TEST_F(Lookup, TheGateIsReadAgainWhenItChanges) {
       << "looked up once";
 }
 
+// The app says when it wrote the gate: SpringBoard reads it at once, without
+// waiting for its next look at the stamp.
+TEST_F(Lookup, AGateTheAppAnnouncesIsReadAtOnce) {
+  writeGate(0, {"bob"});
+  startSpringBoard();
+  EXPECT_FALSE(post(kHost, "bob"));
+  {
+    sim::Process app(device);
+    core::QBConfig c;
+    c.load();
+    c.addSecretUser("bob");
+    c.setSecretNotifyMode(2);
+    c.save();
+  }
+  EXPECT_TRUE(post(kHost, "bob"));
+}
+
 TEST_F(Lookup, NothingFoundIsLookedForAgainAtMostOnceAMinute) {
   startSpringBoard();
   EXPECT_TRUE(post(kHost, "bob"));

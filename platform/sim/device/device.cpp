@@ -192,6 +192,28 @@ bool Device::restoreBackup() {
   return true;
 }
 
+void Device::postDarwinNotification(const std::string& name) {
+  std::lock_guard lock(logMutex_);
+  ++darwinPosts_[name];
+}
+
+int Device::watchDarwinNotification(const std::string& name) {
+  std::lock_guard lock(logMutex_);
+  darwinWatches_.push_back({name, std::nullopt});
+  return int(darwinWatches_.size()) - 1;
+}
+
+bool Device::darwinNotificationPosted(int token) {
+  std::lock_guard lock(logMutex_);
+  if (token < 0 || std::size_t(token) >= darwinWatches_.size()) return true;
+  DarwinWatch& w = darwinWatches_[std::size_t(token)];
+  auto it = darwinPosts_.find(w.name);
+  std::uint64_t now = it == darwinPosts_.end() ? 0 : it->second;
+  bool posted = !w.seen || *w.seen != now;
+  w.seen = now;
+  return posted;
+}
+
 bool Device::lockedSinceRestart() const {
   std::lock_guard lock(protectionMutex_);
   return lockedSinceRestart_;

@@ -146,6 +146,13 @@ class Device {
     presenter_ = std::move(presenter);
   }
 
+  // --- Darwin notifications: names posted by one process, checked by others.
+  void postDarwinNotification(const std::string& name);
+  // A token for `name`; its first check says posted, as notify_check does.
+  int watchDarwinNotification(const std::string& name);
+  // Whether `name` was posted since this token's last check.
+  bool darwinNotificationPosted(int token);
+
   // --- Data protection. Locked since a restart (`device locked`), no file of
   // the container can be read or written with a protection class, whatever
   // the class; only what was written without protection can be read, until
@@ -198,7 +205,13 @@ class Device {
   std::map<std::string, sys::FileProtection> protection_;
   Notices notices_;
   SystemRecords records_;
-  std::string frontmost_;  // under logMutex_
+  std::string frontmost_;                             // under logMutex_
+  std::map<std::string, std::uint64_t> darwinPosts_;  // under logMutex_
+  struct DarwinWatch {
+    std::string name;
+    std::optional<std::uint64_t> seen;
+  };
+  std::vector<DarwinWatch> darwinWatches_;  // under logMutex_
   std::function<void(const SystemNotification&)> presenter_;
 };
 
