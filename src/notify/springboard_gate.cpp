@@ -92,8 +92,11 @@ SpringBoardGate::Host* SpringBoardGate::gateFor(std::string_view bundleIdentifie
   double now = sys::mediaTime();
   if (!changeWatch_) changeWatch_ = sys::watchDarwinNotification(core::kGateChangedNotification);
   // Checked for every request, whichever bundle: a post is seen once.
-  if (sys::darwinNotificationPosted(*changeWatch_))
+  if (sys::darwinNotificationPosted(*changeWatch_)) {
     for (Host& h : hosts_) h.checkedAt = std::nullopt;
+    // A host's first gate: its container is one to find now.
+    if (hosts_.empty()) scanned_ = false;
+  }
   if (!scanned_ || (hosts_.empty() && now - lastScan_ >= kContainerRescanInterval_s)) scan(now);
   Host* host = find(bundleIdentifier);
   if (!host) return nullptr;
