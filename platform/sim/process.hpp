@@ -12,7 +12,8 @@
 // then fire once. Kinder than a phone: memory pressure never ends a suspended
 // app by itself (only `quit` does), and work run into the process from outside
 // (the panel's setting edits, checks of what its lists answer) is let in while
-// it is suspended.
+// it is suspended; and SpringBoard's process is given the app's Documents
+// folder when asked for one, where a phone would give its own home.
 #pragma once
 
 #include <any>
