@@ -9,6 +9,8 @@
 // mode 1, the decision and the silent copy); the whole call where it is dropped.
 #include <benchmark/benchmark.h>
 
+#include "seconds_per_call.hpp"
+
 #include <chrono>
 
 #include "core/config.hpp"
@@ -64,14 +66,7 @@ Id request(const char* from) {
                       "requestWithIdentifier:content:trigger:", rt::str("r"), content, Id{nullptr});
 }
 
-// Seconds per call of `call`, over a fixed number of calls.
-template <typename F>
-double secondsPerCall(F&& call) {
-  constexpr int kCalls = 20000;
-  auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < kCalls; ++i) call();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / kCalls;
-}
+using qbbench::secondsPerCall;
 
 template <typename Hooked, typename Host>
 void measure(benchmark::State& state, Hooked&& hooked, Host&& host, bool reachesHost = true) {

@@ -9,6 +9,8 @@
 // its path costs about 2 us, paid at most twice a second.
 #include <benchmark/benchmark.h>
 
+#include "seconds_per_call.hpp"
+
 #include <chrono>
 #include <memory>
 
@@ -87,13 +89,7 @@ struct World {
   }
 };
 
-template <typename F>
-double secondsPerCall(F&& call) {
-  constexpr int kCalls = 20000;
-  auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < kCalls; ++i) call();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / kCalls;
-}
+using qbbench::secondsPerCall;
 
 // Arg 0: a non-secret's request; 1: a secret's, mode 0 (dropped); 2: a
 // secret's, mode 1 (silent copy and a vibration).

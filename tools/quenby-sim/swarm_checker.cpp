@@ -197,7 +197,12 @@ std::optional<Breach> Checker::check(const Observation& o) {
     if (auto b = judgeLockScreenAsleep(o, hidden)) return b;
   } else {
     if (auto b = judgeAnnouncements(o, k.hidden)) return b;
-    if (auto b = judgeLockScreen(o, k.hidden)) return b;
+    // Fallen asleep during the step: a sweep under way stops with the app.
+    if (o.asleep) {
+      if (auto b = judgeLockScreenAsleep(o, hiddenAsleep(o))) return b;
+    } else if (auto b = judgeLockScreen(o, k.hidden)) {
+      return b;
+    }
   }
   if (auto b = judgeOutside(o)) return b;
   return judgeFile(o);
