@@ -108,7 +108,9 @@ def repl_on_a_terminal():
     os.write(fd, b"\x1b[A\r")
     transcript += read_until(fd, "\nqb> ")  # not the prompt Up redraws
     os.write(fd, b"expect main bo\t\r")  # completion of a username that is not there
-    transcript += read_until(fd, "qb> ")
+    # The prompt after the line's end: the completion redraws one before it,
+    # and a ^D typed before the REPL reads again would reach a cooked terminal.
+    transcript += read_until(fd, "\nqb> ")
     os.write(fd, b"\x04")
     transcript += read_until(fd, "\n", 5)
     code = exit_code(pid)
