@@ -71,17 +71,10 @@ std::string Session::runState() const {
 }
 
 void Session::voipPush() {
-  if (!process_) {
-    springboard();
-    process_ = std::make_unique<sim::Process>(*device_);
-    violationsSeen_ = 0;
-    launchedOnce_ = true;
-    sim::LaunchHooks hooks = launchHooks(*this);
-    if (options_.withoutLibrary) hooks.libraryEntry = nullptr;
-    process_->launchInBackground(hooks);
-  } else {
+  if (!process_)
+    start(/*inBackground=*/true);
+  else
     process_->wake();
-  }
   settle();
 }
 
@@ -100,14 +93,21 @@ sim::Process& Session::requireProcess(std::string_view command) {
 
 void Session::launch() {
   if (process_) throw ScriptError{"launch: the app is already running"};
+  start(/*inBackground=*/false);
+  settle();
+}
+
+void Session::start(bool inBackground) {
   springboard();
   launchedOnce_ = true;
   process_ = std::make_unique<sim::Process>(*device_);
   violationsSeen_ = 0;
   sim::LaunchHooks hooks = launchHooks(*this);
   if (options_.withoutLibrary) hooks.libraryEntry = nullptr;
-  process_->launch(hooks);
-  settle();
+  if (inBackground)
+    process_->launchInBackground(hooks);
+  else
+    process_->launch(hooks);
 }
 
 void Session::quit() {

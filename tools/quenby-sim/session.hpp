@@ -89,6 +89,10 @@ class Session {
   std::string settingsPath() const;
 
  private:
+  // A new app process with SpringBoard beside it, launched into the
+  // foreground or, as a VoIP push launches it, the background.
+  void start(bool inBackground);
+
   SimOptions options_;
   std::ostream& out_;
   std::unique_ptr<sim::Device> device_;
