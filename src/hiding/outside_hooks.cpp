@@ -13,6 +13,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -49,6 +50,7 @@ struct OutsideState {
   std::vector<ItemFields> indexed;
   std::set<std::string> domains;
   std::unordered_set<std::string> cleanedFor;  // the secret set last cleaned for
+  std::unordered_set<std::string> unknownNames;  // secrets no contact was found for yet
 };
 
 OutsideState& st() { return sys::state<OutsideState>(); }
@@ -147,20 +149,48 @@ void deleteItems(const std::vector<SecretName>& added) {
     rt::send<void>(index, "deleteAllSearchableItemsWithCompletionHandler:", Id{nullptr});
 }
 
+// The names the filters match against, for `secrets`: a name already known
+// is kept; one whose contact the host had not loaded (so only its username)
+// is looked up again. When the set itself changes every name that is only
+// the username is looked up again too, as a contact may have gained a name
+// since; a refresh that only locks or reveals looks up none of those.
+std::vector<SecretName> namesFor(const std::unordered_set<std::string>& secrets,
+                                 const SecretMatcher& current, bool setChanged,
+                                 std::unordered_set<std::string>& unknown) {
+  std::unordered_map<std::string_view, const SecretName*> had;
+  for (const SecretName& n : current.names()) had.emplace(n.username, &n);
+  std::unordered_set<std::string> stillUnknown;
+  std::vector<SecretName> names;
+  names.reserve(secrets.size());
+  for (const std::string& u : secrets) {
+    auto it = had.find(u);
+    bool keep = it != had.end() && !unknown.count(u) &&
+                !(setChanged && it->second->displayName == u);
+    if (keep) {
+      names.push_back(*it->second);
+      continue;
+    }
+    std::optional<std::string> name = host::QBContactInfo::knownDisplayName(u);
+    if (!name) stillUnknown.insert(u);
+    names.push_back({u, name.value_or(u)});
+  }
+  unknown = std::move(stillUnknown);
+  return names;
+}
+
 // On the main thread, after every refresh of the filter: the names the
 // filters match against, and the clean-up for each contact new to the set.
 void secretsRefreshed(const std::unordered_set<std::string>& secrets) {
   OutsideState& s = st();
-  std::vector<SecretName> names, added;
   std::shared_ptr<const SecretMatcher> current = matcher();
-  bool stale = secrets.size() != current->names().size();
+  bool setChanged = secrets.size() != current->names().size();
   for (const SecretName& n : current->names())
-    stale = stale || !secrets.count(n.username) || n.displayName == n.username;
-  if (!stale && secrets == s.cleanedFor) return;
-  for (const std::string& u : secrets) {
-    names.push_back({u, host::QBContactInfo::displayNameForUsername(u)});
-    if (!s.cleanedFor.count(u)) added.push_back(names.back());
-  }
+    setChanged = setChanged || !secrets.count(n.username);
+  if (!setChanged && s.unknownNames.empty() && secrets == s.cleanedFor) return;
+  std::vector<SecretName> names = namesFor(secrets, *current, setChanged, s.unknownNames);
+  std::vector<SecretName> added;
+  for (const SecretName& n : names)
+    if (!s.cleanedFor.count(n.username)) added.push_back(n);
   auto prepared = std::make_shared<const SecretMatcher>(std::move(names));
   {
     std::lock_guard lock(s.mutex);

@@ -67,7 +67,11 @@ RowMapKey mapKey(const RowHook& fetch, Id self, long section, long n) {
   return {&fetch, self, section, n, n, sessionState().rowMapFlushes, filterRevision()};
 }
 
-bool hidesSession(Id session) { return QBSessionHooks::isSecretSession(session); }
+// The filter's test over one walk, each entry class's keys learned once.
+struct HidesSession {
+  host::UsernameReader username;
+  bool operator()(Id session) { return sessionState().filter->hides(username(session)); }
+};
 
 // A row getter over the host's rows: the visible row is mapped onto the
 // host's index through the family's row map over the host's sessions
@@ -87,7 +91,7 @@ Id remappedRow(sys::ExLine exLine, const RowHook& hook, Id self, SEL cmd, Id ind
         if (!fetch.installed()) throw rt::Exception("QBNoFetch", "no session getter");
         long row = rows.hostRow(
             mapKey(fetch, self, section, n), sys::mediaTime(), rt::indexPathRow(indexPath),
-            [&](long i) { return fetchAt(fetch, self, i, section); }, hidesSession);
+            [&](long i) { return fetchAt(fetch, self, i, section); }, HidesSession{});
         if (row < 0) return nullptr;
         return original(rt::indexPath(row, section));
       },
@@ -134,7 +138,7 @@ long filteredSessionCount(sys::ExLine exLine, const CountHook& hook, const RowHo
             n < 1 ? 0
                   : rows.shownCount(
                         mapKey(fetch, self, section, n), now,
-                        [&](long i) { return fetchAt(fetch, self, i, section); }, hidesSession);
+                        [&](long i) { return fetchAt(fetch, self, i, section); }, HidesSession{});
         if (cached) s.cachedSection = section, s.cachedCount = filtered, s.cachedAt = now;
         return filtered;
       },

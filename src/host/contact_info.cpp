@@ -150,12 +150,18 @@ std::string QBContactInfo::displayNameFromContact(rt::Id contact, std::string_vi
 }
 
 std::string QBContactInfo::displayNameForUsername(std::string_view username) {
+  return knownDisplayName(username).value_or(std::string(username));
+}
+
+std::optional<std::string> QBContactInfo::knownDisplayName(std::string_view username) {
   // infoForUsername's names without its avatar, which the caller would throw away.
-  std::string display = guarded(
+  // A lookup that raises has found nothing yet either.
+  std::optional<Names> names = guarded(
       "[QB] contactInfo ex: %@",
-      [&] { return recordNames(contactForUsername(username), username).display; },
-      std::string(username));
-  return display.empty() ? std::string(username) : display;
+      [&] { return std::optional<Names>(recordNames(contactForUsername(username), username)); },
+      std::optional<Names>());
+  if (!names || !names->contact) return std::nullopt;
+  return names->display.empty() ? std::string(username) : names->display;
 }
 
 rt::Id QBContactInfo::asUIImage(rt::Id obj) { return rt::isKindOf(obj, "UIImage") ? obj : nullptr; }

@@ -5,6 +5,7 @@
 // responds-to test; nothing here throws.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,10 @@ struct QBContactInfo {
   static std::string propertyString(rt::Id obj, const std::vector<std::string_view>& names);
   static std::string displayNameFromContact(rt::Id contact, std::string_view username);
   static std::string displayNameForUsername(std::string_view username);
+  // The name to show, or nothing when no record of the username is found
+  // yet (the host has not loaded it): a caller can tell a name that is only
+  // the username for now from one that is the username for good.
+  static std::optional<std::string> knownDisplayName(std::string_view username);
   static rt::Id asUIImage(rt::Id obj);
   static rt::Id avatarForUsername(std::string_view username, rt::Id contact);
   static rt::Id placeholderAvatar(std::string_view text);

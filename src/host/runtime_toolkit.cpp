@@ -41,6 +41,39 @@ std::string usernameAt(rt::Id obj, int depth) {
 
 }  // namespace
 
+UsernameReader::ClassKeys& UsernameReader::keysOf(rt::Class cls) {
+  for (ClassKeys& k : classes_)
+    if (k.cls == cls) return k;
+  std::size_t n = std::size(kUsernameKeys) + std::size(kNestedContactKeys);
+  return classes_.emplace_back(ClassKeys{cls, std::vector<signed char>(n, -1)});
+}
+
+// usernameAt, asking each class only once whether it answers a key.
+std::string UsernameReader::at(rt::Id obj, int depth) {
+  if (!obj || rt::isNull(obj) || depth > kMaxNesting) return "";
+  if (rt::isString(obj)) return rt::asString(obj).value_or("");
+  rt::Class cls = rt::classOf(obj);
+  std::size_t i = 0;
+  auto read = [&](const char* key) -> rt::Id {
+    signed char& finds = keysOf(cls).finds[i++];
+    if (finds < 0) finds = rt::keyValueCodingFindsOn(cls, key) ? 1 : 0;
+    return finds ? rt::valueOfFoundKey(obj, key) : nullptr;
+  };
+  for (const char* key : kUsernameKeys)
+    if (auto s = rt::nonEmptyString(read(key))) return *s;
+  for (const char* key : kNestedContactKeys) {
+    rt::Id nested = read(key);
+    std::string found = at(nested, depth + 1);
+    if (!found.empty()) return found;
+  }
+  return "";
+}
+
+std::string UsernameReader::operator()(rt::Id obj) {
+  return sys::guarded(
+      "[QB][stable] QBRuntime usernameFrom ex: %@", [&] { return at(obj, 0); }, std::string());
+}
+
 void QBRuntime::swizzleInstance(rt::Class cls, rt::SEL original, rt::SEL swizzled) {
   if (!cls || !original || !swizzled) return;
   sys::guarded("[QB][stable] swizzle ex: %@", [&] {

@@ -13,6 +13,24 @@
 
 namespace host {
 
+// QBRuntime::usernameFrom for the many entries of one pass over a host list:
+// which of the username keys each class answers is learned once per class,
+// and only the keys it answers are read. For one pass only: a class that
+// gains an accessor later is seen by the next reader.
+class UsernameReader {
+ public:
+  std::string operator()(rt::Id obj);
+
+ private:
+  struct ClassKeys {
+    rt::Class cls;
+    std::vector<signed char> finds;  // per key: -1 not asked yet, 0 no, 1 yes
+  };
+  ClassKeys& keysOf(rt::Class cls);
+  std::string at(rt::Id obj, int depth);
+  std::vector<ClassKeys> classes_;
+};
+
 struct QBRuntime {
   // Exchanges two instance methods of the class, first making sure the
   // swizzled one exists on the class itself.

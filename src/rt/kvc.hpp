@@ -25,6 +25,12 @@ bool keyValueCodingFinds(Id obj, std::string_view key);
 // raises; the way the system probes host objects key by key.
 Id probeKey(Id obj, std::string_view key);
 
+// keyValueCodingFinds for any object of `cls`, and the value of a key it has
+// found there: probeKey in two steps, for a caller that keeps the first
+// step's answer per class over many objects.
+bool keyValueCodingFindsOn(Class cls, std::string_view key);
+Id valueOfFoundKey(Id obj, std::string_view key);
+
 // probeKey for several keys of one object: whether its class answers keys its
 // own way is asked once, not once per key.
 class KeyProbe {

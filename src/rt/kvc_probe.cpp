@@ -75,11 +75,16 @@ Id valueOrNil(Id obj, std::string_view key) {
 }  // namespace
 
 bool keyValueCodingFinds(Id obj, std::string_view key) {
-  if (!obj || key.empty()) return false;
-  Class cls = classOf(obj);
+  return obj && keyValueCodingFindsOn(classOf(obj), key);
+}
+
+bool keyValueCodingFindsOn(Class cls, std::string_view key) {
+  if (!cls || key.empty()) return false;
   // One that answers keys its own way: only asking tells.
   return answersKeysItsOwnWay(cls) || findsByAccessorOrIvar(cls, key);
 }
+
+Id valueOfFoundKey(Id obj, std::string_view key) { return obj ? valueOrNil(obj, key) : nullptr; }
 
 Id probeKey(Id obj, std::string_view key) {
   return keyValueCodingFinds(obj, key) ? valueOrNil(obj, key) : nullptr;

@@ -267,6 +267,37 @@ TEST_F(Outside, AnItemNamingASecretInOneFieldAloneIsKeptOut) {
   });
 }
 
+// The index filter matches a title by the secret's name as the host shows it:
+// a contact the host had not loaded when it became secret is looked up again
+// at the next refresh, and one that had no name yet at the next change of the
+// set. A refresh that only locks looks up neither again once known.
+TEST_F(Outside, ASecretsNameIsLearnedOnceItsContactIsKnown) {
+  launchWithLibrary();
+  auto keptTitled = [&](const char* title) {
+    bool kept = false;
+    run([&] {
+      Id item = searchableItem("note.x", title, "", {});
+      kept = !rt::elements(hiding::QBOutsideHooks::itemsWithoutSecrets(rt::array({item}))).empty();
+    });
+    return kept;
+  };
+  auto lockOnly = [&] { run([] { hiding::QBSessionHooks::refreshFilterCache(); }); };
+  makeSecret("dave");  // no contact yet
+  EXPECT_TRUE(keptTitled("Dave"));
+  addFriend("dave", "Dave");
+  lockOnly();
+  EXPECT_FALSE(keptTitled("Dave")) << "an unknown contact is looked up again at a refresh";
+
+  addFriend("erin");  // known, but nothing to show but the username
+  makeSecret("erin");
+  host.model.findFriend("erin")->nickname = "Erin";
+  lockOnly();
+  EXPECT_TRUE(keptTitled("Erin")) << "a known contact is not looked up at every refresh";
+  makeSecret("bob");
+  EXPECT_FALSE(keptTitled("Erin")) << "a change of the set looks up the names again";
+  EXPECT_FALSE(keptTitled("Dave"));
+}
+
 // A contact made secret while the library was not running is cleaned at the
 // next start; a damaged record of what was cleaned means everything once.
 TEST_F(Outside, TheNextStartCleansWhatChangedWhileNotRunning) {

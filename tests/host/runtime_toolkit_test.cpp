@@ -169,6 +169,50 @@ TEST_F(Toolkit, UsernameKeysAreTriedInTheirFullOrder) {
             "second");
 }
 
+Id chatTitle(Id, SEL) { return rt::str("from accessor"); }
+Id raisingName(Id, SEL) { rt::raise("NSGenericException", "no name today"); }
+
+// One reader over a pass gives what usernameFrom gives for each entry, for
+// objects of several classes in any order: what one class answers is never
+// taken for another's, and an entry whose key is empty moves on to the next.
+TEST_F(Toolkit, AReaderOverManyEntriesAnswersAsUsernameFrom) {
+  rt::Class session = sim::ClassBuilder("RdrSession")
+                          .ivar("m_nsUsrName", "@")
+                          .ivar("m_nsUserName", "@")
+                          .ivar("m_contact", "@")
+                          .build();
+  rt::Class titled = sim::ClassBuilder("RdrTitled").method("m_nsChatRoomName", chatTitle).build();
+  rt::Class raising = sim::ClassBuilder("RdrRaising").method("username", raisingName).build();
+  auto make = [&](const char* first, const char* second, Id contact) {
+    Id o = rt::send<Id>(session, "new");
+    if (first) rt::setIvarNamed(o, "m_nsUsrName", rt::str(first));
+    if (second) rt::setIvarNamed(o, "m_nsUserName", rt::str(second));
+    if (contact) rt::setIvarNamed(o, "m_contact", contact);
+    return o;
+  };
+  std::vector<Id> entries = {
+      make("alice", nullptr, nullptr),
+      rt::send<Id>(titled, "new"),
+      make(nullptr, "bob", nullptr),
+      make("", "", make("carol", nullptr, nullptr)),
+      messageLike({{"userName", rt::str("dave")}}),
+      rt::str("erin"),
+      rt::send<Id>(raising, "new"),
+      make(nullptr, nullptr, nullptr),
+      rt::null(),
+      make(nullptr, "frank", nullptr),
+  };
+  std::vector<std::string> expected, read;
+  host::UsernameReader reader;
+  for (Id e : entries) {
+    expected.push_back(QBRuntime::usernameFrom(e));
+    read.push_back(reader(e));
+  }
+  EXPECT_EQ(read, expected);
+  EXPECT_EQ(expected, (std::vector<std::string>{"alice", "from accessor", "bob", "carol", "dave",
+                                                "erin", "", "", "", "frank"}));
+}
+
 TEST_F(Toolkit, ContextAndServicesWithTheirFallBacks) {
   Id ctx = QBRuntime::mmContext();
   ASSERT_NE(ctx, nullptr);

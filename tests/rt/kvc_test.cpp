@@ -114,6 +114,30 @@ TEST_F(Kvc, UnknownKeysRaiseNSUnknownKeyException) {
   EXPECT_EQ(rt::valueForKey(nullptr, "anything"), nullptr);
 }
 
+bool never(Id, SEL) { return false; }
+
+// What a read found is remembered per class and key, but a method added to
+// the class or above it afterwards wins at the next read, and a class that
+// stops reading instance variables stops answering from them at once.
+TEST_F(Kvc, AReadFollowsMethodsAddedAfterIt) {
+  rt::Class base = sim::ClassBuilder("KvcBase").build();
+  rt::Class c = sim::ClassBuilder("KvcLater", "KvcBase").ivar("name", "@").build();
+  Id obj = rt::send<Id>(c, "new");
+  rt::setIvarNamed(obj, "name", rt::str("from ivar"));
+  EXPECT_EQ(rt::asString(rt::valueForKey(obj, "name")), "from ivar");
+  EXPECT_EQ(rt::asString(rt::valueForKey(obj, "name")), "from ivar");
+  ASSERT_TRUE(rt::addMethod(base, rt::sel("_name"), underscoreName));
+  EXPECT_EQ(rt::asString(rt::valueForKey(obj, "name")), "from _name");
+  ASSERT_TRUE(rt::addMethod(c, rt::sel("getName"), getName));
+  EXPECT_EQ(rt::asString(rt::valueForKey(obj, "name")), "from get");
+
+  rt::Class d = sim::ClassBuilder("KvcIvarOnly").ivar("name", "@").build();
+  Id other = rt::send<Id>(d, "new");
+  EXPECT_EQ(rt::valueForKey(other, "name"), nullptr);
+  ASSERT_TRUE(rt::addClassMethod(d, rt::sel("accessInstanceVariablesDirectly"), never));
+  EXPECT_THROW(rt::valueForKey(other, "name"), rt::Exception);
+}
+
 TEST_F(Kvc, DictionariesAnswerByKeyAndArraysMapTheirElements) {
   Id d = rt::dictionary({{rt::str("m_nsUsrName"), rt::str("alice")}});
   EXPECT_EQ(rt::asString(rt::valueForKey(d, "m_nsUsrName")), "alice");

@@ -1,7 +1,10 @@
 // NSObject: allocation, identity, introspection and key-value coding. KVC
 // follows Foundation's search order so that host objects answer keys through
 // accessor methods or instance variables exactly as they would on a phone.
+#include <array>
+#include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
 
 #include "rt/kvc_search.hpp"
@@ -185,15 +188,43 @@ bool accessesIvars(Id self) {
   return rt::send<bool>(self->isa, s);
 }
 
+// Foundation keeps the accessor valueForKey: found for a class and key; so
+// does this, per thread, only while the class's method cache has not been
+// flushed since (any method added to it or above it, any implementation
+// changed). Whether the class reads instance variables directly is asked
+// again at every read: its own cache is the metaclass's.
+struct FoundAccessor {
+  rt::Class cls = nullptr;
+  std::uint64_t epoch = 0;
+  std::string key;
+  rt::Method getter = nullptr;  // else the instance variable
+  std::string returns;
+  rt::Ivar ivar = nullptr;
+};
+
+FoundAccessor& accessorSlot(rt::Class cls, const std::string& key) {
+  thread_local std::array<FoundAccessor, 64> slots;
+  std::size_t h = std::hash<std::string>{}(key) ^ (reinterpret_cast<std::uintptr_t>(cls) >> 4);
+  return slots[h % slots.size()];
+}
+
 Id valueForKey(Id self, SEL, Id key) {
   std::string k = keyText(key, "valueForKey:");
+  rt::Class cls = self->isa;
+  std::uint64_t epoch = cls->cacheEpoch.load(std::memory_order_acquire);
+  FoundAccessor& found = accessorSlot(cls, k);
+  if (found.cls == cls && found.epoch == epoch && found.key == k) {
+    if (found.getter) return box(found.returns, self, found.getter);
+    if (!cls->meta && accessesIvars(self)) return boxIvar(self, found.ivar);
+  }
   Runtime& rtm = runtime();
   const rt::KeySearch& search = rt::keySearch(k);
   for (SEL getter : search.getters) {
-    rt::Method m = rtm.lookup(self->isa, getter);
+    rt::Method m = rtm.lookup(cls, getter);
     if (!m) continue;
     Shape shape = shapeOf(*m);
     if (!shape.args.empty()) continue;
+    found = {cls, epoch, k, m, shape.ret, nullptr};
     return box(shape.ret, self, m);
   }
   // The ordered to-many pattern: Foundation answers with a proxy array; a
@@ -207,9 +238,12 @@ Id valueForKey(Id self, SEL, Id key) {
       items.push_back(rt::call<Id>(objectAt->imp, self, objectAt->name, i));
     return rt::array(items);
   }
-  if (!self->isa->meta && accessesIvars(self)) {
+  if (!cls->meta && accessesIvars(self)) {
     for (const std::string& name : search.ivars)
-      if (rt::Ivar iv = rtm.findIvar(self->isa, name)) return boxIvar(self, iv);
+      if (rt::Ivar iv = rtm.findIvar(cls, name)) {
+        found = {cls, epoch, k, nullptr, "", iv};
+        return boxIvar(self, iv);
+      }
   }
   return rt::send<Id>(self, "valueForUndefinedKey:", key);
 }
