@@ -8,6 +8,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/runtime/class_builder.hpp"
+#include "sim/runtime/runtime.hpp"
 #include "sim/frameworks/uikit/uikit.hpp"
 #include "support/host_world.hpp"
 
@@ -203,12 +204,13 @@ TEST_F(Toolkit, AReaderOverManyEntriesAnswersAsUsernameFrom) {
       make(nullptr, "frank", nullptr),
   };
   std::vector<std::string> expected, read;
+  for (Id e : entries) expected.push_back(QBRuntime::usernameFrom(e));
+  std::uint64_t unknownKeysBefore = sim::raisedCount("NSUnknownKeyException");
   host::UsernameReader reader;
-  for (Id e : entries) {
-    expected.push_back(QBRuntime::usernameFrom(e));
-    read.push_back(reader(e));
-  }
+  for (Id e : entries) read.push_back(reader(e));
   EXPECT_EQ(read, expected);
+  EXPECT_EQ(sim::raisedCount("NSUnknownKeyException"), unknownKeysBefore)
+      << "a key a class does not have is never asked for";
   EXPECT_EQ(expected, (std::vector<std::string>{"alice", "from accessor", "bob", "carol", "dave",
                                                 "erin", "", "", "", "frank"}));
 }

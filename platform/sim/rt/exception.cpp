@@ -1,5 +1,7 @@
 // Describing a caught exception the way "%@" prints an NSException.
 #include <exception>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include "rt/exception.hpp"
@@ -25,9 +27,16 @@ std::pair<std::string, std::string> current() {
   }
 }
 
+std::mutex raisedMutex;
+std::map<std::string, std::uint64_t, std::less<>> raised;
+
 }  // namespace
 
 void raise(std::string name, std::string reason) {
+  {
+    std::lock_guard lock(raisedMutex);
+    ++raised[name];
+  }
   throw Exception(std::move(name), std::move(reason));
 }
 
@@ -53,3 +62,13 @@ void reportInternalFailure(const std::string& what) {
 }
 
 }  // namespace rt
+
+namespace sim {
+
+std::uint64_t raisedCount(std::string_view name) {
+  std::lock_guard lock(rt::raisedMutex);
+  auto it = rt::raised.find(name);
+  return it == rt::raised.end() ? 0 : it->second;
+}
+
+}  // namespace sim

@@ -122,4 +122,8 @@ T* native(rt::Id obj) {
   return obj ? std::any_cast<T>(&obj->native) : nullptr;
 }
 
+// How many exceptions named `name` were raised in the program so far, from
+// any thread: what a crash reporter would have seen go by.
+std::uint64_t raisedCount(std::string_view name);
+
 }  // namespace sim
