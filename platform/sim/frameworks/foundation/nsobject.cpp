@@ -214,8 +214,11 @@ Id valueForKey(Id self, SEL, Id key) {
   std::uint64_t epoch = cls->cacheEpoch.load(std::memory_order_acquire);
   FoundAccessor& found = accessorSlot(cls, k);
   if (found.cls == cls && found.epoch == epoch && found.key == k) {
-    if (found.getter) return box(found.returns, self, found.getter);
-    if (!cls->meta && accessesIvars(self)) return boxIvar(self, found.ivar);
+    // Copied out first: the accessor may read keys itself and reuse the slot.
+    rt::Method getter = found.getter;
+    rt::Ivar ivar = found.ivar;
+    if (getter) return box(std::string(found.returns), self, getter);
+    if (!cls->meta && accessesIvars(self)) return boxIvar(self, ivar);
   }
   Runtime& rtm = runtime();
   const rt::KeySearch& search = rt::keySearch(k);
