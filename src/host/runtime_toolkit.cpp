@@ -45,7 +45,7 @@ UsernameReader::ClassKeys& UsernameReader::keysOf(rt::Class cls) {
   for (ClassKeys& k : classes_)
     if (k.cls == cls) return k;
   std::size_t n = std::size(kUsernameKeys) + std::size(kNestedContactKeys);
-  return classes_.emplace_back(ClassKeys{cls, std::vector<signed char>(n, -1)});
+  return classes_.emplace_back(ClassKeys{cls, std::vector<std::optional<rt::KeyRead>>(n)});
 }
 
 // usernameAt, asking each class only once whether it answers a key.
@@ -55,9 +55,9 @@ std::string UsernameReader::at(rt::Id obj, int depth) {
   rt::Class cls = rt::classOf(obj);
   std::size_t i = 0;
   auto read = [&](const char* key) -> rt::Id {
-    signed char& finds = keysOf(cls).finds[i++];
-    if (finds < 0) finds = rt::keyValueCodingFindsOn(cls, key) ? 1 : 0;
-    return finds ? rt::valueOfFoundKey(obj, key) : nullptr;
+    std::optional<rt::KeyRead>& how = keysOf(cls).reads[i++];
+    if (!how) how = rt::keyReadOn(cls, key);
+    return rt::readKey(obj, key, *how);
   };
   for (const char* key : kUsernameKeys)
     if (auto s = rt::nonEmptyString(read(key))) return *s;

@@ -5,10 +5,12 @@
 // here lets an exception escape, and failures become "nothing" results.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "rt/kvc.hpp"
 #include "rt/types.hpp"
 
 namespace host {
@@ -24,7 +26,7 @@ class UsernameReader {
  private:
   struct ClassKeys {
     rt::Class cls;
-    std::vector<signed char> finds;  // per key: -1 not asked yet, 0 no, 1 yes
+    std::vector<std::optional<rt::KeyRead>> reads;  // per key, once asked
   };
   ClassKeys& keysOf(rt::Class cls);
   std::string at(rt::Id obj, int depth);

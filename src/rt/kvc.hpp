@@ -25,11 +25,19 @@ bool keyValueCodingFinds(Id obj, std::string_view key);
 // raises; the way the system probes host objects key by key.
 Id probeKey(Id obj, std::string_view key);
 
-// keyValueCodingFinds for any object of `cls`, and the value of a key it has
-// found there: probeKey in two steps, for a caller that keeps the first
-// step's answer per class over many objects.
-bool keyValueCodingFindsOn(Class cls, std::string_view key);
-Id valueOfFoundKey(Id obj, std::string_view key);
+// How valueForKey: answers a key for every object of one class, found once
+// for a caller that reads the key of many objects: not at all (`None`), by
+// an object instance variable and nothing before it in Foundation's search
+// (`Ivar`, read straight from the object as Foundation's own cached getter
+// does), or only by asking (`Ask`: accessors, scalars, classes that answer
+// keys their own way).
+struct KeyRead {
+  enum class Kind { None, Ivar, Ask } kind = Kind::None;
+  Ivar ivar = nullptr;
+};
+KeyRead keyReadOn(Class cls, std::string_view key);
+// probeKey for an object of the class `how` was found on.
+Id readKey(Id obj, std::string_view key, const KeyRead& how);
 
 // probeKey for several keys of one object: whether its class answers keys its
 // own way is asked once, not once per key.

@@ -75,16 +75,41 @@ Id valueOrNil(Id obj, std::string_view key) {
 }  // namespace
 
 bool keyValueCodingFinds(Id obj, std::string_view key) {
-  return obj && keyValueCodingFindsOn(classOf(obj), key);
-}
-
-bool keyValueCodingFindsOn(Class cls, std::string_view key) {
-  if (!cls || key.empty()) return false;
+  if (!obj || key.empty()) return false;
+  Class cls = classOf(obj);
   // One that answers keys its own way: only asking tells.
   return answersKeysItsOwnWay(cls) || findsByAccessorOrIvar(cls, key);
 }
 
-Id valueOfFoundKey(Id obj, std::string_view key) { return obj ? valueOrNil(obj, key) : nullptr; }
+KeyRead keyReadOn(Class cls, std::string_view key) {
+  using Kind = KeyRead::Kind;
+  if (!cls || key.empty()) return {};
+  if (answersKeysItsOwnWay(cls)) return {Kind::Ask};
+  const KeySearch& p = keySearch(key);
+  for (SEL s : p.getters)
+    if (getInstanceMethod(cls, s)) return {Kind::Ask};
+  if (hasCollectionAccessors(cls, p)) return {Kind::Ask};
+  if (isMetaclass(cls) || !accessesInstanceVariables(cls)) return {};
+  for (const std::string& name : p.ivars)
+    if (Ivar iv = getInstanceVariable(cls, name)) {
+      const char* type = ivarTypeEncoding(iv);
+      return type && type[0] == '@' ? KeyRead{Kind::Ivar, iv} : KeyRead{Kind::Ask};
+    }
+  return {};
+}
+
+Id readKey(Id obj, std::string_view key, const KeyRead& how) {
+  if (!obj) return nullptr;
+  switch (how.kind) {
+    case KeyRead::Kind::Ivar:
+      return ivarObject(obj, how.ivar);
+    case KeyRead::Kind::Ask:
+      return valueOrNil(obj, key);
+    case KeyRead::Kind::None:
+      break;
+  }
+  return nullptr;
+}
 
 Id probeKey(Id obj, std::string_view key) {
   return keyValueCodingFinds(obj, key) ? valueOrNil(obj, key) : nullptr;

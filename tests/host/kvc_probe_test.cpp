@@ -84,6 +84,9 @@ class KvcProbe : public qbtest::HostWorld {
     for (const std::string& key : keys) {
       Id fast = rt::probeKey(obj, key);
       EXPECT_TRUE(sameAnswer(probe(key), fast)) << rt::className(obj) << " ." << key;
+      // The class's way of answering, found once, reads the same value.
+      rt::KeyRead how = rt::keyReadOn(rt::classOf(obj), key);
+      EXPECT_TRUE(sameAnswer(rt::readKey(obj, key, how), fast)) << rt::className(obj) << " ." << key;
       bool found = false;
       Id plain = reference(obj, key, found);
       // Not finding a key must be known without asking (asking raises).

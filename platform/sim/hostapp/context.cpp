@@ -1,5 +1,7 @@
 // The host's user context and service registry: MMContext, MMContextManager
 // and MMServiceCenter. Services are made on first request, one per class.
+#include <array>
+#include <cstdint>
 #include <map>
 
 #include "sim/hostapp/host_app.hpp"
@@ -20,7 +22,10 @@ struct ServiceCenterState {
 };
 
 Id singleton(const char* cls) {
-  Id& slot = sim::runtime().singleton(std::string("hostapp.") + cls);
+  // Asked on every read of a host list: the key is built without allocating.
+  thread_local std::string key;
+  key.assign("hostapp.").append(cls);
+  Id& slot = sim::runtime().singleton(key);
   if (!slot) {
     rt::Class c = rt::getClass(cls);
     if (c) slot = rt::send<Id>(rt::send<Id>(c, "alloc"), "init");
@@ -44,9 +49,23 @@ Id getService(Id self, SEL, rt::Class cls) {
 }  // namespace
 
 Id hostService(const char* cls) {
+  // A service lives as long as its process, and the host's lists ask for
+  // theirs on every row: each thread keeps the last few it found, by the
+  // address of the class name each caller spells as a literal.
+  struct Found {
+    std::uint64_t generation = 0;
+    const char* cls = nullptr;
+    Id service = nullptr;
+  };
+  thread_local std::array<Found, 16> found;
+  std::uint64_t generation = sim::runtime().generation();
+  Found& f = found[(reinterpret_cast<std::uintptr_t>(cls) >> 3) % found.size()];
+  if (f.generation == generation && f.cls == cls) return f.service;
   rt::Class c = rt::getClass(cls);
   Id center = singleton("MMServiceCenter");
-  return c && center ? getService(center, nullptr, c) : nullptr;
+  Id service = c && center ? getService(center, nullptr, c) : nullptr;
+  if (service) f = {generation, cls, service};
+  return service;
 }
 
 void defineContextClasses(HostApp& app) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <unordered_map>
 #include <vector>
@@ -78,7 +79,13 @@ struct HostBuild {
 
   bool lacksClass(const std::string& cls) const { return lackingClasses.count(cls) != 0; }
   bool lacksMethod(const std::string& cls, const std::string& sel) const;
-  bool hasVariant(const std::string& name) const { return variants.count(name) != 0; }
+  // Asked on every call of some host methods: compared in place, the set
+  // being a handful at most, so that no key is built for the look-up.
+  bool hasVariant(std::string_view name) const {
+    for (const std::string& v : variants)
+      if (v == name) return true;
+    return false;
+  }
 };
 
 // Every build variant the host knows, by name.
@@ -99,6 +106,7 @@ void withHostInteger(const HostBuild& build, F&& f) {
 
 // The host's own way to its services: straight to the registry, not through
 // getService:, so a fault injected there hits only the library's calls.
+// `cls` a literal: its address names it.
 rt::Id hostService(const char* cls);
 // The contact manager's record of a username (a fresh record when the build
 // has no manager).

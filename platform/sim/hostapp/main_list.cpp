@@ -61,8 +61,12 @@ const std::vector<Id>& mainSessionList() {
     list = rt::array(all);
     return sim::native<sim::ArrayData>(list)->items;
   }
-  if (!rt::ivarNamed(mgr, "m_arrNormalSessions")) rebuildSessions(mgr);
-  return sim::native<sim::ArrayData>(rt::ivarNamed(mgr, "m_arrNormalSessions"))->items;
+  Id list = rt::ivarNamed(mgr, "m_arrNormalSessions");
+  if (!list) {
+    rebuildSessions(mgr);
+    list = rt::ivarNamed(mgr, "m_arrNormalSessions");
+  }
+  return sim::native<sim::ArrayData>(list)->items;
 }
 
 void rebuildMainSessions(Id self, SEL) { rebuildSessions(self); }
@@ -87,10 +91,13 @@ Id newSessionMgrInit(Id self, SEL) {
 // --- The rows of the main list's single section, as both the logic
 // controller and the view controller read them.
 long sessionCount(long section) { return section == 0 ? long(mainSessionList().size()) : 0; }
+// The path's row and section as -row and -section answer them, read in place:
+// a getter the host's list calls for every row stays as cheap as the host's.
 Id sessionAt(Id indexPath) {
-  if (!rt::isIndexPath(indexPath) || rt::indexPathSection(indexPath) != 0) return nullptr;
+  const auto* path = sim::native<sim::IndexPathData>(indexPath);
+  if (!path || path->section != 0) return nullptr;
   const std::vector<Id>& list = mainSessionList();
-  long row = rt::indexPathRow(indexPath);
+  long row = path->row;
   return row >= 0 && row < long(list.size()) ? list[std::size_t(row)] : nullptr;
 }
 Id cellDataAt(Id indexPath) {

@@ -29,10 +29,19 @@ class ObjectHeap {
   std::vector<rt::Id> live() const;
 
   rt::Id internedString(std::string_view utf8, const std::function<rt::Id()>& make);
+  // Never the same for two heaps of the program, live or gone.
+  std::uint64_t generation() const { return generation_; }
   rt::Id& nullObject() { return null_; }
   rt::Id& boolObject(bool b) { return b ? yes_ : no_; }
   std::unordered_map<long, rt::Id>& smallIntegers() { return smallIntegers_; }
-  std::map<std::pair<long, long>, rt::Id>& indexPaths() { return indexPaths_; }
+  // Keyed by (row, section); a hash, as a list walks thousands of rows.
+  struct PathKeyHash {
+    std::size_t operator()(const std::pair<long, long>& k) const {
+      return std::hash<long>{}(k.first * 1000003L ^ k.second);
+    }
+  };
+  using IndexPathTable = std::unordered_map<std::pair<long, long>, rt::Id, PathKeyHash>;
+  IndexPathTable& indexPaths() { return indexPaths_; }
   rt::Id& singleton(const std::string& name) { return singletons_[name]; }
   std::vector<rt::Id> singletons() const {
     std::vector<rt::Id> out;
@@ -52,8 +61,8 @@ class ObjectHeap {
   StringMap<rt::Id> strings_;  // never erased: the cache points at its keys
   rt::Id null_ = nullptr, yes_ = nullptr, no_ = nullptr;
   std::unordered_map<long, rt::Id> smallIntegers_;
-  std::map<std::pair<long, long>, rt::Id> indexPaths_;
-  std::map<std::string, rt::Id> singletons_;
+  IndexPathTable indexPaths_;
+  std::unordered_map<std::string, rt::Id> singletons_;  // references stay valid as it grows
 };
 
 }  // namespace sim

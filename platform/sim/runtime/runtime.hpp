@@ -92,7 +92,9 @@ class Runtime {
   rt::Id& nullObject() { return heap_.nullObject(); }
   rt::Id& boolObject(bool b) { return heap_.boolObject(b); }
   std::unordered_map<long, rt::Id>& smallIntegers() { return heap_.smallIntegers(); }
-  std::map<std::pair<long, long>, rt::Id>& indexPaths() { return heap_.indexPaths(); }
+  ObjectHeap::IndexPathTable& indexPaths() { return heap_.indexPaths(); }
+  // Tells this runtime from every other of the program, live or gone.
+  std::uint64_t generation() const { return heap_.generation(); }
   // Per-process singletons of the simulated frameworks ([UIApplication
   // sharedApplication], …), by name.
   rt::Id& singleton(const std::string& name) { return heap_.singleton(name); }
