@@ -28,11 +28,11 @@ Id probeKey(Id obj, std::string_view key);
 // How valueForKey: answers a key for every object of one class, found once
 // for a caller that reads the key of many objects: not at all (`None`), by
 // an object instance variable and nothing before it in Foundation's search
-// (`Ivar`, read straight from the object as Foundation's own cached getter
-// does), or only by asking (`Ask`: accessors, scalars, classes that answer
-// keys their own way).
+// (`InstanceVariable`, read straight from the object as Foundation's own
+// cached getter does), or only by asking (`Ask`: accessors, scalars, classes
+// that answer keys their own way).
 struct KeyRead {
-  enum class Kind { None, Ivar, Ask } kind = Kind::None;
+  enum class Kind { None, InstanceVariable, Ask } kind = Kind::None;
   Ivar ivar = nullptr;
 };
 KeyRead keyReadOn(Class cls, std::string_view key);

@@ -93,7 +93,8 @@ KeyRead keyReadOn(Class cls, std::string_view key) {
   for (const std::string& name : p.ivars)
     if (Ivar iv = getInstanceVariable(cls, name)) {
       const char* type = ivarTypeEncoding(iv);
-      return type && type[0] == '@' ? KeyRead{Kind::Ivar, iv} : KeyRead{Kind::Ask};
+      if (type && type[0] == '@') return {Kind::InstanceVariable, iv};
+      return {Kind::Ask};
     }
   return {};
 }
@@ -101,7 +102,7 @@ KeyRead keyReadOn(Class cls, std::string_view key) {
 Id readKey(Id obj, std::string_view key, const KeyRead& how) {
   if (!obj) return nullptr;
   switch (how.kind) {
-    case KeyRead::Kind::Ivar:
+    case KeyRead::Kind::InstanceVariable:
       return ivarObject(obj, how.ivar);
     case KeyRead::Kind::Ask:
       return valueOrNil(obj, key);
