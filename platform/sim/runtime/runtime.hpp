@@ -14,7 +14,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <typeinfo>
 #include <vector>
 
 #include "sim/runtime/class_table.hpp"
@@ -120,14 +119,9 @@ class Runtime {
 Runtime& runtime();
 
 // The C++ state stored behind an object, or null when it holds another type.
-// The simulator's state types are each defined once in the program, so the
-// address of a type's type_info tells it: a mismatch, the common answer to
-// "is this a string?", costs no comparison of type names as std::any's own
-// check would make.
 template <typename T>
 T* native(rt::Id obj) {
-  if (!obj || &obj->native.type() != &typeid(T)) return nullptr;
-  return std::any_cast<T>(&obj->native);
+  return obj ? std::any_cast<T>(&obj->native) : nullptr;
 }
 
 // How many exceptions named `name` were raised in the program so far, from
