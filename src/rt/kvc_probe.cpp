@@ -49,16 +49,26 @@ bool answersKeysItsOwnWay(Class cls) {
   return !sameAsRoot(cls, root, valueForKeySel) || !sameAsRoot(cls, root, undefinedKeySel);
 }
 
-// keyValueCodingFinds once the class is known not to answer keys its own way.
-bool findsByAccessorOrIvar(Class cls, std::string_view key) {
+// How valueForKey: finds the key on a class known not to answer keys its own
+// way: Foundation's search, stopped at the first thing it would use.
+KeyRead standardRead(Class cls, std::string_view key) {
+  using Kind = KeyRead::Kind;
   const KeySearch& p = keySearch(key);
   for (SEL s : p.getters)
-    if (getInstanceMethod(cls, s)) return true;
-  if (hasCollectionAccessors(cls, p)) return true;
-  if (isMetaclass(cls) || !accessesInstanceVariables(cls)) return false;
+    if (getInstanceMethod(cls, s)) return {Kind::Ask};
+  if (hasCollectionAccessors(cls, p)) return {Kind::Ask};
+  if (isMetaclass(cls) || !accessesInstanceVariables(cls)) return {};
   for (const std::string& name : p.ivars)
-    if (getInstanceVariable(cls, name)) return true;
-  return false;
+    if (Ivar iv = getInstanceVariable(cls, name)) {
+      const char* type = ivarTypeEncoding(iv);
+      if (type && type[0] == '@') return {Kind::InstanceVariable, iv};
+      return {Kind::Ask};
+    }
+  return {};
+}
+
+bool findsByAccessorOrIvar(Class cls, std::string_view key) {
+  return standardRead(cls, key).kind != KeyRead::Kind::None;
 }
 
 Id valueOrNil(Id obj, std::string_view key) {
@@ -82,21 +92,9 @@ bool keyValueCodingFinds(Id obj, std::string_view key) {
 }
 
 KeyRead keyReadOn(Class cls, std::string_view key) {
-  using Kind = KeyRead::Kind;
   if (!cls || key.empty()) return {};
-  if (answersKeysItsOwnWay(cls)) return {Kind::Ask};
-  const KeySearch& p = keySearch(key);
-  for (SEL s : p.getters)
-    if (getInstanceMethod(cls, s)) return {Kind::Ask};
-  if (hasCollectionAccessors(cls, p)) return {Kind::Ask};
-  if (isMetaclass(cls) || !accessesInstanceVariables(cls)) return {};
-  for (const std::string& name : p.ivars)
-    if (Ivar iv = getInstanceVariable(cls, name)) {
-      const char* type = ivarTypeEncoding(iv);
-      if (type && type[0] == '@') return {Kind::InstanceVariable, iv};
-      return {Kind::Ask};
-    }
-  return {};
+  if (answersKeysItsOwnWay(cls)) return {KeyRead::Kind::Ask};
+  return standardRead(cls, key);
 }
 
 Id readKey(Id obj, std::string_view key, const KeyRead& how) {
