@@ -4,6 +4,7 @@
 #include <elf.h>
 #include <execinfo.h>
 #include <link.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -128,10 +129,67 @@ const void* decidingFrame(const AllocSite& site, Layer& layer) {
   return nullptr;
 }
 
+struct Range {
+  std::uintptr_t begin = 0, end = 0;
+  bool holds(std::uintptr_t a) const { return a >= begin && a < end; }
+};
+
+int mainText(dl_phdr_info* info, std::size_t, void* out) {
+  auto* text = static_cast<Range*>(out);
+  for (int i = 0; i < info->dlpi_phnum; ++i) {
+    const ElfW(Phdr)& ph = info->dlpi_phdr[i];
+    if (ph.p_type == PT_LOAD && (ph.p_flags & PF_X))
+      *text = {info->dlpi_addr + ph.p_vaddr, info->dlpi_addr + ph.p_vaddr + ph.p_memsz};
+  }
+  return 1;
+}
+
+Range thisThreadsStack() {
+  Range stack;
+  pthread_attr_t attr;
+  if (pthread_getattr_np(pthread_self(), &attr) != 0) return stack;
+  void* low = nullptr;
+  std::size_t size = 0;
+  if (pthread_attr_getstack(&attr, &low, &size) == 0)
+    stack = {reinterpret_cast<std::uintptr_t>(low), reinterpret_cast<std::uintptr_t>(low) + size};
+  pthread_attr_destroy(&attr);
+  return stack;
+}
+
+// The executable is built keeping frame pointers, as arm64 code always is,
+// so its own frames chain through them: a walk that costs a few loads a
+// frame where the unwinder's costs a table search. Only a walk that fills
+// the site from the executable's own frames counts; anything shorter (a
+// thread begun by the C++ library, a frame from a shared library) is left
+// to the unwinder.
+bool walkFramePointers(AllocSite& site, void* from) {
+  static const Range text = [] {
+    Range r;
+    dl_iterate_phdr(mainText, &r);
+    return r;
+  }();
+  thread_local const Range stack = thisThreadsStack();
+  auto* fp = static_cast<std::uintptr_t*>(from);
+  for (std::size_t i = 0; i < site.size(); ++i) {
+    auto at = reinterpret_cast<std::uintptr_t>(fp);
+    if (at % alignof(std::uintptr_t) != 0 || !stack.holds(at) || !stack.holds(at + 15))
+      return false;
+    std::uintptr_t ret = fp[1];
+    if (!text.holds(ret)) return false;
+    site[i] = reinterpret_cast<void*>(ret);
+    auto* next = reinterpret_cast<std::uintptr_t*>(fp[0]);
+    if (next <= fp) return i + 1 == site.size();
+    fp = next;
+  }
+  return true;
+}
+
 }  // namespace
 
-void captureAllocSite(AllocSite& site) {
+// Not inlined, so that its own frame is the one the walk begins at.
+[[gnu::noinline]] void captureAllocSite(AllocSite& site) {
   site.fill(nullptr);
+  if (walkFramePointers(site, __builtin_frame_address(0))) return;
   void* frames[site.size() + 1];
   int n = backtrace(frames, int(site.size() + 1));
   // frames[0] is this function.
