@@ -10,18 +10,25 @@
 #include "sys/notifications.hpp"
 
 namespace sim {
+namespace detail {
+
+std::atomic<Process*> gCurrent{nullptr};
+constinit thread_local Process* tEntered = nullptr;
+
+void noCurrentProcess() {
+  std::fprintf(stderr, "quenby: the runtime was used with no simulated process running\n");
+  std::abort();
+}
+
+}  // namespace detail
 namespace {
 
-// The one process the facades act on, as a real library has exactly one.
-// Atomic because the host calls some hooks from its other threads, which read
-// it while the main thread owns the process.
-std::atomic<Process*> gCurrent{nullptr};
+using detail::gCurrent;
+using detail::tEntered;
 // Every process alive, oldest first: when the current one ends, the newest
 // left takes its place.
 std::mutex gLiveMutex;
 std::vector<Process*> gLive;
-// A thread inside another process (InProcess).
-thread_local Process* tEntered = nullptr;
 
 }  // namespace
 
@@ -38,17 +45,6 @@ const char* appStateName(AppState s) {
   }
   return "?";
 }
-
-Process& currentProcess() {
-  Process* current = tEntered ? tEntered : gCurrent.load(std::memory_order_acquire);
-  if (!current) {
-    std::fprintf(stderr, "quenby: the runtime was used with no simulated process running\n");
-    std::abort();
-  }
-  return *current;
-}
-
-bool hasCurrentProcess() { return tEntered || gCurrent.load(std::memory_order_acquire) != nullptr; }
 
 InProcess::InProcess(Process& process) : saved_(tEntered) { tEntered = &process; }
 InProcess::~InProcess() { tEntered = saved_; }
@@ -276,9 +272,7 @@ void advanceProcesses(const std::vector<Process*>& processes, double until) {
     if (p) p->runUntil(until);
 }
 
-void* Process::stateSlot(std::shared_ptr<void> (*make)()) {
-  // Read on every hooked call: once made, without the lock.
-  if (void* made = statePublished_.load(std::memory_order_acquire)) return made;
+void* Process::makeStateSlot(std::shared_ptr<void> (*make)()) {
   std::lock_guard lock(stateMutex_);
   if (!state_ptr_) state_ptr_ = make();
   statePublished_.store(state_ptr_.get(), std::memory_order_release);

@@ -159,9 +159,14 @@ class Process {
   // The simulated host app running in this process (owned elsewhere).
   void setHostApp(void* host) { hostApp_ = host; }
   void* hostApp() const { return hostApp_; }
-  void* stateSlot(std::shared_ptr<void> (*make)());
+  // Read on every hooked call: once made, without the lock.
+  void* stateSlot(std::shared_ptr<void> (*make)()) {
+    if (void* made = statePublished_.load(std::memory_order_acquire)) return made;
+    return makeStateSlot(make);
+  }
 
  private:
+  void* makeStateSlot(std::shared_ptr<void> (*make)());
   void setState(AppState state);
   void resume();
 
@@ -209,8 +214,26 @@ void advanceProcesses(const std::vector<Process*>& processes, double until);
 // knowing them.
 void registerFrameworks(Runtime& rtm);
 
-// The current process; aborts when there is none.
-Process& currentProcess();
-bool hasCurrentProcess();
+namespace detail {
+// The one process the facades act on, as a real library has exactly one.
+// Atomic because the host calls some hooks from its other threads, which read
+// it while the main thread owns the process.
+extern std::atomic<Process*> gCurrent;
+// A thread inside another process (InProcess).
+extern constinit thread_local Process* tEntered;
+[[noreturn]] void noCurrentProcess();
+}  // namespace detail
+
+// The current process; aborts when there is none. Inline: every message and
+// every hook asks.
+inline Process& currentProcess() {
+  Process* current =
+      detail::tEntered ? detail::tEntered : detail::gCurrent.load(std::memory_order_acquire);
+  if (!current) detail::noCurrentProcess();
+  return *current;
+}
+inline bool hasCurrentProcess() {
+  return detail::tEntered || detail::gCurrent.load(std::memory_order_acquire) != nullptr;
+}
 
 }  // namespace sim
