@@ -45,13 +45,13 @@ bool anyKeyReadsAsVideo(rt::Id obj, std::initializer_list<const char*> keys) {
   return false;
 }
 
-constexpr const char* kTextKeys[] = {"m_nsContent", "content", "title", "body", "m_nsTitle"};
+constexpr std::string_view kTextKeys[] = {"m_nsContent", "content", "title", "body", "m_nsTitle"};
 
 // Whether one of the message's texts holds `word`, folded or not. Texts are
 // searched one by one: no word spans two.
 bool textsHold(rt::Id m, std::string_view word, bool folded) {
   rt::KeyProbe probe(m);
-  for (const char* key : kTextKeys)
+  for (std::string_view key : kTextKeys)
     if (auto s = rt::nonEmptyString(probe(key)))
       if (folded ? containsFolded(*s, word) : contains(*s, word)) return true;
   return false;
@@ -81,24 +81,35 @@ bool callKindBlocks(const std::string& caller, bool video) {
   return video ? !videoOn : !voice;
 }
 
-bool isCallMessage(rt::Id m) {
-  if (!m || rt::isNull(m)) return false;
-  rt::KeyProbe probe(m);
-  for (const char* key : {"m_uiMessageType", "msgType", "messageType"}) {
+namespace {
+
+constexpr std::string_view kMessageTypeKeys[] = {"m_uiMessageType", "msgType", "messageType"};
+
+// One probe serves both tests: every message that could announce a call asks them.
+bool isCallMessage(const rt::KeyProbe& probe) {
+  for (std::string_view key : kMessageTypeKeys) {
     rt::Id v = probe(key);
     if (v && rt::answersIntegerValue(v) && rt::integerValue(v) == kCallMessageType) return true;
   }
   return false;
 }
 
-bool textReadsLikeCall(rt::Id m) {
-  rt::KeyProbe probe(m);
-  for (const char* key : kTextKeys)
+bool textReadsLikeCall(const rt::KeyProbe& probe) {
+  for (std::string_view key : kTextKeys)
     if (auto s = rt::nonEmptyString(probe(key)))
-      for (const char* word : kCallWords)
+      for (std::string_view word : kCallWords)
         if (containsFolded(*s, word)) return true;
   return false;
 }
+
+}  // namespace
+
+bool isCallMessage(rt::Id m) {
+  if (!m || rt::isNull(m)) return false;
+  return isCallMessage(rt::KeyProbe(m));
+}
+
+bool textReadsLikeCall(rt::Id m) { return textReadsLikeCall(rt::KeyProbe(m)); }
 
 bool isVideoCall(rt::Id m) {
   if (!m || rt::isNull(m)) return false;
@@ -128,7 +139,8 @@ bool isOutgoingCall(rt::Id m) {
 // follow the switches even while revealed.
 bool callLeftover(rt::Id m) {
   if (!m || rt::isNull(m)) return false;
-  if (!isCallMessage(m) && !textReadsLikeCall(m)) return false;
+  rt::KeyProbe probe(m);
+  if (!isCallMessage(probe) && !textReadsLikeCall(probe)) return false;
   return callKindBlocks(messageSender(m), isVideoCall(m));
 }
 
@@ -169,7 +181,7 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
   // info's description last and only when still needed.
   auto readsLikeCall = [](std::string_view t) {
     if (containsFolded(t, "voip") || containsFolded(t, "call")) return true;
-    for (const char* word : kNotificationCallWords)
+    for (std::string_view word : kNotificationCallWords)
       if (contains(t, word)) return true;
     return false;
   };

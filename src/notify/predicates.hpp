@@ -6,6 +6,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "rt/types.hpp"
 
@@ -49,12 +50,13 @@ bool partsNameSecret(rt::Id userInfo, const std::string& threadIdentifier);
 void vibrate();
 
 inline constexpr long kCallMessageType = 50;
-inline constexpr const char* kCallWords[] = {
+// Views, not C strings: every message scans its texts for all of them.
+inline constexpr std::string_view kCallWords[] = {
     "未接",       "已取消",        "忙线",          "对方无应答", "通话时长",
     "语音通话",   "视频通话",      "邀请你语音",    "邀请你视频", "通话中断",
     "已拒绝",     "对方已取消",    "通话已取消",    "已挂断",     "取消了语音",
     "取消了视频", "voipinvitemsg", "voiplocalinfo", "wordingtype"};
-inline constexpr const char* kNotificationCallWords[] = {"语音通话", "视频通话", "邀请你", "通话",
-                                                         "未接",     "已取消",   "忙线"};
+inline constexpr std::string_view kNotificationCallWords[] = {
+    "语音通话", "视频通话", "邀请你", "通话", "未接", "已取消", "忙线"};
 
 }  // namespace notify
