@@ -169,6 +169,20 @@ TEST_F(DirectHooks, CallWordsMarkALeftoverWithoutTheCallType) {
   EXPECT_FALSE(notify::callLeftover(cancelled));
 }
 
+// Each of the host's names for the message type marks a call, words or not.
+TEST_F(DirectHooks, EveryNameOfTheCallTypeMarksALeftover) {
+  launch();
+  for (const char* key : {"m_uiMessageType", "msgType", "messageType"}) {
+    Id typed = rt::dictionary({{rt::str("m_nsFromUsr"), rt::str("bob")},
+                               {rt::str(key), rt::number(50L)},
+                               {rt::str("m_nsContent"), rt::str("晚饭吃什么")}});
+    EXPECT_TRUE(notify::callLeftover(typed)) << key;
+    EXPECT_FALSE(notify::callLeftover(
+        rt::dictionary({{rt::str("m_nsFromUsr"), rt::str("bob")}, {rt::str(key), rt::number(1L)}})))
+        << key;
+  }
+}
+
 TEST_F(DirectHooks, QuickReplyTestLooksAtTheContactToo) {
   launch();
   Id mgr = hostapp::hostService("QuickReplyMsgMgr");
