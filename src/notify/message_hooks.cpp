@@ -10,6 +10,7 @@
 #include "notify/predicates.hpp"
 #include "notify/probes.hpp"
 #include "rt/foundation.hpp"
+#include "rt/ownership.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sys/log.hpp"
@@ -229,12 +230,13 @@ void addNotificationRequest(Id self, SEL cmd, Id request, Id completion) {
           }
           if (mode() == 1) {
             vibrate();
-            Id silent = rt::send<Id>(content, "mutableCopy");
-            rt::send<void>(silent, "setSound:", Id{nullptr});
+            // The copy is ours (+1); the request keeps its own hold on it.
+            rt::Strong silent = rt::Strong::adopt(rt::send<Id>(content, "mutableCopy"));
+            rt::send<void>(silent.get(), "setSound:", Id{nullptr});
             Id quiet = rt::send<Id>(
                 rt::getClass("UNNotificationRequest"),
                 "requestWithIdentifier:content:trigger:", rt::send<Id>(request, "identifier"),
-                silent, rt::send<Id>(request, "trigger"));
+                silent.get(), rt::send<Id>(request, "trigger"));
             original(quiet, completion);
             return;
           }

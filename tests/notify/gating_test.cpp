@@ -125,6 +125,25 @@ TEST_F(SystemRequest, ModeOneAddsASilentCopyAndVibratesOnce) {
   EXPECT_NE(rt::send<rt::Id>(rt::send<rt::Id>(req, "content"), "sound"), nullptr);
 }
 
+// The silent copy is the library's to let go of: one per message would
+// otherwise stay for the life of the app.
+TEST_F(SystemRequest, TheSilentCopyIsLetGoOf) {
+  launch();
+  setMode(1);
+  auto contents = [&] {
+    long n = 0;
+    for (rt::Id obj : process->runtime().liveObjects())
+      n += rt::className(obj) == "UNMutableNotificationContent";
+    return n;
+  };
+  rt::Id req = request(info({{rt::str("fromUserName"), rt::str("bob")}}), "");
+  long before = contents();
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(add(req));
+  EXPECT_FALSE(last().sound) << "the copies were sent";
+  wait(1);
+  EXPECT_EQ(contents(), before);
+}
+
 TEST_F(SystemRequest, ModeZeroCompletesWithoutAdding) {
   launch();
   setMode(0);
