@@ -3,6 +3,13 @@
 // shows the system banner and plays its content's sound), AudioToolbox's
 // system sounds (4095 vibrates), and completion-handler blocks. What reaches
 // the user is recorded on the device's notices.
+//
+// Kinder than a phone: a request points at its identifier, content and
+// trigger without retaining them, and requestWithIdentifier:content:trigger:
+// hands its request back owned instead of autoreleased, so requests (like the
+// other value objects here) are never freed and an unbalanced release of one
+// is not caught. A content's own retain count is kept: one its maker never
+// releases stays alive, and the lifetime tests count those.
 #pragma once
 
 #include <functional>
