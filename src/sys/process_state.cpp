@@ -9,10 +9,6 @@ std::size_t ProcessState::nextSlot() {
   return next++;
 }
 
-ProcessState& processState() {
-  void* p =
-      processStateSlot([]() -> std::shared_ptr<void> { return std::make_shared<ProcessState>(); });
-  return *static_cast<ProcessState*>(p);
-}
+std::shared_ptr<void> makeProcessState() { return std::make_shared<ProcessState>(); }
 
 }  // namespace sys

@@ -10,6 +10,8 @@
 #include <mutex>
 #include <vector>
 
+#include "sys/process.hpp"
+
 namespace sys {
 
 class ProcessState {
@@ -45,7 +47,12 @@ class ProcessState {
   std::atomic<void*> published_[kPublished] = {};
 };
 
-ProcessState& processState();
+std::shared_ptr<void> makeProcessState();
+
+// Inline: every hooked call reads its state through it.
+inline ProcessState& processState() {
+  return *static_cast<ProcessState*>(processStateSlot(makeProcessState));
+}
 
 template <typename T>
 T& state() {

@@ -13,6 +13,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 
 SIM, SOURCE = sys.argv[1], sys.argv[2]
@@ -92,6 +93,16 @@ def read_until(fd, text, seconds=60):
     return seen.decode("utf-8", "replace")
 
 
+def type_keys(fd, keys, seconds=60):
+    """Writes `keys` once the line editor holds the terminal: a key typed while
+    it is still cooked (the prompt is printed before the editor takes the
+    terminal) is echoed by the terminal itself, Up as ^[[A."""
+    deadline = time.time() + seconds
+    while termios.tcgetattr(fd)[3] & termios.ICANON and time.time() < deadline:
+        time.sleep(0.01)
+    os.write(fd, keys)
+
+
 def repl_on_a_terminal():
     pid, fd = pty.fork()
     if pid == 0:
@@ -100,18 +111,18 @@ def repl_on_a_terminal():
     for line, wait_for in [("friend alice", "qb> "), ("lanch", "qb> "),
                            ("launch", "qb> "), ("help expect main", "qb> "),
                            ("session alice", "qb> ")]:
-        os.write(fd, (line + "\r").encode())
+        type_keys(fd, (line + "\r").encode())
         transcript += read_until(fd, wait_for)
-    os.write(fd, b"expect main alice\r")
+    type_keys(fd, b"expect main alice\r")
     transcript += read_until(fd, "qb> ")
     # Up twice recalls "session alice"... once recalls the expect just typed.
-    os.write(fd, b"\x1b[A\r")
+    type_keys(fd, b"\x1b[A\r")
     transcript += read_until(fd, "\nqb> ")  # not the prompt Up redraws
-    os.write(fd, b"expect main bo\t\r")  # completion of a username that is not there
+    type_keys(fd, b"expect main bo\t\r")  # completion of a username that is not there
     # The prompt after the line's end: the completion redraws one before it,
     # and a ^D typed before the REPL reads again would reach a cooked terminal.
     transcript += read_until(fd, "\nqb> ")
-    os.write(fd, b"\x04")
+    type_keys(fd, b"\x04")
     transcript += read_until(fd, "\n", 5)
     code = exit_code(pid)
     check("unknown command 'lanch' (did you mean 'launch'?)" in transcript,
@@ -127,11 +138,11 @@ def repl_on_a_terminal():
     transcript = read_until(fd, "qb> ")
     for line in ["friend alice", "lanch", "help", "launch", "session alice",
                  "expect main ali\t", "\x1b[A"]:
-        os.write(fd, (line + "\r").encode())
+        type_keys(fd, (line + "\r").encode())
         # The prompt after the line's end: Up redraws one before it, and a ^D
         # typed before the REPL reads again would reach a cooked terminal.
         transcript += read_until(fd, "\nqb> ")
-    os.write(fd, b"\x04")
+    type_keys(fd, b"\x04")
     transcript += read_until(fd, "\n", 5)
     code = exit_code(pid)
     # "expect main ali" alone would fail: exit 0 means Tab completed it. The
