@@ -14,7 +14,8 @@ cmake --build --preset default --target main_list_bench contacts_bench surfaces_
 
 for b in main_list_bench contacts_bench surfaces_bench notify_bench background_bench outside_bench springboard_bench; do
   echo "== $b" >&2
-  "build/default/bench/$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+  "build/default/bench/$b" --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
+    --benchmark_report_aggregates_only=true \
     --benchmark_format=json --benchmark_out="$out/$b.json" --benchmark_out_format=json >/dev/null
 done
 
