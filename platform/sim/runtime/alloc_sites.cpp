@@ -92,7 +92,8 @@ Layer layerOfQualified(std::string_view name) {
   // The facades (rt::, sys::, ui::) are passed over: whoever called them decides.
   static constexpr std::string_view kSystem[] = {
       "base::", "core::", "hiding::", "host::", "notify::", "panel::", "triggers::", "startup::"};
-  static constexpr std::string_view kOther[] = {"hostapp::", "qbsim::", "qbtest::", "testing::"};
+  static constexpr std::string_view kOther[] = {
+      "hostapp::", "qbbench::", "qbsim::", "qbtest::", "testing::"};
   for (std::string_view ns : kSystem)
     if (name.starts_with(ns)) return Layer::System;
   for (std::string_view ns : kOther)
@@ -156,13 +157,28 @@ Range thisThreadsStack() {
   return stack;
 }
 
+// The layer of the function a return address is in, remembered by address.
+Layer layerAt(void* frame) {
+  static std::mutex mutex;
+  static std::unordered_map<void*, Layer> known;
+  {
+    std::lock_guard lock(mutex);
+    if (auto it = known.find(frame); it != known.end()) return it->second;
+  }
+  Layer layer = layerOf(nameAt(frame));
+  std::lock_guard lock(mutex);
+  known.emplace(frame, layer);
+  return layer;
+}
+
+enum class Walk { Filled, LeftExecutable, Broken };
+
 // The executable is built keeping frame pointers, as arm64 code always is,
 // so its own frames chain through them: a walk that costs a few loads a
-// frame where the unwinder's costs a table search. Only a walk that fills
-// the site from the executable's own frames counts; anything shorter (a
-// thread begun by the C++ library, a frame from a shared library) is left
-// to the unwinder.
-bool walkFramePointers(AllocSite& site, void* from) {
+// frame where the unwinder's costs a table search. The walk stops at the
+// first frame outside the executable (a shared library's, which may keep no
+// frame pointer), and at anything that is not a frame of this thread's stack.
+Walk walkFramePointers(AllocSite& site, void* from, std::size_t& filled) {
   static const Range text = [] {
     Range r;
     dl_iterate_phdr(mainText, &r);
@@ -170,18 +186,18 @@ bool walkFramePointers(AllocSite& site, void* from) {
   }();
   thread_local const Range stack = thisThreadsStack();
   auto* fp = static_cast<std::uintptr_t*>(from);
-  for (std::size_t i = 0; i < site.size(); ++i) {
+  for (filled = 0; filled < site.size(); ++filled) {
     auto at = reinterpret_cast<std::uintptr_t>(fp);
     if (at % alignof(std::uintptr_t) != 0 || !stack.holds(at) || !stack.holds(at + 15))
-      return false;
+      return Walk::Broken;
     std::uintptr_t ret = fp[1];
-    if (!text.holds(ret)) return false;
-    site[i] = reinterpret_cast<void*>(ret);
+    if (!text.holds(ret)) return Walk::LeftExecutable;
+    site[filled] = reinterpret_cast<void*>(ret);
     auto* next = reinterpret_cast<std::uintptr_t*>(fp[0]);
-    if (next <= fp) return i + 1 == site.size();
+    if (next <= fp) return filled + 1 == site.size() ? Walk::Filled : Walk::Broken;
     fp = next;
   }
-  return true;
+  return Walk::Filled;
 }
 
 }  // namespace
@@ -189,7 +205,20 @@ bool walkFramePointers(AllocSite& site, void* from) {
 // Not inlined, so that its own frame is the one the walk begins at.
 [[gnu::noinline]] void captureAllocSite(AllocSite& site) {
   site.fill(nullptr);
-  if (walkFramePointers(site, __builtin_frame_address(0))) return;
+  std::size_t filled = 0;
+  switch (walkFramePointers(site, __builtin_frame_address(0), filled)) {
+    case Walk::Filled:
+      return;
+    case Walk::LeftExecutable:
+      // Frames past a shared library's are the unwinder's to read; they
+      // matter only when no frame before it decides who made the object.
+      for (std::size_t i = 0; i < filled; ++i)
+        if (layerAt(site[i]) != Layer::Neither) return;
+      break;
+    case Walk::Broken:
+      break;
+  }
+  site.fill(nullptr);
   void* frames[site.size() + 1];
   int n = backtrace(frames, int(site.size() + 1));
   // frames[0] is this function.

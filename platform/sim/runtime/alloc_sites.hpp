@@ -1,9 +1,10 @@
 // Who made an object: the return addresses of its alloc, taken when it was
 // made and named only when asked, from the executable's own symbol table.
 // The first frame that belongs to a known layer decides: the system's (its
-// namespaces in src/) or the host's, the tools' and the tests'. The facades'
-// and the simulated frameworks' own frames are passed over, as they make
-// objects for whoever called them.
+// namespaces in src/) or the host's, the tools', the tests' and the
+// benchmarks'. The facades' and the simulated frameworks' own frames are
+// passed over, as they make objects for whoever called them. Frames past the
+// first one outside the executable are read only when none before it decides.
 #pragma once
 
 #include <array>
