@@ -48,15 +48,10 @@ bool acceptedBefore(const sim::TypeChecks& types, IMP imp, const std::string& si
   return true;
 }
 
-// sim::touch, with the selector's name looked up only for the crash line.
-void touchFor(Id obj, SEL s) {
-  if (obj && obj->freed) sim::messagedFreedObject(obj, selName(s));
-}
-
 }  // namespace
 
 IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
-  touchFor(receiver, s);
+  sim::touch(receiver, s);
   sim::Runtime& rtm = sim::runtime();
   sim::Dispatch& d = rtm.methods().dispatch(receiver->isa, s);
   if (!d.method) {
@@ -77,7 +72,7 @@ IMP resolveSend(Id receiver, SEL s, const std::string& sig) {
 
 void checkCall(IMP imp, Id self, SEL s, const std::string& sig) {
   // The original reads its receiver as any method does: a freed one stops the process.
-  touchFor(self, s);
+  sim::touch(self, s);
   sim::Runtime& rtm = sim::runtime();
   if (!imp) {
     rtm.recordViolation(std::string("call of a null IMP for ") + std::string(selName(s)));

@@ -120,10 +120,24 @@ Layer layerOf(std::string_view name) {
   return Layer::Neither;
 }
 
+// The layer of the function a return address is in, remembered by address.
+Layer layerAt(void* frame) {
+  static std::mutex mutex;
+  static std::unordered_map<void*, Layer> known;
+  {
+    std::lock_guard lock(mutex);
+    if (auto it = known.find(frame); it != known.end()) return it->second;
+  }
+  Layer layer = layerOf(nameAt(frame));
+  std::lock_guard lock(mutex);
+  known.emplace(frame, layer);
+  return layer;
+}
+
 const void* decidingFrame(const AllocSite& site, Layer& layer) {
   for (void* frame : site) {
     if (!frame) break;
-    layer = layerOf(nameAt(frame));
+    layer = layerAt(frame);
     if (layer != Layer::Neither) return frame;
   }
   layer = Layer::Neither;
@@ -155,20 +169,6 @@ Range thisThreadsStack() {
     stack = {reinterpret_cast<std::uintptr_t>(low), reinterpret_cast<std::uintptr_t>(low) + size};
   pthread_attr_destroy(&attr);
   return stack;
-}
-
-// The layer of the function a return address is in, remembered by address.
-Layer layerAt(void* frame) {
-  static std::mutex mutex;
-  static std::unordered_map<void*, Layer> known;
-  {
-    std::lock_guard lock(mutex);
-    if (auto it = known.find(frame); it != known.end()) return it->second;
-  }
-  Layer layer = layerOf(nameAt(frame));
-  std::lock_guard lock(mutex);
-  known.emplace(frame, layer);
-  return layer;
 }
 
 enum class Walk { Filled, LeftExecutable, Broken };

@@ -18,6 +18,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "rt/runtime.hpp"
 #include "sim/runtime/object.hpp"
 
 namespace sim {
@@ -56,6 +57,10 @@ rt::Id autorelease(rt::Id obj);
 // object crashes on a phone as a message does).
 inline void touch(rt::Id obj, std::string_view what) {
   if (obj && obj->freed) messagedFreedObject(obj, what);
+}
+// The same for a message: the selector's name is looked up only for the crash.
+inline void touch(rt::Id obj, rt::SEL message) {
+  if (obj && obj->freed) messagedFreedObject(obj, rt::selName(message));
 }
 
 }  // namespace sim
