@@ -41,11 +41,12 @@ std::string usernameAt(rt::Id obj, int depth) {
 
 }  // namespace
 
-UsernameReader::ClassKeys& UsernameReader::keysOf(rt::Class cls) {
-  for (ClassKeys& k : classes_)
-    if (k.cls == cls) return k;
+std::size_t UsernameReader::keysOf(rt::Class cls) {
+  for (std::size_t k = 0; k < classes_.size(); ++k)
+    if (classes_[k].cls == cls) return k;
   std::size_t n = std::size(kUsernameKeys) + std::size(kNestedContactKeys);
-  return classes_.emplace_back(ClassKeys{cls, std::vector<std::optional<rt::KeyRead>>(n)});
+  classes_.push_back(ClassKeys{cls, std::vector<std::optional<rt::KeyRead>>(n)});
+  return classes_.size() - 1;
 }
 
 // usernameAt, asking each class only once whether it answers a key.
@@ -53,9 +54,11 @@ std::string UsernameReader::at(rt::Id obj, int depth) {
   if (!obj || rt::isNull(obj) || depth > kMaxNesting) return "";
   if (rt::isString(obj)) return rt::asString(obj).value_or("");
   rt::Class cls = rt::classOf(obj);
+  // By index: a nested read may add a class and move the others.
+  std::size_t k = keysOf(cls);
   std::size_t i = 0;
   auto read = [&](const char* key) -> rt::Id {
-    std::optional<rt::KeyRead>& how = keysOf(cls).reads[i++];
+    std::optional<rt::KeyRead>& how = classes_[k].reads[i++];
     if (!how) how = rt::keyReadOn(cls, key);
     return rt::readKey(obj, key, *how);
   };

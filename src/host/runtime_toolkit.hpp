@@ -28,7 +28,7 @@ class UsernameReader {
     rt::Class cls;
     std::vector<std::optional<rt::KeyRead>> reads;  // per key, once asked
   };
-  ClassKeys& keysOf(rt::Class cls);
+  std::size_t keysOf(rt::Class cls);  // the index of cls's entry, made on first use
   std::string at(rt::Id obj, int depth);
   std::vector<ClassKeys> classes_;
 };

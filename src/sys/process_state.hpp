@@ -18,26 +18,30 @@ class ProcessState {
  public:
   // The state struct of type T, default-constructed on first use; it lives as
   // long as the process.
+  // Every hook reads its state on every call: once made, a slot is read
+  // without the lock, inline.
   template <typename T>
-  T& get() {
+  [[gnu::always_inline]] T& get() {
     std::size_t slot = slotOf<T>();
-    // Every hook reads its state on every call: once made, a slot is read
-    // without the lock.
     if (slot < kPublished)
       if (void* made = published_[slot].load(std::memory_order_acquire))
         return *static_cast<T*>(made);
-    std::lock_guard lock(mutex_);
-    if (slots_.size() <= slot) slots_.resize(slot + 1);
-    if (!slots_[slot]) slots_[slot] = std::make_shared<T>();
-    if (slot < kPublished) published_[slot].store(slots_[slot].get(), std::memory_order_release);
-    return *static_cast<T*>(slots_[slot].get());
+    return make<T>(slot);
   }
 
  private:
   static constexpr std::size_t kPublished = 64;
   static std::size_t nextSlot();
   template <typename T>
-  static std::size_t slotOf() {
+  [[gnu::noinline]] T& make(std::size_t slot) {
+    std::lock_guard lock(mutex_);
+    if (slots_.size() <= slot) slots_.resize(slot + 1);
+    if (!slots_[slot]) slots_[slot] = std::make_shared<T>();
+    if (slot < kPublished) published_[slot].store(slots_[slot].get(), std::memory_order_release);
+    return *static_cast<T*>(slots_[slot].get());
+  }
+  template <typename T>
+  [[gnu::always_inline]] static std::size_t slotOf() {
     static const std::size_t slot = nextSlot();
     return slot;
   }
@@ -55,7 +59,7 @@ inline ProcessState& processState() {
 }
 
 template <typename T>
-T& state() {
+[[gnu::always_inline]] inline T& state() {
   return processState().get<T>();
 }
 

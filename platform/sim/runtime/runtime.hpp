@@ -119,9 +119,10 @@ class Runtime {
 Runtime& runtime();
 
 // The C++ state stored behind an object, or null when it holds another type.
+// Most host objects hold none: asking them is one test, not a type compare.
 template <typename T>
 T* native(rt::Id obj) {
-  return obj ? std::any_cast<T>(&obj->native) : nullptr;
+  return obj && obj->native.has_value() ? std::any_cast<T>(&obj->native) : nullptr;
 }
 
 // How many exceptions named `name` were raised in the program so far, from
