@@ -54,6 +54,31 @@ TEST(LifecycleCommands, TheRunStateAsExpectAndShowStateSayIt) {
       << wrong.err;
 }
 
+// Out of the foreground the app's screen is not there to touch, and a
+// suspended app runs no thread to read the motion sensors.
+TEST(LifecycleCommands, TheAppIsTouchedOnlyInTheForeground) {
+  const std::string away = "friend bob\nsecret bob\nlaunch\nopen about\nwait 1\nbackground\n";
+  for (const char* command :
+       {"open contacts", "tap version", "longpress", "scroll main", "panel done", "picker back",
+        "press 确定", "type 1234", "time 08:00", "biometric pass"}) {
+    Outcome r = run(away + command + "\n");
+    EXPECT_EQ(r.status, 2) << command;
+    EXPECT_EQ(r.err.rfind("s.qbs:7: ", 0), 0u) << command << ": " << r.err;
+    EXPECT_NE(r.err.find(": the app is not in the foreground\n"), std::string::npos)
+        << command << ": " << r.err;
+  }
+  Outcome back = run(away + "foreground\ntap version\n");
+  EXPECT_EQ(back.status, 0) << back.err;
+
+  Outcome shaken =
+      run("friend bob\nsecret bob\nlaunch\nbackground\nwait 6\nexpect app suspended\nshake\n"
+          "foreground\nwait 2\nexpect screen main\nexpect hidden\n");
+  EXPECT_EQ(shaken.status, 0) << "a shake the suspended app missed asks for no password later: "
+                              << shaken.err;
+  Outcome awake = run("friend bob\nsecret bob\nlaunch\nshake\nwait 1\nexpect screen alert\n");
+  EXPECT_EQ(awake.status, 0) << "the same shake in the foreground does: " << awake.err;
+}
+
 TEST(LifecycleCommands, ASleepingAppGetsMessagesAsRemoteNotificationsAndCallsWakeIt) {
   Outcome r =
       run("friend sam nick=Sam\nlaunch\nbackground\nwait 6\nmessage sam hi\nexpect banner sam\n"

@@ -44,7 +44,7 @@ void addMainListCommands(CommandTable& t) {
                   }};
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
                  requireWords(c, 2, 3, kOpenUsage);
-                 sim::Process& p = s.requireProcess("open");
+                 sim::Process& p = s.requireForeground("open");
                  const std::string& what = c.words[1];
                  if (what == "about" && c.words.size() == 2) {
                    rt::Id page = nullptr;
@@ -69,7 +69,7 @@ void addMainListCommands(CommandTable& t) {
                    requireWords(c, 2, 2, "scroll main");
                    if (c.words[1] != "main")
                      throw ScriptError{"scroll: no list '" + c.words[1] + "' (usage: scroll main)"};
-                   sim::Process& p = s.requireProcess("scroll");
+                   sim::Process& p = s.requireForeground("scroll");
                    bool scrolled = false;
                    p.runGuarded([&] { scrolled = s.host().scrollMainList(); });
                    if (!scrolled) throw ScriptError{"scroll: the main list has not been shown yet"};

@@ -34,8 +34,12 @@ double pointArg(const Command& c, std::size_t i, const std::string& usage) {
   return v;
 }
 
-rt::Id screenOfClass(Session& s, const std::string& command, const char* cls, const char* name) {
-  s.requireProcess(command);
+rt::Id screenOfClass(Session& s, const std::string& command, const char* cls, const char* name,
+                     bool acting) {
+  if (acting)
+    s.requireForeground(command);
+  else
+    s.requireProcess(command);
   rt::Id top = sim::topController();
   if (!top || rt::className(top) != cls)
     throw ScriptError{command + ": the " + name + " is not on screen"};
@@ -43,11 +47,11 @@ rt::Id screenOfClass(Session& s, const std::string& command, const char* cls, co
       [&] { rt::send<rt::Id>(top, "view"); });  // the screen on top has loaded its view
   return top;
 }
-rt::Id panelScreen(Session& s, const std::string& command) {
-  return screenOfClass(s, command, "QBPanelController", "panel");
+rt::Id panelScreen(Session& s, const std::string& command, bool acting = false) {
+  return screenOfClass(s, command, "QBPanelController", "panel", acting);
 }
-rt::Id pickerScreen(Session& s, const std::string& command) {
-  return screenOfClass(s, command, "QBContactPickController", "contact picker");
+rt::Id pickerScreen(Session& s, const std::string& command, bool acting = false) {
+  return screenOfClass(s, command, "QBContactPickController", "contact picker", acting);
 }
 
 void printTable(Session& s, rt::Id controller) {
@@ -96,7 +100,8 @@ void addTap(CommandTable& t) {
   const std::string usage = "tap version|nav [DX]|page [Y]";
   t["tap"] = {usage, [usage](Session& s, const Command& c) {
                 requireWords(c, 2, 3, usage);
-                rt::Id page = screenOfClass(s, "tap", "SettingAboutMMViewController", "About page");
+                rt::Id page =
+                    screenOfClass(s, "tap", "SettingAboutMMViewController", "About page", true);
                 rt::Id view = rt::send<rt::Id>(page, "view");
                 const std::string& where = c.words[1];
                 if (where == "version") {
@@ -130,7 +135,7 @@ void addTap(CommandTable& t) {
                  requireWords(c, 2, 2, "time HH:MM");
                  int hour = 0, minute = 0;
                  clockArg(c, 1, "time HH:MM", hour, minute);
-                 s.requireProcess("time");
+                 s.requireForeground("time");
                  rt::Id top = sim::topController();
                  rt::Id picker = top ? sim::alertTimePicker(top) : nullptr;
                  if (!picker) throw ScriptError{"time: no time wheel on screen"};
@@ -145,7 +150,7 @@ void addPanel(CommandTable& t) {
       usage, [usage](Session& s, const Command& c) {
         requireWords(c, 2, 5, usage);
         const std::string& what = c.words[1];
-        rt::Id panel = panelScreen(s, "panel " + what);
+        rt::Id panel = panelScreen(s, "panel " + what, true);
         rt::Id table = sim::tableOf(panel);
         if (what == "done" || what == "dismiss") {
           if (c.words.size() != 2) throw ScriptError{"usage: " + usage};
@@ -180,7 +185,7 @@ void addPanel(CommandTable& t) {
       pickerUsage, [pickerUsage](Session& s, const Command& c) {
         requireWords(c, 2, 3, pickerUsage);
         const std::string& what = c.words[1];
-        rt::Id picker = pickerScreen(s, "picker " + what);
+        rt::Id picker = pickerScreen(s, "picker " + what, true);
         rt::Id table = sim::tableOf(picker);
         if (what == "back" && c.words.size() == 2) {
           act(s, "picker back: no back button", [&] { return sim::pressLeftBarButton(picker); });

@@ -98,7 +98,7 @@ void addSurfaceCommands(CommandTable& t) {
                    throw ScriptError{"usage: open search TEXT"};
                  if (what != "search" && c.words.size() != 2)
                    throw ScriptError{"usage: open " + what};
-                 sim::Process& p = s.requireProcess("open");
+                 sim::Process& p = s.requireForeground("open");
                  p.runGuarded([&] {
                    if (what == "search")
                      hostapp::openSearch(s.host(), c.words[2]);

@@ -43,7 +43,7 @@ std::string topScreenName(Session& s) {
 namespace {
 
 rt::Id alertOnScreen(Session& s, const std::string& command) {
-  s.requireProcess(command);
+  s.requireForeground(command);
   rt::Id top = topScreen();
   if (!top || !sim::alertState(top)) throw ScriptError{command + ": no dialog on screen"};
   return top;
@@ -101,7 +101,8 @@ void addTriggerCommands(CommandTable& t) {
                   requireWords(c, 1, 1, "shake");
                   sim::Process& p = s.requireProcess("shake");
                   sim::PlatformState& ps = p.platform();
-                  if (ps.motionHandler) {
+                  // A suspended app runs no thread: the samples of this shake are lost to it.
+                  if (ps.motionHandler && !p.suspended()) {
                     // About 0.3 s of strong movement, then the phone at rest again.
                     double interval = ps.motionInterval > 0 ? ps.motionInterval : 0.04;
                     bool raw = ps.motionFromAccelerometer;
@@ -121,7 +122,7 @@ void addTriggerCommands(CommandTable& t) {
                 }};
   t["longpress"] = {"longpress", [](Session& s, const Command& c) {
                       requireWords(c, 1, 1, "longpress");
-                      s.requireProcess("longpress");
+                      s.requireForeground("longpress");
                       rt::Id top = topScreen();
                       if (!top) throw ScriptError{"longpress: no screen shown"};
                       rt::Id nav = rt::send<rt::Id>(top, "navigationController");
@@ -169,7 +170,7 @@ void addTriggerCommands(CommandTable& t) {
                       requireWords(c, 2, 2, "biometric pass|fail");
                       if (c.words[1] != "pass" && c.words[1] != "fail")
                         throw ScriptError{"usage: biometric pass|fail"};
-                      sim::Process& p = s.requireProcess("biometric");
+                      sim::Process& p = s.requireForeground("biometric");
                       if (!p.answerSystemPrompt(c.words[1] == "pass"))
                         throw ScriptError{"biometric: no biometric prompt on screen"};
                     }};

@@ -91,6 +91,14 @@ sim::Process& Session::requireProcess(std::string_view command) {
   return *process_;
 }
 
+sim::Process& Session::requireForeground(std::string_view command) {
+  sim::Process& p = requireProcess(command);
+  sim::AppState state = p.appState();
+  if (state != sim::AppState::Active && state != sim::AppState::Inactive)
+    throw ScriptError{std::string(command) + ": the app is not in the foreground"};
+  return p;
+}
+
 void Session::launch() {
   if (process_) throw ScriptError{"launch: the app is already running"};
   start(/*inBackground=*/false);

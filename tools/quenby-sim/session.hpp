@@ -48,6 +48,9 @@ class Session {
   sim::Process* process() { return process_.get(); }
   // The running process; a script error naming `command` when there is none.
   sim::Process& requireProcess(std::string_view command);
+  // The same, for a command that acts on the app's screen: the app must be
+  // in the foreground, as a person can touch only what is shown.
+  sim::Process& requireForeground(std::string_view command);
 
   void launch();
   void quit();
