@@ -57,6 +57,24 @@ TEST(AllocSites, TheSiteIsTheStackAsTheUnwinderReadsIt) {
   }
 }
 
+// A function template's name begins with its return type; the frame is still
+// its namespace's, not passed over for its caller's.
+template <typename T>
+[[gnu::noinline]] T takeInTemplate(Taken& t) {
+  sim::captureAllocSite(t.site);
+  asm volatile("");
+  return T{};
+}
+
+TEST(AllocSites, AFunctionTemplateDecidesByItsOwnName) {
+  Taken t;
+  takeInTemplate<long>(t);
+  // The optimizer may name a clone of it: "… [clone .isra.0]".
+  EXPECT_EQ(sim::madeIn(t.site).rfind("long qbtest::takeInTemplate<long>(qbtest::Taken&)", 0), 0u)
+      << sim::madeIn(t.site);
+  EXPECT_EQ(sim::makerOf(t.site), sim::Maker::Other);
+}
+
 TEST(AllocSites, AThreadTheLibraryBeganIsDecidedAsTheUnwinderDecides) {
   Taken t;
   std::thread([&] { nested(t, 1); }).join();

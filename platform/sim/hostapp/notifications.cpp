@@ -12,6 +12,7 @@
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
 #include "sim/process.hpp"
+#include "sim/runtime/lifetimes.hpp"
 #include "sim/runtime/runtime.hpp"
 #include "sim/frameworks/uikit/uikit.hpp"
 #include "sim/frameworks/user_notifications.hpp"
@@ -71,7 +72,8 @@ void onNewMsgArriving(Id self, SEL, Id m, Int) {
        !rt::send<bool>(top, "shouldShowQuickReplyPush:", m)))
     return;
   // The banner shows an item that wraps the message.
-  Id item = rt::send<Id>(rt::getClass("QuickReplyItem"), "new");
+  // Let go of when the banner has taken what it shows, as ARC would.
+  Id item = sim::autorelease(rt::send<Id>(rt::getClass("QuickReplyItem"), "new"));
   rt::setIvarNamed(item, "msgWrap", m);
   Id banner = hostService("QuickReplyMsgViewController");
   if (responds(banner, "showQuickReplyItem:dismissTimeout:"))

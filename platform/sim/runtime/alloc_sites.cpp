@@ -101,7 +101,25 @@ Layer layerOfQualified(std::string_view name) {
   return Layer::Neither;
 }
 
+// A function template's name begins with its return type ("void
+// hostapp::f<long>(…)"): the name proper follows the first blank outside
+// brackets, unless the parameter list comes first.
+std::string_view withoutReturnType(std::string_view name) {
+  int depth = 0;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    char c = name[i];
+    if (c == '<') ++depth;
+    if (c == '>') --depth;
+    if (depth != 0) continue;
+    if (c == '(') return name;
+    // "operator bool()", "operator new(…)": a conversion's type, not a return type.
+    if (c == ' ') return name.substr(0, i).ends_with("operator") ? name : name.substr(i + 1);
+  }
+  return name;
+}
+
 Layer layerOf(std::string_view name) {
+  name = withoutReturnType(name);
   if (!name.starts_with("std::")) return layerOfQualified(name);
   for (std::size_t at = name.find("::{lambda"); at != std::string_view::npos;
        at = name.find("::{lambda", at + 1)) {
