@@ -54,9 +54,13 @@ struct ExtraHooksState {
   // The timeline's shown items. Keyed by the settings revision too: these
   // hooks read the secrets live, not from the filter's snapshot.
   RowMap moments;
+  // What every Moments call reads, found once at install: both live as long
+  // as the process, as this does.
+  const core::QBConfig* config = nullptr;
+  const SessionHooksState* session = nullptr;
 };
 
-ExtraHooksState& extraState() { return sys::state<ExtraHooksState>(); }
+[[gnu::always_inline]] inline ExtraHooksState& extraState() { return sys::state<ExtraHooksState>(); }
 
 bool hiding() { return hiding::QBSessionHooks::listsHideSecrets(); }
 
@@ -205,8 +209,8 @@ unsigned long countOfTimelineDataItem(Id self, SEL cmd) {
       "[QB] WCFacade countOfTimelineDataItem ex: %@",
       [&](Hook::Original& original) -> unsigned long {
         unsigned long n = original();
-        const core::QBConfig& c = core::QBConfig::shared();
-        const SessionHooksState& session = sessionState();
+        const core::QBConfig& c = *s.config;
+        const SessionHooksState& session = *s.session;
         if (!listsHideSecrets(c, session) || !s.getTimelineDataItemOfIndex.installed()) return n;
         return (unsigned long)s.moments.shownCount(
             momentsKey(s, self, n, c, session), sys::mediaTime(),
@@ -222,8 +226,8 @@ Id getTimelineDataItemOfIndex(Id self, SEL cmd, long index) {
       "[QB] WCFacade getTimelineDataItemOfIndex: ex: %@",
       [&](Hook::Original& original) -> Id {
         if (!original.available()) return nullptr;
-        const core::QBConfig& c = core::QBConfig::shared();
-        const SessionHooksState& session = sessionState();
+        const core::QBConfig& c = *s.config;
+        const SessionHooksState& session = *s.session;
         if (!listsHideSecrets(c, session)) return original(index);
         if (!s.countOfTimelineDataItem.installed()) return nullptr;
         unsigned long n =
@@ -309,6 +313,8 @@ void QBExtraHooks::install() {
         sys::log("[QB] hooked FTSContactDataProvider getDicContacts");
     }
     if (rt::Class c = rt::getClass("WCFacade")) {
+      s.config = &core::QBConfig::shared();
+      s.session = &sessionState();
       s.countOfTimelineDataItem.replace(c, kCountSel, countOfTimelineDataItem);
       s.getTimelineDataItemOfIndex.replace(c, kItemSel, getTimelineDataItemOfIndex);
     }

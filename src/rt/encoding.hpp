@@ -69,9 +69,16 @@ std::string typeCode() {
 
 // The encoding of a method R (Id self, SEL cmd, A...), without offsets:
 // "v@:q" for void fn(Id, SEL, long).
+// Every send and call asks: after the first, a guard test inline, the
+// building kept out of line.
 template <typename R, typename... A>
-const std::string& signature() {
+[[gnu::noinline]] const std::string& buildSignature() {
   static const std::string s = typeCode<R>() + "@:" + (std::string() + ... + typeCode<A>());
+  return s;
+}
+template <typename R, typename... A>
+[[gnu::always_inline]] inline const std::string& signature() {
+  static const std::string& s = buildSignature<R, A...>();
   return s;
 }
 
