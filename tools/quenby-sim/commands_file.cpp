@@ -1,12 +1,16 @@
 // The settings file on disk: expect file KEY VALUE. The expected value is read
 // in the type the file holds: true/false for a boolean, a number for a number,
 // [a b] for an array of strings (a set for "secrets"), text for a string.
+// The file is read as it lies on the disk, past the device's data
+// protection: the check is the tester's look at the disk, not the app's.
 #include <algorithm>
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 
 #include "base/value.hpp"
 #include "commands.hpp"
-#include "sys/files.hpp"
+#include "sim/codec/plist_codec.hpp"
 
 namespace qbsim {
 namespace {
@@ -62,9 +66,11 @@ void addFileCommands(CommandTable& t) {
         for (std::size_t i = 4; i < c.words.size(); ++i) text += " " + c.words[i];
         if (c.words.size() > 4 && (text.front() != '[' || text.back() != ']'))
           throw ScriptError{std::string("usage: ") + kUsage + " (write a list as [a b])"};
-        const std::string path = s.settingsPath();
-        if (!sys::fileExists(path)) throw ExpectFailure{"no settings file"};
-        std::optional<base::Value> root = sys::readPropertyList(path);
+        std::ifstream file(s.settingsPath(), std::ios::binary);
+        if (!file) throw ExpectFailure{"no settings file"};
+        std::ostringstream bytes;
+        bytes << file.rdbuf();
+        std::optional<base::Value> root = sim::decodePlist(bytes.str());
         if (!root || !root->isDictionary())
           throw ExpectFailure{"a settings file that is not a dictionary"};
         const base::Value* v = root->find(c.words[2]);

@@ -63,22 +63,4 @@ std::vector<std::string> secretsShown(hostapp::HostApp& host,
   return found;
 }
 
-std::vector<std::string> secretsMissing(hostapp::HostApp& host,
-                                        const std::vector<std::string>& secrets) {
-  std::vector<std::string> missing;
-  const hostapp::HostModel& model = host.model;
-  Answer main = ask([&] { return host.mainListAnswer(); });
-  Answer contacts = rowsOf(ask(hostapp::contactsAnswer));
-  for (const std::string& s : secrets) {
-    bool hasChat =
-        std::find(model.sessions.begin(), model.sessions.end(), s) != model.sessions.end();
-    if (main && hasChat && !holds(main, s)) missing.push_back(s + " not on the main list");
-    bool isFriend = std::any_of(model.friends.begin(), model.friends.end(),
-                                [&](const hostapp::Friend& f) { return f.username == s; });
-    if (contacts && isFriend && !holds(contacts, s))
-      missing.push_back(s + " not on the contacts list");
-  }
-  return missing;
-}
-
 }  // namespace qbsim

@@ -14,10 +14,5 @@ namespace qbsim {
 // \"Bob\""); empty when none does. A list whose host code raises shows nothing.
 std::vector<std::string> secretsShown(hostapp::HostApp& host,
                                       const std::vector<std::string>& secrets);
-// Each place a revealed secret is missing from: the main list for a secret
-// with a chat, the contacts list for a secret who is a friend ("bob not on the
-// main list"); empty when none is.
-std::vector<std::string> secretsMissing(hostapp::HostApp& host,
-                                        const std::vector<std::string>& secrets);
 
 }  // namespace qbsim
