@@ -89,8 +89,7 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"setting nosuch 1\n", ":1: setting: unknown key 'nosuch'"},
       {"expect hidden\n", ":1: expect hidden: the app is not running"},
       {"host variant fts-mutable\n", ":1: host variant: unknown variant 'fts-mutable'"},
-      {"launch\ndevice restore\n",
-       ":2: device restore: no backup was taken on this device"},
+      {"launch\ndevice restore\n", ":2: device restore: no backup was taken on this device"},
       {"launch\nhost variant fts-immutable\n", ":2: host variant: the app is already running"},
       {"launch\nopen search\n", ":2: usage: open search TEXT"},
       {"launch\nopen moments now\n", ":2: usage: open moments"},
@@ -99,6 +98,13 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"expect contacts\n", ":1: expect contacts: the app is not running"},
       {"moment\n", ":1: usage: moment USER [TEXT]"},
       {"host lacks NoSuchHostClass\n", ":1: host lacks: the host has no class 'NoSuchHostClass'"},
+      {"host raises NoSuchHostClass viewDidLoad\n",
+       ":1: host raises: the host has no class 'NoSuchHostClass'"},
+      {"launch\nhost raises CContactMgr getContactByNam:\n",
+       ":2: host raises: the host's CContactMgr defines no method 'getContactByNam:' of its own"},
+      // Inherited from UIKit: making it raise there would break every screen.
+      {"host raises ContactsViewController viewDidAppear:\n",
+       ":1: host raises: the host's ContactsViewController defines no method 'viewDidAppear:'"},
       {"launch\nopen settings\n",
        ":2: open: no screen 'settings' (usage: open main|contacts|moments|about|forward | open "
        "chat USER | open search TEXT)"},

@@ -16,25 +16,35 @@ std::string option(const Command& c, std::size_t i, const char* key, const std::
   return w.substr(prefix.size());
 }
 
-std::set<std::string> classesDefinedBy(const std::set<std::string>& variants) {
+using MethodKey =
+    std::pair<std::string, std::string>;  // class, selector ("+sel" for a class method)
+
+std::set<MethodKey> methodsDefinedBy(const std::set<std::string>& variants) {
   sim::Device device(sim::DeviceOptions{});
   hostapp::HostApp host;
   host.build.variants = variants;
   sim::Process scratch(device);
   scratch.runGuarded([&] { host.defineClasses(); });
-  return host.definedClassNames();
+  std::vector<MethodKey> methods = host.definedMethods();
+  return {methods.begin(), methods.end()};
 }
 
-// Every class some build of the host defines, learnt once from scratch
-// processes, so `host lacks` can refuse a class the host never had.
-const std::set<std::string>& hostClassNames() {
-  static const std::set<std::string> names = [] {
-    std::set<std::string> all = classesDefinedBy({});
+// Every method some build of the host defines, learnt once from scratch
+// processes, so `host lacks` and `host raises` can refuse what the host never had.
+const std::set<MethodKey>& hostMethods() {
+  static const std::set<MethodKey> methods = [] {
+    std::set<MethodKey> all = methodsDefinedBy({});
     for (const std::string& variant : hostapp::knownHostVariants())
-      all.merge(classesDefinedBy({variant}));
+      all.merge(methodsDefinedBy({variant}));
     return all;
   }();
-  return names;
+  return methods;
+}
+
+bool hostHasClass(const std::string& cls) {
+  const std::set<MethodKey>& all = hostMethods();
+  auto it = all.lower_bound({cls, ""});
+  return it != all.end() && it->first == cls;
 }
 
 void requireNotRunning(Session& s, const std::string& what) {
@@ -102,7 +112,7 @@ void addHostCommands(CommandTable& t) {
             return;
           }
           requireNotRunning(s, "host lacks");
-          if (!hostClassNames().count(c.words[2]))
+          if (!hostHasClass(c.words[2]))
             throw ScriptError{"host lacks: the host has no class '" + c.words[2] + "'"};
           if (c.words.size() == 3)
             s.host().build.lackingClasses.insert(c.words[2]);
@@ -111,7 +121,18 @@ void addHostCommands(CommandTable& t) {
           return;
         }
         if (c.words.size() == 4 && c.words[1] == "raises") {
-          s.host().makeRaising(c.words[2], c.words[3]);
+          const std::string& cls = c.words[2];
+          const std::string& sel = c.words[3];
+          const auto& sb = springboard::classNames();
+          if (std::find(sb.begin(), sb.end(), cls) == sb.end()) {
+            // A fault the host cannot have would test nothing, silently.
+            if (!hostHasClass(cls))
+              throw ScriptError{"host raises: the host has no class '" + cls + "'"};
+            if (!hostMethods().count({cls, sel}) && !hostMethods().count({cls, "+" + sel}))
+              throw ScriptError{"host raises: the host's " + cls + " defines no method '" + sel +
+                                "' of its own"};
+          }
+          s.host().makeRaising(cls, sel);
           return;
         }
         if (c.words.size() == 3 && c.words[1] == "variant") {
