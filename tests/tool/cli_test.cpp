@@ -97,6 +97,7 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"launch\nshow forward\n", ":2: show forward: the forward screen has not been opened"},
       {"expect contacts\n", ":1: expect contacts: the app is not running"},
       {"moment\n", ":1: usage: moment USER [TEXT]"},
+      {"launch\nexpect screen nowhere\n", ":2: expect screen: no screen 'nowhere' (main, chat,"},
       {"host lacks NoSuchHostClass\n", ":1: host lacks: the host has no class 'NoSuchHostClass'"},
       {"host raises NoSuchHostClass viewDidLoad\n",
        ":1: host raises: the host has no class 'NoSuchHostClass'"},

@@ -1,6 +1,7 @@
 // The user's hands on the device: device, open chat, shake, longpress, type,
 // press, biometric, expect screen, expect alert.
 #include <cmath>
+#include <set>
 
 #include "commands.hpp"
 #include "sim/hostapp/surfaces.hpp"
@@ -176,6 +177,13 @@ void addTriggerCommands(CommandTable& t) {
                     }};
   t["expect screen"] = {"expect screen NAME", [](Session& s, const Command& c) {
                           requireWords(c, 3, 3, "expect screen NAME");
+                          static const std::set<std::string> kNames = {
+                              "main",  "chat",  "contacts",  "search", "moments", "forward",
+                              "about", "alert", "biometric", "panel",  "picker"};
+                          if (!kNames.count(c.words[2]))
+                            throw ScriptError{"expect screen: no screen '" + c.words[2] +
+                                              "' (main, chat, contacts, search, moments, "
+                                              "forward, about, alert, biometric, panel, picker)"};
                           std::string got = topScreenName(s);
                           if (got != c.words[2]) throw ExpectFailure{got};
                         }};
