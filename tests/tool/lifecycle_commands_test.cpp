@@ -79,6 +79,22 @@ TEST(LifecycleCommands, TheAppIsTouchedOnlyInTheForeground) {
   EXPECT_EQ(awake.status, 0) << "the same shake in the foreground does: " << awake.err;
 }
 
+// A host screen that raises while it opens crashes the app, as any host
+// exception does, whether or not the library hooks the screen.
+TEST(LifecycleCommands, AScreenThatRaisesAsItOpensCrashesTheApp) {
+  for (const char* screen :
+       {"SettingAboutMMViewController viewDidLoad\nlaunch\nopen about",
+        "BaseMsgContentViewController viewDidAppear:\nlaunch\nopen chat bob"}) {
+    Outcome r = run(std::string("friend bob\nhost raises ") + screen + "\n");
+    EXPECT_EQ(r.status, 1) << screen;
+    EXPECT_NE(r.err.find(":4: open "), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find(": app crashed: uncaught exception NSGenericException: simulated host "
+                         "failure in -["),
+              std::string::npos)
+        << r.err;
+  }
+}
+
 TEST(LifecycleCommands, ASleepingAppGetsMessagesAsRemoteNotificationsAndCallsWakeIt) {
   Outcome r =
       run("friend sam nick=Sam\nlaunch\nbackground\nwait 6\nmessage sam hi\nexpect banner sam\n"

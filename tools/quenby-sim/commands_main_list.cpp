@@ -49,6 +49,7 @@ void addMainListCommands(CommandTable& t) {
                  if (what == "about" && c.words.size() == 2) {
                    rt::Id page = nullptr;
                    p.runGuarded([&] { page = hostapp::openAbout(s.host()); });
+                   if (p.crashed()) s.settle();  // reports the crash
                    if (!page) throw ScriptError{"open: this host build has no About page"};
                    return;
                  }
