@@ -79,6 +79,33 @@ TEST(LifecycleCommands, TheAppIsTouchedOnlyInTheForeground) {
   EXPECT_EQ(awake.status, 0) << "the same shake in the foreground does: " << awake.err;
 }
 
+// A dialog, the Face ID prompt or the panel takes every touch meant for the
+// screens under it.
+TEST(LifecycleCommands, NothingUnderADialogOrThePanelIsTouched) {
+  const std::string world = "friend bob\nsecret bob\nlaunch\nwait 2\n";
+  struct Case {
+    std::string setUp, command, error;
+  };
+  const Case cases[] = {
+      {"shake\n", "open contacts", "open: a dialog is on screen"},
+      {"shake\n", "open chat bob", "open: a dialog is on screen"},
+      {"shake\n", "scroll main", "scroll: a dialog is on screen"},
+      {"shake\n", "longpress", "longpress: a dialog is on screen"},
+      {"setting revealAuthMode 1\nshake\n", "open about", "open: a dialog is on screen"},
+      {"open about\nwait 1\ntap version\ntap version\ntap version\ntap version\ntap "
+       "version\ntype 7351\npress 确定\nwait 1\n",
+       "open main", "open: the control panel is on screen"},
+      {"open contacts\n", "scroll main", "scroll: the main list is not on screen (contacts is)"},
+  };
+  for (const Case& c : cases) {
+    Outcome r = run(world + c.setUp + c.command + "\n");
+    EXPECT_EQ(r.status, 2) << c.setUp << c.command << ": " << r.err;
+    EXPECT_NE(r.err.find(c.error), std::string::npos) << c.command << ": " << r.err;
+  }
+  Outcome cancelled = run(world + "shake\npress 取消\nopen contacts\nexpect screen contacts\n");
+  EXPECT_EQ(cancelled.status, 0) << cancelled.err;
+}
+
 // A host screen that raises while it opens crashes the app, as any host
 // exception does, whether or not the library hooks the screen.
 TEST(LifecycleCommands, AScreenThatRaisesAsItOpensCrashesTheApp) {

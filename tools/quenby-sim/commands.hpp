@@ -60,6 +60,9 @@ void addHelpCommand(CommandTable& table);
 void addScreenCommands(CommandTable& table);
 // The name of the screen on top, as `expect screen` and `show screen` say it.
 std::string topScreenName(Session& session);
+// For a command that touches the host's own screens: a dialog, the Face ID
+// prompt, the control panel or its contact picker over them takes every touch.
+void requireNothingOver(Session& session, const std::string& command);
 // After `show NAME`: the picture of the screen, when the session keeps a story.
 void pictureAfterShow(Session& session, const std::string& shown);
 

@@ -45,6 +45,7 @@ void addMainListCommands(CommandTable& t) {
   t["open"] = {"open main|contacts", [](Session& s, const Command& c) {
                  requireWords(c, 2, 3, kOpenUsage);
                  sim::Process& p = s.requireForeground("open");
+                 requireNothingOver(s, "open");
                  const std::string& what = c.words[1];
                  if (what == "about" && c.words.size() == 2) {
                    rt::Id page = nullptr;
@@ -71,6 +72,10 @@ void addMainListCommands(CommandTable& t) {
                    if (c.words[1] != "main")
                      throw ScriptError{"scroll: no list '" + c.words[1] + "' (usage: scroll main)"};
                    sim::Process& p = s.requireForeground("scroll");
+                   if (std::string top = topScreenName(s); top != "main") {
+                     requireNothingOver(s, "scroll");
+                     throw ScriptError{"scroll: the main list is not on screen (" + top + " is)"};
+                   }
                    bool scrolled = false;
                    p.runGuarded([&] { scrolled = s.host().scrollMainList(); });
                    if (!scrolled) throw ScriptError{"scroll: the main list has not been shown yet"};

@@ -99,6 +99,7 @@ void addSurfaceCommands(CommandTable& t) {
                  if (what != "search" && c.words.size() != 2)
                    throw ScriptError{"usage: open " + what};
                  sim::Process& p = s.requireForeground("open");
+                 requireNothingOver(s, "open");
                  p.runGuarded([&] {
                    if (what == "search")
                      hostapp::openSearch(s.host(), c.words[2]);

@@ -41,6 +41,13 @@ std::string topScreenName(Session& s) {
   return std::string(cls);
 }
 
+void requireNothingOver(Session& s, const std::string& command) {
+  std::string top = topScreenName(s);
+  if (top == "alert" || top == "biometric") throw ScriptError{command + ": a dialog is on screen"};
+  if (top == "panel") throw ScriptError{command + ": the control panel is on screen"};
+  if (top == "picker") throw ScriptError{command + ": the contact picker is on screen"};
+}
+
 namespace {
 
 rt::Id alertOnScreen(Session& s, const std::string& command) {
@@ -124,6 +131,8 @@ void addTriggerCommands(CommandTable& t) {
   t["longpress"] = {"longpress", [](Session& s, const Command& c) {
                       requireWords(c, 1, 1, "longpress");
                       s.requireForeground("longpress");
+                      if (std::string top = topScreenName(s); top == "alert" || top == "biometric")
+                        throw ScriptError{"longpress: a dialog is on screen"};
                       rt::Id top = topScreen();
                       if (!top) throw ScriptError{"longpress: no screen shown"};
                       rt::Id nav = rt::send<rt::Id>(top, "navigationController");
