@@ -89,7 +89,7 @@ void defineAboutClasses(HostApp& app) {
 Id openAbout(HostApp& app) {
   rt::Class cls = rt::getClass("SettingAboutMMViewController");
   if (!cls || !app.tabs()) return nullptr;
-  app.selectTab(0);
+  app.selectTab(kMeTab);
   app.popToRoot();
   Id nav = rt::send<Id>(app.tabs(), "selectedViewController");
   // The navigation controller owns it from here: leaving the page frees it.

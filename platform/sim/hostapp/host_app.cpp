@@ -185,9 +185,16 @@ void HostApp::buildFirstScreen() {
   contactsScreen_ = newController("ContactsViewController");
   rt::send<void>(mainFrame_, "setTitle:", rt::str("微信"));
   rt::send<void>(contactsScreen_, "setTitle:", rt::str("通讯录"));
+  // Moments lives under 发现 and the About page under 我, each tab with its
+  // own navigation bar: a press there is not a press on the chat list's bar.
+  rt::Id discover = newController("UIViewController");
+  rt::Id me = newController("UIViewController");
+  rt::send<void>(discover, "setTitle:", rt::str("发现"));
+  rt::send<void>(me, "setTitle:", rt::str("我"));
   tabs_ = rt::send<rt::Id>(rt::send<rt::Id>(rt::getClass("UITabBarController"), "alloc"), "init");
   rt::send<void>(tabs_, "setViewControllers:",
-                 rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_)}));
+                 rt::array({inNavigation(mainFrame_), inNavigation(contactsScreen_),
+                            inNavigation(discover), inNavigation(me)}));
   sim::addWindow(tabs_, true);
   sim::appear(mainFrame_);
   indexNewChats();

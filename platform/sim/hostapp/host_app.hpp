@@ -112,6 +112,9 @@ rt::Id hostService(const char* cls);
 // has no manager).
 rt::Id hostContact(const std::string& username);
 
+// The host's tabs, in the order of its tab bar: 微信, 通讯录, 发现, 我.
+inline constexpr long kChatsTab = 0, kContactsTab = 1, kDiscoverTab = 2, kMeTab = 3;
+
 class HostApp {
  public:
   HostModel model;
@@ -170,7 +173,7 @@ class HostApp {
   void openChat(const std::string& username);
   // Back to the first screen of the tab shown.
   void popToRoot();
-  // Shows one of the tabs (0 chats, 1 contacts) as UIKit does.
+  // Shows one of the tabs (kChatsTab …) as UIKit does.
   void selectTab(long index);
 
   // An incoming message (its chat already moved to the top) through the

@@ -140,7 +140,10 @@ void openSearch(HostApp& app, const std::string& text) {
     look.background = ui::kWhite;  // what the screen had before it had a look of its own
   });
 }
-void openMoments(HostApp& app) { push(app, "moments", kMomentsScreenClass); }
+void openMoments(HostApp& app) {
+  if (app.tabs()) app.selectTab(kDiscoverTab);
+  push(app, "moments", kMomentsScreenClass);
+}
 void openForward(HostApp& app) { push(app, "forward", kForwardScreenClass); }
 
 bool searchOpened() { return screenSlot("search") != nullptr; }
