@@ -96,6 +96,8 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"launch\nexpect search alice\n", ":2: expect search: the search screen has not been opened"},
       {"launch\nshow forward\n", ":2: show forward: the forward screen has not been opened"},
       {"expect contacts\n", ":1: expect contacts: the app is not running"},
+      {"friend a\nlaunch\nexpect contacts a\n",
+       ":3: expect contacts: the contacts screen has not been opened (open contacts)"},
       {"moment\n", ":1: usage: moment USER [TEXT]"},
       {"launch\nexpect screen nowhere\n", ":2: expect screen: no screen 'nowhere' (main, chat,"},
       {"host lacks NoSuchHostClass\n", ":1: host lacks: the host has no class 'NoSuchHostClass'"},

@@ -34,7 +34,7 @@ std::vector<Surface> surfaces() {
   return {
       {"contacts",
        [](Session& s, const std::string& cmd) {
-         s.requireProcess(cmd);
+         requireOpened(s, cmd, s.process() && hostapp::contactsOpened(s.host()), "contacts");
          return hostapp::contactsShown(s.host());
        },
        "(no contacts)"},

@@ -53,6 +53,8 @@ std::optional<std::vector<std::string>> momentsAnswer();
 std::optional<std::vector<std::string>> forwardRowAnswer();
 // Whether the screen was opened in this process.
 bool searchOpened();
+// Whether the contacts tab has been shown (its view loaded) in this process.
+bool contactsOpened(HostApp& app);
 bool momentsOpened();
 bool forwardOpened();
 

@@ -174,6 +174,11 @@ void defineContactsScreen(HostApp& app) {
       .build();
 }
 
+bool contactsOpened(HostApp& app) {
+  Id screen = app.contactsScreen();
+  return screen && rt::send<bool>(screen, "isViewLoaded");
+}
+
 std::vector<std::string> contactsShown(HostApp& app) {
   std::vector<std::string> out;
   Id screen = app.contactsScreen();
