@@ -181,8 +181,9 @@ bool Process::enterBackground() {
 
 void Process::systemPromptAppeared() {
   if (state_ != AppState::Active || !platform_.biometricReply) return;
-  post(sys::kWillResignActive);
+  // The scene first, then the application, as on leaving and coming back.
   post(sys::kSceneWillDeactivate);
+  post(sys::kWillResignActive);
   setState(AppState::Inactive);
 }
 
@@ -193,8 +194,8 @@ bool Process::answerSystemPrompt(bool success) {
   runGuarded([&] { reply(success); });
   if (state_ == AppState::Inactive) {
     setState(AppState::Active);
-    post(sys::kDidBecomeActive);
     post(sys::kSceneDidActivate);
+    post(sys::kDidBecomeActive);
   }
   runDue();
   return true;
