@@ -86,6 +86,26 @@ TEST(ProcessLifecycle, BackgroundAndForegroundInPlatformOrder) {
                   }));
 }
 
+// A Face ID prompt interrupts as leaving begins: the same two, in the same order.
+TEST(ProcessLifecycle, ASystemPromptDeactivatesAsLeavingDoes) {
+  sim::Device device;
+  sim::Process process(device);
+  process.launch({});
+  std::vector<std::string> seen;
+  sys::addObserver("", [&](const sys::Notification& n) {
+    seen.push_back(n.name + "/" + sim::appStateName(process.appState()));
+  });
+  process.platform().biometricReply = [](bool) {};
+  process.systemPromptAppeared();
+  ASSERT_TRUE(process.answerSystemPrompt(true));
+  EXPECT_EQ(seen, (std::vector<std::string>{
+                      std::string(sys::kSceneWillDeactivate) + "/active",
+                      std::string(sys::kWillResignActive) + "/active",
+                      std::string(sys::kSceneDidActivate) + "/active",
+                      std::string(sys::kDidBecomeActive) + "/active",
+                  }));
+}
+
 TEST(ProcessLifecycle, AnExceptionEscapingIntoTheHostCrashesTheProcess) {
   sim::Device device;
   sim::Process process(device);
