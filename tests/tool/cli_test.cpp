@@ -223,17 +223,21 @@ TEST_F(Cli, ExpectFileReadsTheSettingsFileInTheContainer) {
 TEST_F(Cli, TheReplReportsErrorsAndGoesOn) {
   std::istringstream in("launch\nnope\nwait 1\nexpect log \"no such line zz\"\n");
   std::ostringstream o;
-  // A failed expectation fails the session; the typo before it does not.
-  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 1);
+  // Both are reported; from a pipe the session ends with the worse of them.
+  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 2);
   EXPECT_NE(o.str().find("repl:2: unknown command 'nope'"), std::string::npos) << o.str();
   EXPECT_NE(o.str().find("repl:4: expect log \"no such line zz\": got"), std::string::npos)
       << o.str();
 }
 
-TEST_F(Cli, AReplSessionWithOnlyTyposPasses) {
-  std::istringstream in("\xEF\xBB\xBFlanch\nlaunch\nexpect hiden\nexpect hidden\n");
+TEST_F(Cli, AReplSessionWithOnlyTyposPassesAtATerminal) {
+  const std::string lines = "\xEF\xBB\xBFlanch\nlaunch\nexpect hiden\nexpect hidden\n";
+  std::istringstream piped(lines);
+  std::ostringstream p;
+  EXPECT_EQ(qbsim::runRepl(piped, false, {}, p), 2) << "from a pipe, as a script";
+  std::istringstream in(lines);
   std::ostringstream o;
-  EXPECT_EQ(qbsim::runRepl(in, false, {}, o), 0) << o.str();
+  EXPECT_EQ(qbsim::runRepl(in, true, {}, o), 0) << o.str();
   EXPECT_NE(o.str().find("repl:1: unknown command 'lanch' (did you mean 'launch'?)"),
             std::string::npos)
       << o.str();

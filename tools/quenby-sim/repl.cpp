@@ -1,7 +1,8 @@
 // `quenby-sim repl`: on a terminal, lines come through libedit (editing,
 // history, completion of command names and usernames); from a pipe, plain
-// lines. An error prints its line and the session goes on; only a failed
-// expectation decides the exit status.
+// lines. An error prints its line and the session goes on. Lines from a pipe
+// end with the worst status, as a script would; at a terminal, where a typo
+// is typed again, only a failed expectation counts.
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -17,14 +18,15 @@
 namespace qbsim {
 namespace {
 
-// Runs one line and reports it; returns the status that counts for the exit.
+// Runs one line and reports it; returns its status.
 int replLine(Session& session, const std::string& line, int lineNo, std::ostream& out) {
   std::string message;
   int status = runCommandLine(session, line, message);
-  if (status == kPassed) return kPassed;
-  out << "repl:" << lineNo << ": " << message << "\n";
-  return status == kFailed ? kFailed : kPassed;
+  if (status != kPassed) out << "repl:" << lineNo << ": " << message << "\n";
+  return status;
 }
+
+int typedAtATerminal(int status) { return status == kScriptError ? kPassed : status; }
 
 // libedit's completion hooks are plain functions: they reach the session here.
 Session* completingFor = nullptr;
@@ -85,7 +87,8 @@ int runRepl(std::istream& in, bool interactive, const SimOptions& options, std::
     if (interactive) out << "qb> " << std::flush;
     if (!std::getline(in, line)) break;
     if (++lineNo == 1 && line.rfind("\xEF\xBB\xBF", 0) == 0) line.erase(0, 3);
-    worst = std::max(worst, replLine(session, line, lineNo, out));
+    int status = replLine(session, line, lineNo, out);
+    worst = std::max(worst, interactive ? typedAtATerminal(status) : status);
     out << std::flush;  // whoever drives the pipe sees each answer as it comes
   }
   if (interactive) out << "\n";
@@ -107,7 +110,7 @@ int runTerminalRepl(const SimOptions& options, std::ostream& out) {
     free(raw);
     ++lineNo;
     if (line.find_first_not_of(" \t") != std::string::npos) add_history(line.c_str());
-    worst = std::max(worst, replLine(session, line, lineNo, out));
+    worst = std::max(worst, typedAtATerminal(replLine(session, line, lineNo, out)));
   }
   out << "\n" << std::flush;
   completingFor = nullptr;
