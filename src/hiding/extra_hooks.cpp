@@ -60,7 +60,9 @@ struct ExtraHooksState {
   const SessionHooksState* session = nullptr;
 };
 
-[[gnu::always_inline]] inline ExtraHooksState& extraState() { return sys::state<ExtraHooksState>(); }
+[[gnu::always_inline]] inline ExtraHooksState& extraState() {
+  return sys::state<ExtraHooksState>();
+}
 
 bool hiding() { return hiding::QBSessionHooks::listsHideSecrets(); }
 
