@@ -106,6 +106,15 @@ TEST(LifecycleCommands, NothingUnderADialogOrThePanelIsTouched) {
   EXPECT_EQ(cancelled.status, 0) << cancelled.err;
 }
 
+// The check reads the disk as a tester would, past the data protection the
+// running app meets on a phone locked since its restart.
+TEST(LifecycleCommands, ExpectFileReadsTheDiskOfALockedPhone) {
+  Outcome r = run(
+      "friend bob\nsecret bob\ndevice locked\nlaunch\nexpect file secrets [bob]\n"
+      "expect file password 7351\n");
+  EXPECT_EQ(r.status, 0) << r.err;
+}
+
 // A host screen that raises while it opens crashes the app, as any host
 // exception does, whether or not the library hooks the screen.
 TEST(LifecycleCommands, AScreenThatRaisesAsItOpensCrashesTheApp) {
