@@ -69,4 +69,15 @@ TEST_F(PanelCli, AnExpectedRowStateThatDoesNotHoldFails) {
       << out.str();
 }
 
+// A person sees the time the wheel shows, so show screen says it too.
+TEST_F(PanelCli, ShowScreenSaysTheTimeOnTheWheel) {
+  script(
+      "setting visibilityControl 1\nlaunch\nopen about\nwait 1\n"
+      "tap version\ntap version\ntap version\ntap version\ntap version\n"
+      "type 7351\npress 确定\nwait 1\npanel tap 2 1\nwait 0.5\ntime 09:05\nshow screen\n");
+  EXPECT_EQ(run(), 0) << out.str();
+  EXPECT_NE(out.str().find("time wheel: 09:05\nbuttons: [确定]  [取消]\n"), std::string::npos)
+      << out.str();
+}
+
 }  // namespace

@@ -1,5 +1,7 @@
 // show screen: whatever is on top, named as `expect screen` names it, then
 // what that screen shows (a list screen prints as its own `show` does).
+#include <cstdio>
+
 #include "commands.hpp"
 #include "rt/foundation.hpp"
 #include "rt/kvc.hpp"
@@ -26,7 +28,12 @@ void showAlert(Session& s, rt::Id alert) {
                              : text)
             << "\n";
   }
-  if (sim::alertTimePicker(alert)) s.out() << "time wheel\n";
+  if (rt::Id wheel = sim::alertTimePicker(alert)) {
+    const sim::DatePickerState* t = sim::findExtra<sim::DatePickerState>(wheel);
+    char hhmm[8];
+    std::snprintf(hhmm, sizeof hhmm, "%02ld:%02ld", t ? t->hour : 0L, t ? t->minute : 0L);
+    s.out() << "time wheel: " << hhmm << "\n";
+  }
   std::string buttons;
   for (const sim::AlertAction& action : a.actions)
     buttons += (buttons.empty() ? "" : "  ") + ("[" + action.title + "]");
