@@ -101,6 +101,8 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"moment\n", ":1: usage: moment USER [TEXT]"},
       {"launch\nexpect screen nowhere\n", ":2: expect screen: no screen 'nowhere' (main, chat,"},
       {"host lacks NoSuchHostClass\n", ":1: host lacks: the host has no class 'NoSuchHostClass'"},
+      {"host lacks WCFacade countOfTimelineDataItm\n",
+       ":1: host lacks: the host's WCFacade defines no method 'countOfTimelineDataItm' of its own"},
       {"host raises NoSuchHostClass viewDidLoad\n",
        ":1: host raises: the host has no class 'NoSuchHostClass'"},
       {"launch\nhost raises CContactMgr getContactByNam:\n",

@@ -109,10 +109,23 @@ TEST(LifecycleCommands, NothingUnderADialogOrThePanelIsTouched) {
 // The check reads the disk as a tester would, past the data protection the
 // running app meets on a phone locked since its restart.
 TEST(LifecycleCommands, ExpectFileReadsTheDiskOfALockedPhone) {
-  Outcome r = run(
-      "friend bob\nsecret bob\ndevice locked\nlaunch\nexpect file secrets [bob]\n"
-      "expect file password 7351\n");
+  Outcome r =
+      run("friend bob\nsecret bob\ndevice locked\nlaunch\nexpect file secrets [bob]\n"
+          "expect file password 7351\n");
   EXPECT_EQ(r.status, 0) << r.err;
+}
+
+// A build without a class or getter runs as its own code would: a class with
+// no methods of its own can be lacked too, and the host's screens do not call
+// a getter the build does not have.
+TEST(LifecycleCommands, AHostBuildWithoutAPieceStillRuns) {
+  for (const char* lacks :
+       {"CMessageWrap", "QuickReplyItem", "NewMainFrameViewController logicGetCountForSection:",
+        "NewMainFrameViewController logicGetCellDataAtIndexPath:"}) {
+    Outcome r = run(std::string("friend alice\nsession alice\nhost lacks ") + lacks +
+                    "\nlaunch\nwait 1\nexpect main alice\nmessage alice hi\n");
+    EXPECT_EQ(r.status, 0) << lacks << ": " << r.err;
+  }
 }
 
 // A host screen that raises while it opens crashes the app, as any host

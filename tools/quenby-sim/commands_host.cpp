@@ -19,32 +19,34 @@ std::string option(const Command& c, std::size_t i, const char* key, const std::
 using MethodKey =
     std::pair<std::string, std::string>;  // class, selector ("+sel" for a class method)
 
-std::set<MethodKey> methodsDefinedBy(const std::set<std::string>& variants) {
+// What one build defines: its classes, as (class, "") with or without
+// methods, and each method.
+std::set<MethodKey> definedBy(const std::set<std::string>& variants) {
   sim::Device device(sim::DeviceOptions{});
   hostapp::HostApp host;
   host.build.variants = variants;
   sim::Process scratch(device);
   scratch.runGuarded([&] { host.defineClasses(); });
   std::vector<MethodKey> methods = host.definedMethods();
-  return {methods.begin(), methods.end()};
+  std::set<MethodKey> all(methods.begin(), methods.end());
+  for (const std::string& cls : host.definedClassNames()) all.insert({cls, ""});
+  return all;
 }
 
 // Every method some build of the host defines, learnt once from scratch
 // processes, so `host lacks` and `host raises` can refuse what the host never had.
 const std::set<MethodKey>& hostMethods() {
   static const std::set<MethodKey> methods = [] {
-    std::set<MethodKey> all = methodsDefinedBy({});
-    for (const std::string& variant : hostapp::knownHostVariants())
-      all.merge(methodsDefinedBy({variant}));
+    std::set<MethodKey> all = definedBy({});
+    for (const std::string& variant : hostapp::knownHostVariants()) all.merge(definedBy({variant}));
     return all;
   }();
   return methods;
 }
 
-bool hostHasClass(const std::string& cls) {
-  const std::set<MethodKey>& all = hostMethods();
-  auto it = all.lower_bound({cls, ""});
-  return it != all.end() && it->first == cls;
+bool hostHasClass(const std::string& cls) { return hostMethods().count({cls, ""}) != 0; }
+bool hostHasMethod(const std::string& cls, const std::string& sel) {
+  return !sel.empty() && (hostMethods().count({cls, sel}) || hostMethods().count({cls, "+" + sel}));
 }
 
 void requireNotRunning(Session& s, const std::string& what) {
@@ -114,6 +116,9 @@ void addHostCommands(CommandTable& t) {
           requireNotRunning(s, "host lacks");
           if (!hostHasClass(c.words[2]))
             throw ScriptError{"host lacks: the host has no class '" + c.words[2] + "'"};
+          if (c.words.size() == 4 && !hostHasMethod(c.words[2], c.words[3]))
+            throw ScriptError{"host lacks: the host's " + c.words[2] + " defines no method '" +
+                              c.words[3] + "' of its own"};
           if (c.words.size() == 3)
             s.host().build.lackingClasses.insert(c.words[2]);
           else
@@ -128,7 +133,7 @@ void addHostCommands(CommandTable& t) {
             // A fault the host cannot have would test nothing, silently.
             if (!hostHasClass(cls))
               throw ScriptError{"host raises: the host has no class '" + cls + "'"};
-            if (!hostMethods().count({cls, sel}) && !hostMethods().count({cls, "+" + sel}))
+            if (!hostHasMethod(cls, sel))
               throw ScriptError{"host raises: the host's " + cls + " defines no method '" + sel +
                                 "' of its own"};
           }

@@ -114,6 +114,7 @@ void HostApp::defineClasses() {
   p.setHostApp(this);
   p.platform().bundleInfo["CFBundleIdentifier"] = p.device().appBundleIdentifier();
   originals_.clear();
+  classes_.clear();
   defineContextClasses(*this);
   defineContactClasses(*this);
   defineMainListClasses(*this);
@@ -141,7 +142,7 @@ rt::IMP HostApp::originalImplementation(const std::string& cls, const std::strin
 }
 
 std::set<std::string> HostApp::definedClassNames() const {
-  std::set<std::string> names;
+  std::set<std::string> names = classes_;
   for (const auto& [key, imp] : originals_) names.insert(key.first);
   return names;
 }
@@ -211,7 +212,9 @@ void HostApp::selectTab(long index) {
 
 HostClass::HostClass(HostApp& app, std::string name, std::string super)
     : app_(app), name_(std::move(name)) {
-  if (!app_.build.lacksClass(name_)) builder_ = std::make_unique<sim::ClassBuilder>(name_, super);
+  if (app_.build.lacksClass(name_)) return;
+  builder_ = std::make_unique<sim::ClassBuilder>(name_, super);
+  app_.noteClass(name_);
 }
 
 void HostClass::note(const std::string& sel, rt::IMP imp) { app_.noteMethod(name_, sel, imp); }

@@ -214,11 +214,14 @@ class HostApp {
   void noteMethod(const std::string& cls, const std::string& sel, rt::IMP imp) {
     originals_[{cls, sel}] = imp;
   }
+  // A class this build defines, with or without methods of its own.
+  void noteClass(const std::string& cls) { classes_.insert(cls); }
 
  private:
   void buildFirstScreen();
   rt::Id mainFrame_ = nullptr, contactsScreen_ = nullptr, tabs_ = nullptr;
   std::map<std::pair<std::string, std::string>, rt::IMP> originals_;
+  std::set<std::string> classes_;
   Snapshot snapshot_;
   std::set<std::string> indexedChats_;  // in this process
 };
