@@ -103,6 +103,8 @@ TEST_F(Cli, ScriptErrorsExitTwoWithOneLine) {
       {"host lacks NoSuchHostClass\n", ":1: host lacks: the host has no class 'NoSuchHostClass'"},
       {"host lacks WCFacade countOfTimelineDataItm\n",
        ":1: host lacks: the host's WCFacade defines no method 'countOfTimelineDataItm' of its own"},
+      {"host raises SpringBoard totallyBogus:\n",
+       ":1: host raises: SpringBoard's SpringBoard defines no method 'totallyBogus:' of its own"},
       {"host raises NoSuchHostClass viewDidLoad\n",
        ":1: host raises: the host has no class 'NoSuchHostClass'"},
       {"launch\nhost raises CContactMgr getContactByNam:\n",

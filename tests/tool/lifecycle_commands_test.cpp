@@ -128,6 +128,20 @@ TEST(LifecycleCommands, AHostBuildWithoutAPieceStillRuns) {
   }
 }
 
+// SpringBoard's own methods raise as the app's do, before or after launch.
+TEST(LifecycleCommands, ASpringBoardMethodThatRaisesCrashesSpringBoard) {
+  const std::string raises = "host raises NCNotificationDispatcher postNotificationWithRequest:\n";
+  for (const std::string& order : {raises + "launch\n", "launch\n" + raises}) {
+    Outcome r = run("friend bob nick=Bob\n" + order + "background\nwait 10\nmessage bob hi\n");
+    EXPECT_EQ(r.status, 1) << order;
+    EXPECT_NE(r.err.find(":6: message bob hi: got SpringBoard crashed: uncaught exception "
+                         "NSGenericException: simulated host failure in -[NCNotificationDispatcher "
+                         "postNotificationWithRequest:]"),
+              std::string::npos)
+        << r.err;
+  }
+}
+
 // A host screen that raises while it opens crashes the app, as any host
 // exception does, whether or not the library hooks the screen.
 TEST(LifecycleCommands, AScreenThatRaisesAsItOpensCrashesTheApp) {

@@ -129,14 +129,21 @@ void addHostCommands(CommandTable& t) {
           const std::string& cls = c.words[2];
           const std::string& sel = c.words[3];
           const auto& sb = springboard::classNames();
-          if (std::find(sb.begin(), sb.end(), cls) == sb.end()) {
-            // A fault the host cannot have would test nothing, silently.
-            if (!hostHasClass(cls))
-              throw ScriptError{"host raises: the host has no class '" + cls + "'"};
-            if (!hostHasMethod(cls, sel))
-              throw ScriptError{"host raises: the host's " + cls + " defines no method '" + sel +
+          if (std::find(sb.begin(), sb.end(), cls) != sb.end()) {
+            sim::Process& board = s.springboard();  // booted, so its methods are known
+            if (!springboard::defines(cls, sel))
+              throw ScriptError{"host raises: SpringBoard's " + cls + " defines no method '" + sel +
                                 "' of its own"};
+            s.host().build.raisingMethods.insert({cls, sel});
+            springboard::makeRaising(board, cls, sel);
+            return;
           }
+          // A fault the host cannot have would test nothing, silently.
+          if (!hostHasClass(cls))
+            throw ScriptError{"host raises: the host has no class '" + cls + "'"};
+          if (!hostHasMethod(cls, sel))
+            throw ScriptError{"host raises: the host's " + cls + " defines no method '" + sel +
+                              "' of its own"};
           s.host().makeRaising(cls, sel);
           return;
         }

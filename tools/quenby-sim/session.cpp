@@ -45,7 +45,9 @@ sim::Process& Session::springboard() {
   };
   std::function<void()> entry;
   if (jailbreak_ && !options_.withoutLibrary) entry = core::libraryEntry;
-  springboard::boot(*springboard_, lacks, entry);
+  std::vector<std::pair<std::string, std::string>> raising(build.raisingMethods.begin(),
+                                                           build.raisingMethods.end());
+  springboard::boot(*springboard_, lacks, entry, raising);
   sim::Process* sb = springboard_.get();
   device_->setPresenter([sb](const sim::SystemNotification& n) { springboard::present(*sb, n); });
   return *springboard_;

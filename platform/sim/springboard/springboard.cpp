@@ -1,5 +1,8 @@
 #include "sim/springboard/springboard.hpp"
 
+#include <map>
+#include <mutex>
+
 #include "rt/foundation.hpp"
 #include "rt/runtime.hpp"
 #include "rt/send.hpp"
@@ -21,6 +24,14 @@ constexpr char kSection[] = "_sectionIdentifier", kIdentifier[] = "_notification
 constexpr const char* kRequestFields[] = {kSection, kIdentifier, kThread,
                                           kContent, kSound,      kContext};
 
+// Every method SpringBoard defines, by (class, selector), with its own
+// implementation: what `host raises` makes raise, whatever hooks it since.
+std::map<std::pair<std::string, std::string>, rt::IMP>& ownMethods() {
+  static std::map<std::pair<std::string, std::string>, rt::IMP> methods;
+  return methods;
+}
+std::mutex ownMethodsMutex;
+
 // A class as this build has it: nothing when it lacks the class, and each
 // method only when it does not lack that one.
 class Builder {
@@ -35,6 +46,10 @@ class Builder {
   }
   template <typename R, typename... A>
   Builder& method(const std::string& sel, R (*fn)(Id, SEL, A...)) {
+    {
+      std::lock_guard lock(ownMethodsMutex);
+      ownMethods()[{name_, sel}] = reinterpret_cast<rt::IMP>(fn);
+    }
     if (builder_ && !lacks_(name_, sel)) builder_->method(sel, fn);
     return *this;
   }
@@ -163,13 +178,32 @@ const std::vector<std::string>& classNames() {
   return names;
 }
 
-void boot(sim::Process& process, const Lacks& lacks, const std::function<void()>& libraryEntry) {
+bool defines(const std::string& cls, const std::string& sel) {
+  std::lock_guard lock(ownMethodsMutex);
+  return ownMethods().count({cls, sel}) != 0;
+}
+
+void makeRaising(sim::Process& process, const std::string& cls, const std::string& sel) {
+  rt::IMP imp = nullptr;
+  {
+    std::lock_guard lock(ownMethodsMutex);
+    auto it = ownMethods().find({cls, sel});
+    if (it != ownMethods().end()) imp = it->second;
+  }
+  if (!imp) return;
+  sim::InProcess here(process);
+  sim::runtime().makeRaising(imp, "simulated host failure in -[" + cls + " " + sel + "]");
+}
+
+void boot(sim::Process& process, const Lacks& lacks, const std::function<void()>& libraryEntry,
+          const std::vector<std::pair<std::string, std::string>>& raising) {
   sim::InProcess here(process);
   process.platform().bundleInfo["CFBundleIdentifier"] = kBundleIdentifier;
   process.platform().bundleInfo["CFBundleExecutable"] = "SpringBoard";
   sim::LaunchHooks hooks;
-  hooks.defineHostClasses = [lacks] {
+  hooks.defineHostClasses = [lacks, raising, &process] {
     defineClasses(lacks);
+    for (const auto& [cls, sel] : raising) makeRaising(process, cls, sel);
     // UIApplication's shared instance is SpringBoard's own.
     if (rt::Class sb = rt::getClass("SpringBoard"))
       sim::runtime().singleton("UIApplication") = rt::createInstance(sb);

@@ -36,8 +36,15 @@ using Lacks = std::function<bool(const std::string& cls, const std::string& sel)
 const std::vector<std::string>& classNames();
 
 // Starts SpringBoard in `process` (a new process of kind SpringBoard): its
-// classes, then `libraryEntry` when the library is loaded into it.
-void boot(sim::Process& process, const Lacks& lacks, const std::function<void()>& libraryEntry);
+// classes, the methods in `raising` made to raise, then `libraryEntry` when
+// the library is loaded into it.
+void boot(sim::Process& process, const Lacks& lacks, const std::function<void()>& libraryEntry,
+          const std::vector<std::pair<std::string, std::string>>& raising = {});
+
+// Whether SpringBoard defines `sel` on `cls` itself (known once one has booted).
+bool defines(const std::string& cls, const std::string& sel);
+// Makes SpringBoard's own implementation of that method raise from now on.
+void makeRaising(sim::Process& process, const std::string& cls, const std::string& sel);
 
 // Hands `n` to SpringBoard's dispatcher in `process`, as the system does.
 void present(sim::Process& process, const sim::SystemNotification& n);
