@@ -175,7 +175,12 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
   // call switches on no call kind blocks. Either way the texts do not matter.
   QBConfig& c = QBConfig::shared();
   if (c.shouldHideSecrets() && c.secretNotifyMode() == 0) return true;
-  bool voice = c.voipVoiceNotifyEnabled(), videoOn = c.voipVideoNotifyEnabled();
+  return callSwitchesBlock(c.voipVoiceNotifyEnabled(), c.voipVideoNotifyEnabled(), title, body,
+                           userInfo);
+}
+
+bool callSwitchesBlock(bool voice, bool videoOn, const std::string& title, const std::string& body,
+                       rt::Id userInfo) {
   if (voice && videoOn) return false;
   // The parts are searched one by one (no call word spans two), the user
   // info's description last and only when still needed.
@@ -193,7 +198,7 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
   if (description.empty()) description = rt::description(userInfo);
   bool video = isVideoCall(userInfo) || contains(title, "视频") || contains(body, "视频") ||
                contains(description, "视频");
-  return callKindBlocks(user, video);
+  return video ? !videoOn : !voice;
 }
 
 bool contentNamesSecret(rt::Id content) {

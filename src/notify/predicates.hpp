@@ -37,6 +37,10 @@ bool voipPushLightBlock(rt::Id m);  // a VoIP push from a secret unless both swi
 bool callDetectionBlocks(const std::string& sender, const std::string& title,
                          const std::string& body, rt::Id userInfo,
                          const std::string& threadIdentifier);
+// Its second half, for a secret's notification, given the two call switches:
+// whether the parts announce a call of a kind the switches keep out.
+bool callSwitchesBlock(bool voice, bool videoOn, const std::string& title, const std::string& body,
+                       rt::Id userInfo);
 
 // A notification content whose user info (nested dictionaries included) or
 // thread identifier names a secret: what the system request gating and the

@@ -5,6 +5,7 @@
 
 #include "core/daily_window.hpp"
 #include "host/hook.hpp"
+#include "notify/predicates.hpp"
 #include "notify/probes.hpp"
 #include "notify/springboard_gate.hpp"
 #include "rt/foundation.hpp"
@@ -50,6 +51,19 @@ bool hiddenNow(const core::GateRecord& gate) {
   return !core::windowsShowAt(gate.windows, sys::localMinuteOfDay());
 }
 
+// The request's title and text, as far as its content answers them.
+std::string contentText(Id content, const char* selector) {
+  SEL s = rt::sel(selector);
+  return content && rt::respondsTo(content, s) ? text(rt::send<Id>(content, s)) : "";
+}
+
+bool callAnnounced(Id request, const core::GateRecord& gate, Id userInfo) {
+  Id content =
+      rt::respondsTo(request, rt::sel("content")) ? rt::send<Id>(request, "content") : nullptr;
+  return callSwitchesBlock(gate.voipVoice, gate.voipVideo, contentText(content, "title"),
+                           contentText(content, "message"), userInfo);
+}
+
 Verdict verdictFor(Id request) {
   std::string bundle = text(rt::send<Id>(request, "sectionIdentifier"));
   if (bundle.empty()) return Verdict::Pass;
@@ -58,13 +72,20 @@ Verdict verdictFor(Id request) {
   SpringBoardGate::Host* host = s.gate.gateFor(bundle);
   if (!host) return Verdict::Pass;
   const core::GateRecord& gate = *host->record;
-  if (gate.notifyMode == 2 || gate.hashes.empty()) return Verdict::Pass;
-  if (inForeground(bundle) || !hiddenNow(gate)) return Verdict::Pass;
+  if (gate.hashes.empty()) return Verdict::Pass;
+  bool callsFollowSwitches = !(gate.voipVoice && gate.voipVideo);
+  if (!callsFollowSwitches && (gate.notifyMode == 2 || !hiddenNow(gate))) return Verdict::Pass;
+  if (inForeground(bundle)) return Verdict::Pass;
   Id context = rt::send<Id>(request, "context");
   Id userInfo = rt::isDictionary(context) ? rt::objectForKey(context, "userInfo") : nullptr;
   std::string thread = text(rt::send<Id>(request, "threadIdentifier"));
   if (!partsName(userInfo, thread, [host](std::string_view u) { return host->isSecret(u); }))
     return Verdict::Pass;
+  // A secret's call announcement (a missed call the app posted before it
+  // slept, one the system presents for it) follows the call switches in
+  // every mode, revealed or not, as in the app.
+  if (callsFollowSwitches && callAnnounced(request, gate, userInfo)) return Verdict::Drop;
+  if (gate.notifyMode == 2 || !hiddenNow(gate)) return Verdict::Pass;
   return gate.notifyMode == 0 ? Verdict::Drop : Verdict::Silence;
 }
 
