@@ -108,14 +108,22 @@ void endStep(Id mgr) {
 }
 
 // Ends the call at once and once more a moment later, when CallKit may have
-// re-shown it.
+// re-shown it. The host's end takes no call: once another call has been
+// reported meanwhile, the second end would hang up that one, and a caller
+// who is not secret is never touched.
 void endCallKitCall(Id mgr) {
   if (!mgr) return;
   if (sys::isMainThread())
     endStep(mgr);
   else
     sys::async([mgr] { endStep(mgr); });
-  sys::after(kSecondEnd_s, [mgr] { endStep(mgr); });
+  std::uint64_t reported = st().callsReported.load();
+  sys::after(kSecondEnd_s, [mgr, reported] {
+    if (st().callsReported.load() == reported)
+      endStep(mgr);
+    else
+      sys::log("[QB] CallKit second end skipped: a newer call");
+  });
 }
 
 Id callKitManager() {
@@ -132,6 +140,7 @@ void reportIncomingCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, 
   st().reportIncomingCall.run(
       "[QB] VoipCXMgr reportIncomingCallFromUser: ex: %@",
       [&](auto& original) {
+        ++st().callsReported;
         std::string caller = callerOf(user);
         bool video = videoFlag(type);
         if (!callKindBlocks(caller, video)) {
@@ -149,6 +158,7 @@ void reportPushKitCall(Id self, SEL cmd, Id user, Id type, Id m, bool pushKit, b
   st().reportPushKitCall.run(
       "[QB] VoIPPushKitNotifyService reportIncomingCallFromUser: ex: %@",
       [&](auto& original) {
+        ++st().callsReported;
         std::string caller = callerOf(user);
         if (!callKindBlocks(caller, videoFlag(type))) {
           original(user, type, m, pushKit, multitalk);

@@ -1,8 +1,10 @@
 // The stored originals of the notification and call hooks. Written once by
-// install on the main thread, only read afterwards, so the host may call the
-// hooks from any thread.
+// install on the main thread, only read afterwards (but for an atomic count
+// of calls), so the host may call the hooks from any thread.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <string>
 
 #include "host/hook.hpp"
@@ -45,6 +47,9 @@ struct NotifyState {
   host::Hook<void(Id, bool, bool)> monoShowLocalIlink;
   host::Hook<void(Id, Id, Id, bool, Id, Id)> reportIncomingCall;
   host::Hook<void(Id, Id, Id, bool, bool)> reportPushKitCall;
+  // Every call reported to CallKit so far, from any thread: an end step that
+  // comes after a newer call would end that one instead.
+  std::atomic<std::uint64_t> callsReported{0};
   // The delivered-notification sweep (main thread only).
   bool sweepWatching = false;
   bool sweepQueued = false;
