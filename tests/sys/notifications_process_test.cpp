@@ -62,48 +62,50 @@ TEST(ProcessLifecycle, LaunchPostsThePlatformSequenceAroundTheLibraryAndHost) {
   EXPECT_DOUBLE_EQ(device.elapsed(), 0) << "launch takes no virtual time";
 }
 
-TEST(ProcessLifecycle, BackgroundAndForegroundInPlatformOrder) {
+// A launched app whose every notification is recorded with the state the app
+// was in when it came.
+struct Recorded {
   sim::Device device;
-  sim::Process process(device);
-  process.launch({});
+  sim::Process process{device};
   std::vector<std::string> seen;
-  sys::addObserver("", [&](const sys::Notification& n) {
-    seen.push_back(n.name + "/" + sim::appStateName(process.appState()));
-  });
-  ASSERT_TRUE(process.enterBackground());
-  EXPECT_FALSE(process.enterBackground()) << "already there";
-  ASSERT_TRUE(process.enterForeground());
-  EXPECT_FALSE(process.enterForeground());
-  EXPECT_EQ(seen, (std::vector<std::string>{
-                      std::string(sys::kSceneWillDeactivate) + "/active",
-                      std::string(sys::kWillResignActive) + "/active",
-                      std::string(sys::kSceneDidEnterBackground) + "/background",
-                      std::string(sys::kDidEnterBackground) + "/background",
-                      std::string(sys::kSceneWillEnterForeground) + "/background",
-                      std::string(sys::kWillEnterForeground) + "/background",
-                      std::string(sys::kSceneDidActivate) + "/active",
-                      std::string(sys::kDidBecomeActive) + "/active",
-                  }));
+  Recorded() {
+    process.launch({});
+    sys::addObserver("", [this](const sys::Notification& n) {
+      seen.push_back(n.name + "/" + sim::appStateName(process.appState()));
+    });
+  }
+};
+
+TEST(ProcessLifecycle, BackgroundAndForegroundInPlatformOrder) {
+  Recorded r;
+  ASSERT_TRUE(r.process.enterBackground());
+  EXPECT_FALSE(r.process.enterBackground()) << "already there";
+  ASSERT_TRUE(r.process.enterForeground());
+  EXPECT_FALSE(r.process.enterForeground());
+  EXPECT_EQ(r.seen, (std::vector<std::string>{
+                        std::string(sys::kSceneWillDeactivate) + "/active",
+                        std::string(sys::kWillResignActive) + "/active",
+                        std::string(sys::kSceneDidEnterBackground) + "/background",
+                        std::string(sys::kDidEnterBackground) + "/background",
+                        std::string(sys::kSceneWillEnterForeground) + "/background",
+                        std::string(sys::kWillEnterForeground) + "/background",
+                        std::string(sys::kSceneDidActivate) + "/active",
+                        std::string(sys::kDidBecomeActive) + "/active",
+                    }));
 }
 
 // A Face ID prompt interrupts as leaving begins: the same two, in the same order.
 TEST(ProcessLifecycle, ASystemPromptDeactivatesAsLeavingDoes) {
-  sim::Device device;
-  sim::Process process(device);
-  process.launch({});
-  std::vector<std::string> seen;
-  sys::addObserver("", [&](const sys::Notification& n) {
-    seen.push_back(n.name + "/" + sim::appStateName(process.appState()));
-  });
-  process.platform().biometricReply = [](bool) {};
-  process.systemPromptAppeared();
-  ASSERT_TRUE(process.answerSystemPrompt(true));
-  EXPECT_EQ(seen, (std::vector<std::string>{
-                      std::string(sys::kSceneWillDeactivate) + "/active",
-                      std::string(sys::kWillResignActive) + "/active",
-                      std::string(sys::kSceneDidActivate) + "/active",
-                      std::string(sys::kDidBecomeActive) + "/active",
-                  }));
+  Recorded r;
+  r.process.platform().biometricReply = [](bool) {};
+  r.process.systemPromptAppeared();
+  ASSERT_TRUE(r.process.answerSystemPrompt(true));
+  EXPECT_EQ(r.seen, (std::vector<std::string>{
+                        std::string(sys::kSceneWillDeactivate) + "/active",
+                        std::string(sys::kWillResignActive) + "/active",
+                        std::string(sys::kSceneDidActivate) + "/active",
+                        std::string(sys::kDidBecomeActive) + "/active",
+                    }));
 }
 
 TEST(ProcessLifecycle, AnExceptionEscapingIntoTheHostCrashesTheProcess) {
