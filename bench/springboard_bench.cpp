@@ -47,6 +47,9 @@ struct World {
   sim::Device device;
   std::unique_ptr<sim::Process> plainSB, guardedSB;
   rt::Strong plain, hooked, plainRequest, hookedRequest;
+  // The simulated request holds its content without retaining it (a phone's
+  // retains): the world keeps each one alive for its request.
+  rt::Strong plainContent, hookedContent;
   World(long mode, const char* from) {
     {
       sim::Process app(device);
@@ -68,27 +71,30 @@ struct World {
     {
       sim::InProcess here(*plainSB);
       plain = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationDispatcher"), "new"));
-      plainRequest = request(from);
+      plainRequest = request(from, plainContent);
     }
     sim::InProcess here(*guardedSB);
     hooked = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationDispatcher"), "new"));
-    hookedRequest = request(from);
+    hookedRequest = request(from, hookedContent);
   }
   ~World() {
     {
       sim::InProcess here(*plainSB);
       plain.reset();
       plainRequest.reset();
+      plainContent.reset();
     }
     sim::InProcess here(*guardedSB);
     hooked.reset();
     hookedRequest.reset();
+    hookedContent.reset();
   }
   // As NCNotificationRequest's own getters read it back.
-  static rt::Strong request(const char* from) {
+  static rt::Strong request(const char* from, rt::Strong& keptContent) {
     rt::Strong r =
         rt::Strong::adopt(rt::send<Id>(rt::getClass("NCMutableNotificationRequest"), "new"));
-    Id content = sim::autorelease(rt::send<Id>(rt::getClass("NCNotificationContent"), "new"));
+    keptContent = rt::Strong::adopt(rt::send<Id>(rt::getClass("NCNotificationContent"), "new"));
+    Id content = keptContent.get();
     rt::send<void>(r.get(), "setSectionIdentifier:", rt::str("com.example.messenger"));
     rt::send<void>(r.get(), "setNotificationIdentifier:", rt::str("n1"));
     rt::send<void>(r.get(), "setThreadIdentifier:", rt::str(from));

@@ -57,11 +57,14 @@ std::string contentText(Id content, const char* selector) {
   return content && rt::respondsTo(content, s) ? text(rt::send<Id>(content, s)) : "";
 }
 
-bool callAnnounced(Id request, const core::GateRecord& gate, Id userInfo) {
+// What the person would read: a missed call the system presents says so in
+// its texts. SpringBoard presents for every app, so its user info is left to
+// the app's own paths, which read it while the app runs.
+bool callAnnounced(Id request, const core::GateRecord& gate) {
   Id content =
       rt::respondsTo(request, rt::sel("content")) ? rt::send<Id>(request, "content") : nullptr;
   return callSwitchesBlock(gate.voipVoice, gate.voipVideo, contentText(content, "title"),
-                           contentText(content, "message"), userInfo);
+                           contentText(content, "message"), nullptr, false);
 }
 
 Verdict verdictFor(Id request) {
@@ -81,12 +84,14 @@ Verdict verdictFor(Id request) {
   std::string thread = text(rt::send<Id>(request, "threadIdentifier"));
   if (!partsName(userInfo, thread, [host](std::string_view u) { return host->isSecret(u); }))
     return Verdict::Pass;
+  bool hidden = hiddenNow(gate);
+  if (hidden && gate.notifyMode == 0) return Verdict::Drop;
   // A secret's call announcement (a missed call the app posted before it
   // slept, one the system presents for it) follows the call switches in
   // every mode, revealed or not, as in the app.
-  if (callsFollowSwitches && callAnnounced(request, gate, userInfo)) return Verdict::Drop;
-  if (gate.notifyMode == 2 || !hiddenNow(gate)) return Verdict::Pass;
-  return gate.notifyMode == 0 ? Verdict::Drop : Verdict::Silence;
+  if (callsFollowSwitches && callAnnounced(request, gate)) return Verdict::Drop;
+  if (gate.notifyMode == 2 || !hidden) return Verdict::Pass;
+  return Verdict::Silence;
 }
 
 void postNotification(Id self, SEL cmd, Id request) {
