@@ -1,9 +1,10 @@
 // NSArray, NSDictionary and NSSet with their mutable forms. A mutable class is
 // a subclass sharing its immutable parent's storage, so respondsToSelector:
 // tells them apart as on iOS (only the mutable ones answer setObject:forKey:).
-// Kinder than a phone: a collection holds its elements without retaining
-// them, so an object whose only owner is a collection is neither freed nor
-// reported by `show leaks` as the library's.
+// Unlike a phone's, a collection holds its elements without retaining them:
+// an element whose owners all let go is freed while a collection still lists
+// it, and one listed by a reachable collection is never reported as leaked.
+// Callers keep what they put in alive as long as the collection is used.
 #include <string>
 
 #include "rt/exception.hpp"
