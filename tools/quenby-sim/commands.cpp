@@ -1,5 +1,6 @@
 #include "commands.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "help.hpp"
@@ -105,9 +106,13 @@ void requireWords(const Command& c, std::size_t min, std::size_t max, const std:
 
 double durationArg(const Command& c, std::size_t index, const std::string& usage) {
   const std::string& w = c.words.at(index);
+  // Seconds as a person writes them (`30`, `0.5`, `.5`): no sign, exponent or hex.
+  bool decimal = w.find_first_not_of("0123456789.") == std::string::npos &&
+                 std::count(w.begin(), w.end(), '.') <= 1 &&
+                 w.find_first_of("0123456789") != std::string::npos;
   char* end = nullptr;
-  double d = std::strtod(w.c_str(), &end);
-  if (w.empty() || *end || !(d >= 0) || d > 1e7)
+  double d = decimal ? std::strtod(w.c_str(), &end) : -1;
+  if (!decimal || *end || !(d >= 0) || d > 1e7)
     throw ScriptError{"bad duration '" + w + "' (usage: " + usage + ")"};
   return d;
 }
