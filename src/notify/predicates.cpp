@@ -176,11 +176,11 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
   QBConfig& c = QBConfig::shared();
   if (c.shouldHideSecrets() && c.secretNotifyMode() == 0) return true;
   return callSwitchesBlock(c.voipVoiceNotifyEnabled(), c.voipVideoNotifyEnabled(), title, body,
-                           userInfo, true);
+                           userInfo);
 }
 
 bool callSwitchesBlock(bool voice, bool videoOn, const std::string& title, const std::string& body,
-                       rt::Id userInfo, bool describeUserInfo) {
+                       rt::Id userInfo) {
   if (voice && videoOn) return false;
   // The parts are searched one by one (no call word spans two), the user
   // info's description last and only when still needed.
@@ -192,10 +192,10 @@ bool callSwitchesBlock(bool voice, bool videoOn, const std::string& title, const
   };
   std::string description;
   bool call = readsLikeCall(title) || readsLikeCall(body) || isCallMessage(userInfo) ||
-              (describeUserInfo && readsLikeCall(description = rt::description(userInfo)));
+              (userInfo && readsLikeCall(description = rt::description(userInfo)));
   if (!call) return false;
   if (voice == videoOn) return true;  // both off: every kind blocks
-  if (describeUserInfo && description.empty()) description = rt::description(userInfo);
+  if (userInfo && description.empty()) description = rt::description(userInfo);
   bool video = isVideoCall(userInfo) || contains(title, "视频") || contains(body, "视频") ||
                contains(description, "视频");
   return video ? !videoOn : !voice;

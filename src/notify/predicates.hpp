@@ -38,11 +38,10 @@ bool callDetectionBlocks(const std::string& sender, const std::string& title,
                          const std::string& body, rt::Id userInfo,
                          const std::string& threadIdentifier);
 // Its second half, for a secret's notification, given the two call switches:
-// whether the parts announce a call of a kind the switches keep out. The user
-// info's description, searched last, is the costly part; `describeUserInfo`
-// false leaves it out (its keys are still read).
+// whether the parts announce a call of a kind the switches keep out. A null
+// user info leaves out its keys and its description (the costly part).
 bool callSwitchesBlock(bool voice, bool videoOn, const std::string& title, const std::string& body,
-                       rt::Id userInfo, bool describeUserInfo);
+                       rt::Id userInfo);
 
 // A notification content whose user info (nested dictionaries included) or
 // thread identifier names a secret: what the system request gating and the

@@ -64,7 +64,7 @@ bool callAnnounced(Id request, const core::GateRecord& gate) {
   Id content =
       rt::respondsTo(request, rt::sel("content")) ? rt::send<Id>(request, "content") : nullptr;
   return callSwitchesBlock(gate.voipVoice, gate.voipVideo, contentText(content, "title"),
-                           contentText(content, "message"), nullptr, false);
+                           contentText(content, "message"), nullptr);
 }
 
 Verdict verdictFor(Id request) {
@@ -77,14 +77,14 @@ Verdict verdictFor(Id request) {
   const core::GateRecord& gate = *host->record;
   if (gate.hashes.empty()) return Verdict::Pass;
   bool callsFollowSwitches = !(gate.voipVoice && gate.voipVideo);
-  if (!callsFollowSwitches && (gate.notifyMode == 2 || !hiddenNow(gate))) return Verdict::Pass;
+  bool hidden = hiddenNow(gate);
+  if (!callsFollowSwitches && (gate.notifyMode == 2 || !hidden)) return Verdict::Pass;
   if (inForeground(bundle)) return Verdict::Pass;
   Id context = rt::send<Id>(request, "context");
   Id userInfo = rt::isDictionary(context) ? rt::objectForKey(context, "userInfo") : nullptr;
   std::string thread = text(rt::send<Id>(request, "threadIdentifier"));
   if (!partsName(userInfo, thread, [host](std::string_view u) { return host->isSecret(u); }))
     return Verdict::Pass;
-  bool hidden = hiddenNow(gate);
   if (hidden && gate.notifyMode == 0) return Verdict::Drop;
   // A secret's call announcement (a missed call the app posted before it
   // slept, one the system presents for it) follows the call switches in
